@@ -1,0 +1,424 @@
+#include "qzxmllib/support/MemoryLeakHelp.h"
+
+#include "qzxmllib/support/MemoryLeakHelpInternal.h"
+
+#include <atomic>
+#include <cassert>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+/// Names beyond this number share their counters between all threads.
+constexpr unsigned kShardedNames = 128;
+constexpr unsigned kNotSharded = kShardedNames;
+constexpr unsigned kCacheSlots = 64;
+
+} // namespace
+
+/// One name with the counts that belong to no running thread's shard.
+struct CInstanceMonitor::ClassType
+{
+    std::u16string strClassName;
+    unsigned nIndex = kNotSharded;
+    /// Set by Cleanup for a name that still has instances: lInstanceCount is then exact and the last one deletes it.
+    std::atomic<bool> bDetached{false};
+    std::atomic<std::int64_t> lInstanceCount{0};
+    std::atomic<std::int64_t> lTotalCount{0};
+};
+
+/// Counters of one thread. Only that thread writes them, so an update is a plain load and store; DumpState reads them
+/// from outside and adds the shards up.
+struct CInstanceCounters
+{
+    using ClassType = CInstanceMonitor::ClassType;
+
+    struct Counter
+    {
+        std::atomic<std::int64_t> lInstanceCount{0};
+        std::atomic<std::int64_t> lTotalCount{0};
+    };
+    struct CacheSlot
+    {
+        char16_t const * pszName = nullptr;
+        ClassType * pct = nullptr;
+        unsigned nGeneration = 0;
+    };
+
+    alignas(64) Counter aCounters[kShardedNames];
+    CacheSlot aCache[kCacheSlots];
+
+    static void Add(std::atomic<std::int64_t> & counter, std::int64_t nDelta)
+    {
+        counter.store(counter.load(std::memory_order_relaxed) + nDelta, std::memory_order_relaxed);
+    }
+
+    void Count(ClassType & ct)
+    {
+        Counter & counter = aCounters[ct.nIndex];
+        Add(counter.lInstanceCount, 1);
+        Add(counter.lTotalCount, 1);
+    }
+
+    ClassType * Cached(char16_t const * name, unsigned nGeneration) const
+    {
+        CacheSlot const & slot = aCache[Slot(name)];
+        // The text is compared too: a caller's buffer can come back with another name in it.
+        if (slot.pszName == name && slot.nGeneration == nGeneration && slot.pct->strClassName == name)
+            return slot.pct;
+        return nullptr;
+    }
+
+    void Remember(char16_t const * name, ClassType * pct, unsigned nGeneration)
+    {
+        aCache[Slot(name)] = {name, pct, nGeneration};
+    }
+
+    static unsigned Slot(char16_t const * name)
+    {
+        auto const nBits = reinterpret_cast<std::uintptr_t>(name);
+        return static_cast<unsigned>((nBits >> 2) ^ (nBits >> 8)) % kCacheSlots;
+    }
+
+    static CInstanceCounters * OfThread();
+    static void CountShared(ClassType & ct, std::int64_t nLive, std::int64_t nTotal);
+    static ClassType & Find(char16_t const * name);
+    static std::int64_t Sum(ClassType const & ct, std::atomic<std::int64_t> Counter::*pField, std::int64_t nBase);
+    static void Retire(CInstanceCounters * pShard);
+    static void CountUp(CInstanceMonitor & monitor, ClassType & ct);
+};
+
+namespace
+{
+
+using ClassType = CInstanceMonitor::ClassType;
+
+/// Raised by Cleanup, so that names cached before it are looked up again.
+std::atomic<unsigned> g_nGeneration{1};
+
+/// Shards of the running threads, guarded by the monitor's lock. Never destroyed: threads may outlive static objects.
+std::vector<CInstanceCounters *> & Shards()
+{
+    static auto * const s_pShards = new std::vector<CInstanceCounters *>;
+    return *s_pShards;
+}
+
+__attribute__((tls_model("initial-exec"))) thread_local CInstanceCounters * t_pShard = nullptr;
+__attribute__((tls_model("initial-exec"))) thread_local bool t_bShardGone = false;
+
+/// Folds the shard of a thread into the shared counts when the thread ends.
+struct ShardOwner
+{
+    ~ShardOwner()
+    {
+        CInstanceCounters * const pShard = t_pShard;
+        t_pShard = nullptr;
+        t_bShardGone = true;
+        if (pShard != nullptr)
+            CInstanceCounters::Retire(pShard);
+    }
+};
+
+} // namespace
+
+CInstanceCounters * CInstanceCounters::OfThread()
+{
+    if (t_pShard != nullptr || t_bShardGone)
+        return t_pShard;
+    static thread_local ShardOwner t_owner;
+    static_cast<void>(t_owner);
+    auto pShard = std::make_unique<CInstanceCounters>();
+    CLockGuard const guard(CInstanceMonitor::m_cs);
+    Shards().push_back(pShard.get());
+    t_pShard = pShard.release();
+    return t_pShard;
+}
+
+void CInstanceCounters::CountShared(ClassType & ct, std::int64_t nLive, std::int64_t nTotal)
+{
+    ct.lInstanceCount.fetch_add(nLive, std::memory_order_relaxed);
+    ct.lTotalCount.fetch_add(nTotal, std::memory_order_relaxed);
+}
+
+ClassType & CInstanceCounters::Find(char16_t const * name)
+{
+    CLockGuard const guard(CInstanceMonitor::m_cs);
+    for (ClassType * pct : CInstanceMonitor::ms_List)
+        if (pct->strClassName == name)
+            return *pct;
+    auto pct = std::make_unique<ClassType>();
+    pct->strClassName = name;
+    if (CInstanceMonitor::ms_List.size() < kShardedNames)
+        pct->nIndex = static_cast<unsigned>(CInstanceMonitor::ms_List.size());
+    CInstanceMonitor::ms_List.push_back(pct.get());
+    return *pct.release();
+}
+
+std::int64_t CInstanceCounters::Sum(
+    ClassType const & ct, std::atomic<std::int64_t> Counter::*pField, std::int64_t nBase)
+{
+    if (ct.nIndex != kNotSharded)
+        for (CInstanceCounters const * pShard : Shards())
+            nBase += (pShard->aCounters[ct.nIndex].*pField).load(std::memory_order_relaxed);
+    return nBase;
+}
+
+void CInstanceCounters::Retire(CInstanceCounters * pShard)
+{
+    CLockGuard const guard(CInstanceMonitor::m_cs);
+    for (ClassType * pct : CInstanceMonitor::ms_List)
+    {
+        if (pct->nIndex == kNotSharded)
+            continue;
+        Counter const & counter = pShard->aCounters[pct->nIndex];
+        CountShared(*pct, counter.lInstanceCount.load(std::memory_order_relaxed),
+            counter.lTotalCount.load(std::memory_order_relaxed));
+    }
+    std::vector<CInstanceCounters *> & shards = Shards();
+    for (auto it = shards.begin(); it != shards.end(); ++it)
+    {
+        if (*it == pShard)
+        {
+            shards.erase(it);
+            break;
+        }
+    }
+    delete pShard;
+}
+
+void CInstanceCounters::CountUp(CInstanceMonitor & monitor, ClassType & ct)
+{
+    monitor.m_pct = &ct;
+    CInstanceCounters * const pShard = OfThread();
+    if (pShard != nullptr && ct.nIndex != kNotSharded && !ct.bDetached.load(std::memory_order_relaxed))
+        pShard->Count(ct);
+    else
+        CountShared(ct, 1, 1);
+}
+
+CInstanceMonitor::CInstanceMonitor(char16_t const * name) : m_pct(nullptr)
+{
+    unsigned const nGeneration = g_nGeneration.load(std::memory_order_relaxed);
+    CInstanceCounters * const pShard = t_pShard;
+    if (pShard != nullptr)
+    {
+        if (ClassType * const pct = pShard->Cached(name, nGeneration))
+        {
+            m_pct = pct;
+            pShard->Count(*pct);
+            return;
+        }
+    }
+    ClassType & ct = CInstanceCounters::Find(name);
+    CInstanceCounters::CountUp(*this, ct);
+    if (t_pShard != nullptr && ct.nIndex != kNotSharded)
+        t_pShard->Remember(name, &ct, nGeneration);
+}
+
+CInstanceMonitor::CInstanceMonitor(CInstanceMonitor const & other) : m_pct(nullptr)
+{
+    CInstanceCounters::CountUp(*this, *other.m_pct);
+}
+
+CInstanceMonitor::~CInstanceMonitor()
+{
+    assert(m_pct != nullptr);
+    if (m_pct->bDetached.load(std::memory_order_relaxed))
+    {
+        if (m_pct->lInstanceCount.fetch_sub(1) == 1)
+            delete m_pct;
+        return;
+    }
+    CInstanceCounters * const pShard = CInstanceCounters::OfThread();
+    if (pShard != nullptr && m_pct->nIndex != kNotSharded)
+        CInstanceCounters::Add(pShard->aCounters[m_pct->nIndex].lInstanceCount, -1);
+    else
+        CInstanceCounters::CountShared(*m_pct, -1, 0);
+}
+
+std::u16string CInstanceMonitor::DumpState()
+{
+    CLockGuard const guard(m_cs);
+    std::u16string strResult = u"Instances of classes still in existence/Total Number of instances created\n";
+    bool bFirst = true;
+    for (ClassType const * pct : ms_List)
+    {
+        if (!bFirst)
+            strResult.append(u"\n");
+        bFirst = false;
+        std::int64_t const nLive =
+            CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lInstanceCount, pct->lInstanceCount);
+        std::int64_t const nTotal =
+            CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lTotalCount, pct->lTotalCount);
+        strResult.append(QzXmlLib16::FormatString(
+            nLive >= 1 ? u"--> %s = %d/%d" : u"    %s = %d/%d", pct->strClassName, nLive, nTotal));
+    }
+    return strResult;
+}
+
+void CInstanceMonitor::Cleanup()
+{
+    for (ClassType * pct : ms_List)
+    {
+        std::int64_t const nLive =
+            CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lInstanceCount, pct->lInstanceCount);
+        if (nLive < 1)
+        {
+            delete pct;
+            continue;
+        }
+        pct->lInstanceCount = nLive;
+        pct->bDetached = true;
+    }
+    ms_List.clear();
+    for (CInstanceCounters * pShard : Shards())
+    {
+        for (auto & counter : pShard->aCounters)
+        {
+            counter.lInstanceCount = 0;
+            counter.lTotalCount = 0;
+        }
+    }
+    g_nGeneration.fetch_add(1);
+}
+
+CQZCriticalSection::CQZCriticalSection() = default;
+CQZCriticalSection::~CQZCriticalSection() = default;
+
+void CQZCriticalSection::Enter()
+{
+    m_mutex.lock();
+}
+
+void CQZCriticalSection::Leave()
+{
+    m_mutex.unlock();
+}
+
+CInstanceTracker::CInstanceTracker()
+{
+    DebugTrace(u"Starting to track Class instances\n");
+}
+
+CInstanceTracker::~CInstanceTracker()
+{
+    DebugTrace(u"Dumping Class instances\n");
+    DebugTrace(u"%s", CInstanceMonitor::DumpState());
+    DebugTrace(u"\n");
+    CInstanceMonitor::Cleanup();
+}
+
+namespace
+{
+
+constexpr std::size_t kPieceUnits = 128;
+constexpr std::size_t kTraceLimit = 32768;
+
+std::atomic<void (*)(char16_t const *)> g_pfnDebugOutput{nullptr};
+
+void AppendUtf8(std::string & strOut, std::uint32_t nCode)
+{
+    static constexpr struct
+    {
+        std::uint32_t nLimit;
+        unsigned nLead;
+        int nFollow;
+    } kForms[] = {{0x80, 0x00, 0}, {0x800, 0xC0, 1}, {0x10000, 0xE0, 2}, {0x110000, 0xF0, 3}};
+    for (auto const & form : kForms)
+    {
+        if (nCode >= form.nLimit)
+            continue;
+        strOut.push_back(static_cast<char>(form.nLead | (nCode >> (6 * form.nFollow))));
+        for (int i = form.nFollow - 1; i >= 0; --i)
+            strOut.push_back(static_cast<char>(0x80 | ((nCode >> (6 * i)) & 0x3F)));
+        return;
+    }
+}
+
+bool IsHighSurrogate(char16_t c)
+{
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+
+bool IsLowSurrogate(char16_t c)
+{
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
+
+/// Standard error, one unbuffered write for each piece. A surrogate pair that the border of two pieces cuts is joined:
+/// its first half waits for the next piece. A half without its other half becomes U+FFFD.
+void WriteStandardError(char16_t const * piece)
+{
+    static thread_local char16_t t_cPending = 0;
+    std::u16string strText;
+    if (t_cPending != 0)
+        strText.push_back(t_cPending);
+    t_cPending = 0;
+    strText.append(piece);
+    std::size_t const nPiece = std::u16string_view(piece).size();
+    if (nPiece == kPieceUnits && IsHighSurrogate(strText.back()))
+    {
+        t_cPending = strText.back();
+        strText.pop_back();
+    }
+    std::string strOut;
+    for (std::size_t i = 0; i < strText.size(); ++i)
+    {
+        char16_t const c = strText[i];
+        if (IsHighSurrogate(c) && i + 1 < strText.size() && IsLowSurrogate(strText[i + 1]))
+        {
+            AppendUtf8(
+                strOut, 0x10000 + ((std::uint32_t(c) - 0xD800) << 10) + (std::uint32_t(strText[i + 1]) - 0xDC00));
+            ++i;
+        }
+        else
+        {
+            AppendUtf8(strOut, IsHighSurrogate(c) || IsLowSurrogate(c) ? 0xFFFD : c);
+        }
+    }
+    // Nothing can be done about a diagnostic that cannot be written.
+    static_cast<void>(!::write(STDERR_FILENO, strOut.data(), strOut.size()));
+}
+
+bool IsStandardErrorAsked()
+{
+    static bool const s_bAsked = []
+    {
+        char const * const pszValue = std::getenv("QZXMLLIB_DEBUG_OUTPUT");
+        return pszValue != nullptr && *pszValue != 0;
+    }();
+    return s_bAsked;
+}
+
+} // namespace
+
+void SetDebugOutput(void (*pfnOutput)(char16_t const * piece))
+{
+    g_pfnDebugOutput = pfnOutput;
+}
+
+bool IsDebugOutputHeard()
+{
+    return g_pfnDebugOutput.load(std::memory_order_relaxed) != nullptr || IsStandardErrorAsked();
+}
+
+void SendDebugText(std::u16string const & strText)
+{
+    if (strText.size() >= kTraceLimit)
+        return;
+    auto const pfnOutput = g_pfnDebugOutput.load();
+    for (std::size_t nPos = 0; nPos < strText.size(); nPos += kPieceUnits)
+    {
+        std::u16string const strPiece = strText.substr(nPos, kPieceUnits);
+        if (pfnOutput != nullptr)
+            pfnOutput(strPiece.c_str());
+        else
+            WriteStandardError(strPiece.c_str());
+    }
+}

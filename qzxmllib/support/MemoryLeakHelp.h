@@ -1,0 +1,60 @@
+#pragma once
+
+#include "qzxmllib/support/Export.h"
+
+#include <list>
+#include <mutex>
+#include <string>
+
+/// Re-entrant lock: the thread that holds it can enter again and must leave as often as it entered. Not copied.
+class QZXMLLIB_API CQZCriticalSection
+{
+public:
+    CQZCriticalSection();
+    CQZCriticalSection(CQZCriticalSection const &) = delete;
+    CQZCriticalSection & operator=(CQZCriticalSection const &) = delete;
+    virtual ~CQZCriticalSection();
+
+    /// Blocks until the lock is held.
+    void Enter();
+    void Leave();
+
+private:
+    std::recursive_mutex m_mutex;
+};
+
+/// Counts the live and the total instances of each monitored class by name and reports them when the library is
+/// unloaded, so that leaks show by class. Any thread may create and destroy monitored objects.
+class QZXMLLIB_API CInstanceMonitor
+{
+public:
+    /// Counts one more instance of name, which must not be null. Names are compared by content; the first is copied.
+    explicit CInstanceMonitor(char16_t const * name);
+    /// A copy is a new instance of the same name.
+    CInstanceMonitor(CInstanceMonitor const & other);
+    /// Assignment changes no count.
+    CInstanceMonitor & operator=(CInstanceMonitor const &) { return *this; }
+    virtual ~CInstanceMonitor();
+
+    /// A heading and one line for each name in order of first appearance: name, live count, total count. Names with
+    /// live instances are marked by an arrow.
+    static std::u16string DumpState();
+    /// Forgets every name and count. Must run while no other thread uses the library. Objects alive across it are no
+    /// longer counted.
+    static void Cleanup();
+
+    struct ClassType;
+
+private:
+    friend struct CInstanceCounters;
+
+    ClassType * m_pct;
+
+    static std::list<ClassType *> ms_List;
+    static CQZCriticalSection m_cs;
+};
+
+/// Receives diagnostic text in pieces of at most 128 UTF-16 code units, each ended by a 0. While no function is set,
+/// or after a null one, pieces go to standard error as UTF-8 if the environment variable QZXMLLIB_DEBUG_OUTPUT is set
+/// and not empty, and are dropped otherwise. The function is called on the thread that traces and must not throw.
+QZXMLLIB_API void SetDebugOutput(void (*pfnOutput)(char16_t const * piece));
