@@ -72,6 +72,12 @@ public:
         bool const bLast = nIndex + 1 == m_blocks.size();
         return {m_blocks[nIndex].get(), bLast ? m_LastBlock_DataIn : m_blockSizes[nIndex]};
     }
+    /// Removes the last code unit of a text that has one.
+    void DropLast() noexcept
+    {
+        --m_LastBlock_DataIn;
+        --m_dwTotalBufferLen;
+    }
     /// Replaces the whole content by one block of nUnits code units with room for a terminator behind them.
     void Adopt(std::unique_ptr<char16_t[]> spText, std::uint32_t nUnits);
 
@@ -98,7 +104,6 @@ private:
     }
     void AddBlock();
     void AppendAcross(char16_t const * pText, std::size_t nUnits);
-    void UseAsOnlyBlock(std::unique_ptr<char16_t[]> spText, std::uint32_t nUnits);
 
     std::vector<std::unique_ptr<char16_t[]>> m_blocks;
     std::vector<std::uint32_t> m_blockSizes;
