@@ -117,7 +117,8 @@ void CExpatReader::CheckDepth() const
 void CExpatReader::StartElementHandler(void * pThis, char const * pszName, char const ** ppszAttributes)
 {
     auto & reader = *static_cast<CExpatReader *>(pThis);
-    reader.Guard([&]
+    reader.Guard(
+        [&]
         {
             reader.CheckDepth();
             CXmlDocument & doc = reader.m_doc;
@@ -126,8 +127,8 @@ void CExpatReader::StartElementHandler(void * pThis, char const * pszName, char 
             CXmlElement * const pElement =
                 doc.m_pDocumentElement != nullptr ? doc.AddChildElement(name) : doc.AddDocElement(name);
             for (; *ppszAttributes != nullptr; ppszAttributes += 2)
-                CXmlDocument::AddElementAttributeUtf8(pElement, names.FromParser(ppszAttributes[0]), ppszAttributes[1],
-                    std::strlen(ppszAttributes[1]));
+                CXmlDocument::AddElementAttributeUtf8(
+                    pElement, names.FromParser(ppszAttributes[0]), ppszAttributes[1], std::strlen(ppszAttributes[1]));
         });
 }
 
@@ -140,8 +141,7 @@ void CExpatReader::EndElementHandler(void * pThis, char const *)
 void CExpatReader::StartNamespaceHandler(void * pThis, char const * pszPrefix, char const * pszUri)
 {
     auto & reader = *static_cast<CExpatReader *>(pThis);
-    reader.Guard(
-        [&] { reader.m_doc.m_mapNamespaces[DecodeParserText(pszPrefix)] = DecodeParserText(pszUri); });
+    reader.Guard([&] { reader.m_doc.m_mapNamespaces[DecodeParserText(pszPrefix)] = DecodeParserText(pszUri); });
 }
 
 void CExpatReader::EndNamespaceHandler(void *, char const *)
@@ -152,9 +152,12 @@ void CExpatReader::EndNamespaceHandler(void *, char const *)
 void CExpatReader::CharacterDataHandler(void * pThis, char const * pText, int nOctets)
 {
     auto & reader = *static_cast<CExpatReader *>(pThis);
-    reader.Guard([&]
-        { CXmlDocument::AppendUtf8ExcludingCR(
-              reader.m_doc.m_pElementStack.back(), pText, static_cast<std::size_t>(nOctets)); });
+    reader.Guard(
+        [&]
+        {
+            CXmlDocument::AppendUtf8ExcludingCR(
+                reader.m_doc.m_pElementStack.back(), pText, static_cast<std::size_t>(nOctets));
+        });
 }
 
 void CExpatReader::StartCdataHandler(void * pThis)

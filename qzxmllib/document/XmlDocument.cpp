@@ -196,8 +196,7 @@ void CXmlDocument::AsyncParse(char16_t const * pszFileName)
     {
         m_pData.reset(new unsigned char[kChunkOctets]);
         ReadChunkFromFile(m_pData.get());
-        m_nDataLength =
-            WaitForChunk(u"Failed to read the contents of the file [%s] Error [0x%08x]", pszFileName);
+        m_nDataLength = WaitForChunk(u"Failed to read the contents of the file [%s] Error [0x%08x]", pszFileName);
         CExpatReader reader(*this);
         reader.Init();
         std::unique_ptr<unsigned char[]> pSpare(new unsigned char[kChunkOctets]);
@@ -205,7 +204,8 @@ void CXmlDocument::AsyncParse(char16_t const * pszFileName)
         {
             ReadChunkFromFile(pSpare.get());
             reader.Parse(m_pData.get(), m_nDataLength, false);
-            std::uint32_t const nNext = WaitForChunk(u"Failed to read the contents of the file. Error [0x%08x]", nullptr);
+            std::uint32_t const nNext =
+                WaitForChunk(u"Failed to read the contents of the file. Error [0x%08x]", nullptr);
             m_pData.swap(pSpare);
             m_nDataLength = nNext;
         }
@@ -238,8 +238,8 @@ std::uint32_t CXmlDocument::WaitForChunk(char16_t const * pszFailure, char16_t c
     bool bEndOfFile = false;
     int const nError = m_pAsyncRead->readRequest.Wait(nCount, bEndOfFile);
     if (nError != 0)
-        throw CQzException(pszFileName != nullptr ? FormatString(pszFailure, pszFileName, nError)
-                                                  : FormatString(pszFailure, nError));
+        throw CQzException(
+            pszFileName != nullptr ? FormatString(pszFailure, pszFileName, nError) : FormatString(pszFailure, nError));
     m_pAsyncRead->nFilePosition += nCount;
     return static_cast<std::uint32_t>(nCount);
 }
@@ -371,8 +371,8 @@ void CXmlDocument::EndElement()
     m_pTree->Release(pElement->m_pParent->RemoveLastChildElement(m_pPreviousSiblings[m_pElementStack.size()]));
 }
 
-void CXmlDocument::AddElementAttribute(CXmlElement * pElement, std::u16string_view localName,
-    std::u16string_view value, std::u16string_view namespaceURI)
+void CXmlDocument::AddElementAttribute(
+    CXmlElement * pElement, std::u16string_view localName, std::u16string_view value, std::u16string_view namespaceURI)
 {
     AddElementAttribute(pElement, pElement->GetDocument()->InternName(namespaceURI, localName), value);
 }

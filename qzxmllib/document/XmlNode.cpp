@@ -32,8 +32,7 @@ std::u16string CXmlAttribute::GetXPath() const
     std::u16string strPath = m_pElement->GetXPath() + u"/";
     if (!GetNamespaceURI().empty())
     {
-        std::u16string const strAlias =
-            m_pElement->GetDocument()->LookupAliasFromNamespace(GetNamespaceURI().c_str());
+        std::u16string const strAlias = m_pElement->GetDocument()->LookupAliasFromNamespace(GetNamespaceURI().c_str());
         if (!strAlias.empty())
             strPath += strAlias + u":";
     }
@@ -100,7 +99,8 @@ void CXmlElement::AppendText(char16_t const * pText)
 
 void CXmlElement::AppendText(char16_t const * pText, std::size_t nUnits)
 {
-    GetTree().Append(m_text, nUnits, [pText, nUnits](char16_t * pOut)
+    GetTree().Append(m_text, nUnits,
+        [pText, nUnits](char16_t * pOut)
         {
             std::copy_n(pText, nUnits, pOut);
             return nUnits;

@@ -14,7 +14,8 @@ namespace
 
 constexpr char16_t kXsiNamespace[] = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr char16_t kXmlnsNamespace[] = u"http://www.w3.org/2000/xmlns/";
-constexpr char16_t const * kNamespaceAttributes[] = {u"xmlns", u"type", u"schemaLocation", u"noNamespaceSchemaLocation"};
+constexpr char16_t const * kNamespaceAttributes[] = {
+    u"xmlns", u"type", u"schemaLocation", u"noNamespaceSchemaLocation"};
 
 constexpr std::size_t kFirstSlots = 64;
 
@@ -222,7 +223,8 @@ void CXmlTree::Rewind(void * p)
 {
     auto * const pCursor = static_cast<unsigned char *>(p);
     std::less<unsigned char *> const before;
-    while (before(pCursor, m_blocks.back().pFirst) || !before(pCursor, m_blocks.back().pFirst + m_blocks.back().nOctets))
+    while (
+        before(pCursor, m_blocks.back().pFirst) || !before(pCursor, m_blocks.back().pFirst + m_blocks.back().nOctets))
     {
         // One block stays at hand, so that elements dropped at the edge of a block do not go to the allocator.
         if (m_spare.nOctets < m_blocks.back().nOctets)
