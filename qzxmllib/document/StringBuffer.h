@@ -78,10 +78,20 @@ public:
         --m_LastBlock_DataIn;
         --m_dwTotalBufferLen;
     }
+    /// Room for nUnits code units in one piece, to be written and then counted by Commit; null if the block is too
+    /// full.
+    char16_t * Room(std::size_t nUnits) noexcept
+    {
+        return nUnits <= m_LastBlock_SizeOf - m_LastBlock_DataIn ? m_pLastBlock + m_LastBlock_DataIn : nullptr;
+    }
+    void Commit(std::size_t nUnits) noexcept
+    {
+        m_LastBlock_DataIn += static_cast<std::uint32_t>(nUnits);
+        m_dwTotalBufferLen += static_cast<std::uint32_t>(nUnits);
+    }
     /// Replaces the whole content by one block of nUnits code units with room for a terminator behind them.
     void Adopt(std::unique_ptr<char16_t[]> spText, std::uint32_t nUnits);
 
-private:
     /// Copies of a few code units are the rule, and not worth a call.
     static void CopyUnits(char16_t * pOut, char16_t const * pIn, std::size_t nUnits) noexcept
     {
@@ -102,6 +112,8 @@ private:
             std::memcpy(pOut, pIn, nUnits * sizeof(char16_t));
         }
     }
+
+private:
     void AddBlock();
     void AppendAcross(char16_t const * pText, std::size_t nUnits);
 

@@ -182,7 +182,7 @@ bool CTextStream::EncodePending()
     bool bGood = true;
     auto const encode = [&](std::u16string_view text)
     {
-        NarrowResult const result = NarrowUtf8(text.data(), text.size(), Room(text.size() * 3));
+        NarrowResult const result = NarrowUtf8(text.data(), text.size(), OctetRoom(text.size() * 3));
         m_octetBlocks.back().nUsed += result.nOctets;
         m_nOctets += result.nOctets;
         return result.nUnits;
@@ -232,7 +232,7 @@ bool CTextStream::EncodePending()
     return true;
 }
 
-unsigned char * CTextStream::Room(std::size_t nOctets)
+unsigned char * CTextStream::OctetRoom(std::size_t nOctets)
 {
     if (m_octetBlocks.empty() || m_octetBlocks.back().nSize - m_octetBlocks.back().nUsed < nOctets)
     {
