@@ -72,9 +72,14 @@ protected:
     XmlEncoding m_eEncoding;
 
 private:
+    struct OctetDeleter
+    {
+        std::size_t nOctets;
+        void operator()(unsigned char * pBlock) const noexcept;
+    };
     struct OctetBlock
     {
-        std::unique_ptr<unsigned char[]> spOctets;
+        std::unique_ptr<unsigned char[], OctetDeleter> spOctets;
         std::size_t nUsed;
         std::size_t nSize;
     };
