@@ -22,7 +22,7 @@ public:
     constexpr CBigDigits() noexcept : m_nSize(0), m_nCapacity(kInline), m_aInline{} {}
     /// Looks at chunks that outlive the object and does not copy them. For constants only: the object must not change.
     constexpr CBigDigits(std::uint32_t const * pChunks, std::uint32_t nChunks) noexcept
-        : m_nSize(nChunks), m_nCapacity(kBorrowed), m_pShared(pChunks)
+        : m_nSize(nChunks), m_nCapacity(kBorrowed), m_pChunks(pChunks)
     {
     }
     explicit CBigDigits(std::uint64_t nValue) noexcept;
@@ -64,13 +64,13 @@ private:
     static constexpr std::uint32_t kInline = 6;
     static constexpr std::uint32_t kBorrowed = 0;
 
-    std::uint32_t const * Chunks() const noexcept { return m_nCapacity == kInline ? m_aInline : m_pShared; }
-    std::uint32_t * Chunks() noexcept { return m_nCapacity == kInline ? m_aInline : m_pOwned; }
+    std::uint32_t const * Chunks() const noexcept { return m_nCapacity == kInline ? m_aInline : m_pChunks; }
+    std::uint32_t * Chunks() noexcept;
     void Reserve(std::size_t nChunks);
     void Take(CBigDigits & other) noexcept;
     void Free() noexcept;
     void Trim() noexcept;
-    void MultiplySmall(std::uint32_t nFactor, std::uint32_t nCarry);
+    void MultiplySmall(std::uint32_t nFactor);
     std::uint32_t DivideSmall(std::uint32_t nDivisor) noexcept;
 
     std::uint32_t m_nSize;
@@ -78,8 +78,7 @@ private:
     union
     {
         std::uint32_t m_aInline[kInline];
-        std::uint32_t * m_pOwned;
-        std::uint32_t const * m_pShared;
+        std::uint32_t const * m_pChunks;
     };
 };
 

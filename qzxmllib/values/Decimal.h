@@ -73,7 +73,8 @@ public:
     bool operator<=(CDecimal const & other) const { return CompareTo(other) <= 0; }
     bool operator>=(CDecimal const & other) const { return CompareTo(other) >= 0; }
 
-    /// All digits, without zeros at the end of the fraction; no point if the fraction is 0.
+    /// All digits, and no point if the fraction is 0. Zeros at the end of the fraction are shown only where rounding to
+    /// the limit of places has left them.
     std::u16string ToString() const;
     /// Rounds half away from zero and always has a point. May be shorter than asked if the rounded fraction ends in
     /// zeros: 1.995 to 2 places is "2.0". A negative number of places counts as 0.
