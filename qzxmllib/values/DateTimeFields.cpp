@@ -153,11 +153,13 @@ void ValidateDay(DateTimeFields const & fields, unsigned dwParts)
 
 /// Adds nAmount units and nCarry to nField, which keeps the rest below nBase. Gives the carry for the next field. The
 /// parts are divided before they are added, so that no sum can pass 64 bits.
-std::int64_t AddField(int & nField, std::uint64_t nAmount, bool bNegative, std::int64_t nCarry, int nBase)
+template <int nBase>
+std::int64_t AddField(int & nField, std::uint64_t nAmount, bool bNegative, std::int64_t nCarry)
 {
-    std::uint64_t const nUnsignedBase = static_cast<std::uint64_t>(nBase);
-    std::int64_t const nRest = static_cast<std::int64_t>(nAmount % nUnsignedBase);
-    std::int64_t const nWhole = static_cast<std::int64_t>(nAmount / nUnsignedBase);
+    if (nAmount == 0 && nCarry == 0 && nField < nBase)
+        return 0;
+    std::int64_t const nRest = static_cast<std::int64_t>(nAmount % nBase);
+    std::int64_t const nWhole = static_cast<std::int64_t>(nAmount / nBase);
     std::int64_t const nSum = nField + FloorMod(nCarry, nBase) + (bNegative ? -nRest : nRest);
     nField = static_cast<int>(FloorMod(nSum, nBase));
     return FloorDiv(nSum, nBase) + FloorDiv(nCarry, nBase) + (bNegative ? -nWhole : nWhole);
@@ -233,12 +235,12 @@ void DateTimeFields::Add(CDateTimeSpan const & span, bool bNegative)
     nMonth = static_cast<int>(FloorMod(nMonthIndex, 12)) + 1;
     nYear += FloorDiv(nMonthIndex, 12) + (bNegative ? -span.GetYears() : span.GetYears());
 
-    std::int64_t nCarry = AddField(nNano, span.GetNanoSeconds(), bNegative, 0, 1000);
-    nCarry = AddField(nMicro, span.GetMicroSeconds(), bNegative, nCarry, 1000);
-    nCarry = AddField(nMilli, span.GetMilliSeconds(), bNegative, nCarry, 1000);
-    nCarry = AddField(nSecond, span.GetSeconds(), bNegative, nCarry, 60);
-    nCarry = AddField(nMinute, span.GetMinutes(), bNegative, nCarry, 60);
-    nCarry = AddField(nHour, span.GetHours(), bNegative, nCarry, 24);
+    std::int64_t nCarry = AddField<1000>(nNano, span.GetNanoSeconds(), bNegative, 0);
+    nCarry = AddField<1000>(nMicro, span.GetMicroSeconds(), bNegative, nCarry);
+    nCarry = AddField<1000>(nMilli, span.GetMilliSeconds(), bNegative, nCarry);
+    nCarry = AddField<60>(nSecond, span.GetSeconds(), bNegative, nCarry);
+    nCarry = AddField<60>(nMinute, span.GetMinutes(), bNegative, nCarry);
+    nCarry = AddField<24>(nHour, span.GetHours(), bNegative, nCarry);
     std::int64_t const nDays = span.GetDays();
     AddDays(nCarry + (bNegative ? -nDays : nDays));
 

@@ -4,6 +4,7 @@
 #include "qzxmllib/values/DateTimeFieldsInternal.h"
 #include "qzxmllib/values/DateTimeTextInternal.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 
@@ -12,35 +13,6 @@ namespace QzXmlLib16
 
 namespace
 {
-
-struct DateShape
-{
-    std::u16string_view pattern; ///< Y, M and D are digits of their field, "?" is anything, "-" itself
-    CDateTime::DTType eType;
-};
-
-constexpr DateShape kYearShapes[] = {
-    {u"YYYY", CDateTime::dt_gYear},
-    {u"YYYY-MM", CDateTime::dt_gYearMonth},
-    {u"YYYY-MM-DD", CDateTime::dt_date},
-};
-
-// A gMonth used to be written with two hyphens at its end.
-constexpr DateShape kDashShapes[] = {
-    {u"--MM", CDateTime::dt_gMonth},
-    {u"---DD", CDateTime::dt_gDay},
-    {u"--MM??", CDateTime::dt_gMonth},
-    {u"--MM-DD", CDateTime::dt_gMonthDay},
-};
-
-template <std::size_t N>
-DateShape const * FindShape(DateShape const (&shapes)[N], std::size_t nUnits)
-{
-    for (auto const & shape : shapes)
-        if (shape.pattern.size() == nUnits)
-            return &shape;
-    return nullptr;
-}
 
 /// The number that two digits give, or -1.
 int ReadTwoDigits(char16_t const * pUnits)
@@ -62,37 +34,53 @@ public:
     CDateTime m_zone; ///< cleared but for its zone
 
 private:
-    bool ReadShape(DateShape const & shape, char16_t const * pUnits);
+    bool ReadFromYear(char16_t const * pUnits, std::size_t nUnits);
+    bool ReadWithoutYear(char16_t const * pUnits, std::size_t nUnits);
     void ReadZone(std::u16string_view text);
 };
 
-bool CDateTimeReader::ReadShape(DateShape const & shape, char16_t const * pUnits)
+/// CCYY, CCYY-MM or CCYY-MM-DD, told apart by their length. False for anything else.
+bool CDateTimeReader::ReadFromYear(char16_t const * pUnits, std::size_t nUnits)
 {
-    int nYear = 0;
-    int nMonth = 0;
-    int nDay = 0;
-    for (char16_t const cPattern : shape.pattern)
+    if (nUnits != 4 && nUnits != 7 && nUnits != 10)
+        return false;
+    int const nCentury = ReadTwoDigits(pUnits);
+    int const nYear = ReadTwoDigits(pUnits + 2);
+    m_fields.nYear = nCentury * 100 + nYear;
+    m_fields.eType = CDateTime::dt_gYear;
+    if (nUnits >= 7)
     {
-        char16_t const c = *pUnits++;
-        if (cPattern == u'?')
-            continue;
-        if (cPattern == u'-')
-        {
-            if (c != u'-')
-                return false;
-            continue;
-        }
-        unsigned const nDigit = static_cast<unsigned>(c) - u'0';
-        if (nDigit > 9)
-            return false;
-        int & nField = cPattern == u'Y' ? nYear : cPattern == u'M' ? nMonth : nDay;
-        nField = nField * 10 + static_cast<int>(nDigit);
+        m_fields.nMonth = pUnits[4] == u'-' ? ReadTwoDigits(pUnits + 5) : -1;
+        m_fields.eType = CDateTime::dt_gYearMonth;
     }
-    m_fields.eType = shape.eType;
-    m_fields.nYear = nYear;
-    m_fields.nMonth = nMonth;
-    m_fields.nDay = nDay;
-    return true;
+    if (nUnits == 10)
+    {
+        m_fields.nDay = pUnits[7] == u'-' ? ReadTwoDigits(pUnits + 8) : -1;
+        m_fields.eType = CDateTime::dt_date;
+    }
+    return nCentury >= 0 && nYear >= 0 && m_fields.nMonth >= 0 && m_fields.nDay >= 0;
+}
+
+/// --MM, ---DD or --MM-DD, told apart by their length, and --MM with two units behind it: gMonth used to be written
+/// --MM--. The two hyphens at the front are there. False for anything else.
+bool CDateTimeReader::ReadWithoutYear(char16_t const * pUnits, std::size_t nUnits)
+{
+    if (nUnits < 4 || nUnits > 7)
+        return false;
+    if (nUnits == 5)
+    {
+        m_fields.nDay = pUnits[2] == u'-' ? ReadTwoDigits(pUnits + 3) : -1;
+        m_fields.eType = CDateTime::dt_gDay;
+        return m_fields.nDay >= 0;
+    }
+    m_fields.nMonth = ReadTwoDigits(pUnits + 2);
+    m_fields.eType = CDateTime::dt_gMonth;
+    if (nUnits == 7)
+    {
+        m_fields.nDay = pUnits[4] == u'-' ? ReadTwoDigits(pUnits + 5) : -1;
+        m_fields.eType = CDateTime::dt_gMonthDay;
+    }
+    return m_fields.nMonth >= 0 && m_fields.nDay >= 0;
 }
 
 void CDateTimeReader::ReadDate(std::u16string_view text)
@@ -114,13 +102,10 @@ void CDateTimeReader::ReadDate(std::u16string_view text)
     std::size_t const nZoneUnits = bZ ? 1 : bColon ? 6 : 0;
     bool const bDashes = text.size() >= 2 && text[0] == u'-' && text[1] == u'-';
     std::size_t const nFirst = !bDashes && text[0] == u'-' ? 1 : 0;
-    DateShape const * pShape = nullptr;
-    if (text.size() > nFirst + nZoneUnits)
-    {
-        std::size_t const nUnits = text.size() - nFirst - nZoneUnits;
-        pShape = bDashes ? FindShape(kDashShapes, nUnits) : FindShape(kYearShapes, nUnits);
-    }
-    if (pShape == nullptr || !ReadShape(*pShape, text.data() + nFirst))
+    // Text that is too short for its zone counts as having no units.
+    std::size_t const nUnits = text.size() - std::min(text.size(), nFirst + nZoneUnits);
+    char16_t const * const pUnits = text.data() + nFirst;
+    if (!(bDashes ? ReadWithoutYear(pUnits, nUnits) : ReadFromYear(pUnits, nUnits)))
         throw CQzInvalidValueException(FormatString(u"Invalid XSD Date [%s] expected CCYY-MM-DD[Z|[+|-]hh:mm]", text));
     if (nFirst != 0)
         m_fields.nYear = -m_fields.nYear;

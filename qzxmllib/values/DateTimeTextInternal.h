@@ -1,7 +1,6 @@
 #pragma once
 
-#include "qzxmllib/values/Conversions.h"
-
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -19,27 +18,31 @@ class CDateTimeTextBuffer
 public:
     void Append(char16_t c) noexcept { m_aUnits[m_nUnits++] = c; }
 
-    void Append(std::u16string_view text) noexcept
-    {
-        for (char16_t const c : text)
-            Append(c);
-    }
-
     /// In decimal, with zeros in front up to nWidth digits.
     void AppendNumber(std::uint64_t nValue, std::size_t nWidth) noexcept
     {
-        char16_t aDigits[20];
-        std::size_t nDigits = 0;
-        for (; nValue != 0 || nDigits < nWidth; nValue /= 10)
-            aDigits[nDigits++] = static_cast<char16_t>(u'0' + nValue % 10);
-        while (nDigits != 0)
-            Append(aDigits[--nDigits]);
+        std::size_t nDigits = 1;
+        for (std::uint64_t nRest = nValue / 10; nRest != 0; nRest /= 10)
+            ++nDigits;
+        nDigits = std::max(nDigits, nWidth);
+        m_nUnits += nDigits;
+        for (char16_t * p = m_aUnits + m_nUnits; nDigits != 0; --nDigits, nValue /= 10)
+            *--p = static_cast<char16_t>(u'0' + nValue % 10);
     }
 
-    void AppendFraction(std::uint16_t nMilli, std::uint16_t nMicro, std::uint16_t nNano)
+    /// A point and the fraction without the zeros at its end, or nothing for 0, 0, 0.
+    void AppendFraction(std::uint16_t nMilli, std::uint16_t nMicro, std::uint16_t nNano) noexcept
     {
-        if ((nMilli | nMicro | nNano) != 0)
-            Append(FormatFractionOfSecond(nMilli, nMicro, nNano));
+        if ((nMilli | nMicro | nNano) == 0)
+            return;
+        Append(u'.');
+        AppendNumber(nMilli, 3);
+        if ((nMicro | nNano) != 0)
+            AppendNumber(nMicro, 3);
+        if (nNano != 0)
+            AppendNumber(nNano, 3);
+        while (m_aUnits[m_nUnits - 1] == u'0')
+            --m_nUnits;
     }
 
     std::u16string_view GetText() const noexcept { return {m_aUnits, m_nUnits}; }
