@@ -1,25 +1,10 @@
 #include "qzxmllib/values/QzVariant.h"
 
+#include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/ItemTraitsInternal.h"
 #include "qzxmllib/values/QzVariantInternal.h"
 
-#if __has_include("qzxmllib/binding/XmlCollectionBase.h")
-#include "qzxmllib/binding/XmlCollectionBase.h"
-#else
-namespace QzXmlLib16
-{
-class CXmlObjectBase
-{
-public:
-    void AddRef() {}
-    void Release() {}
-};
-class CXmlCollectionBase : public CXmlObjectBase
-{
-};
-} // namespace QzXmlLib16
-#endif
 #if __has_include("qzxmllib/values/Decimal.h")
 #include "qzxmllib/values/BigInteger.h"
 #include "qzxmllib/values/Decimal.h"
