@@ -4,6 +4,8 @@
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BinaryData.h"
 #include "qzxmllib/values/ConversionsInternal.h"
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
 
 #include <algorithm>
 #include <charconv>
@@ -256,6 +258,16 @@ bool EqualsLower(std::u16string_view text, std::u16string_view lower)
         [](char16_t a, char16_t b) { return (a >= u'A' && a <= u'Z' ? a + 32 : a) == b; });
 }
 
+/// A date of a kind; pfnParse is the operation of CDateTime that reads its text.
+CDateTime ParseDate(std::u16string_view given, CConversions::WhitespaceRule eRule, CDateTime::DTType eType,
+    void (CDateTime::*pfnParse)(std::u16string_view) = &CDateTime::ParseXSDDate)
+{
+    std::u16string strScratch;
+    CDateTime value(eType);
+    (value.*pfnParse)(CWhitespaceUtils::ApplyRule(eRule, given, strScratch));
+    return value;
+}
+
 template <class Value>
 std::u16string Printed(void (*pfnPrint)(Value const &, std::u16string_view, std::u16string &), Value value,
     std::u16string_view format = {})
@@ -380,6 +392,21 @@ std::u16string CConversions::r8ToString(double dValue, std::u16string_view forma
     return Printed(PrintR8, dValue, format);
 }
 
+std::u16string CConversions::durationToString(CDateTimeSpan const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::yearMonthToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::monthDayToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
 std::u16string CConversions::yearToString(std::uint16_t nValue)
 {
     return Printed(PrintInteger<std::uint16_t>, nValue);
@@ -393,6 +420,21 @@ std::u16string CConversions::monthToString(std::uint8_t nValue)
 std::u16string CConversions::dayToString(std::uint8_t nValue)
 {
     return Printed(PrintDay, nValue);
+}
+
+std::u16string CConversions::dateToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::datetimeToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::timeToString(CDateTime const & value)
+{
+    return value.ToString();
 }
 
 std::u16string CConversions::charToString(char16_t cValue)
@@ -474,6 +516,54 @@ float CConversions::r4FromString(std::u16string_view text, WhitespaceRule eRule)
 double CConversions::r8FromString(std::u16string_view text, WhitespaceRule eRule)
 {
     return ParseDouble(text, eRule, u"r8");
+}
+
+CDateTimeSpan CConversions::durationFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    CDateTimeSpan value;
+    value.ParseXSDDuration(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+    return value;
+}
+
+CDateTime CConversions::yearMonthFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gYearMonth);
+}
+
+CDateTime CConversions::monthDayFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gMonthDay);
+}
+
+std::uint16_t CConversions::yearFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return static_cast<std::uint16_t>(ParseDate(text, eRule, CDateTime::dt_gYear).GetYear());
+}
+
+std::uint8_t CConversions::monthFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gMonth).GetMonth();
+}
+
+std::uint8_t CConversions::dayFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gDay).GetDay();
+}
+
+CDateTime CConversions::dateFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_date);
+}
+
+CDateTime CConversions::datetimeFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_dateTime, &CDateTime::ParseXSDDateTime);
+}
+
+CDateTime CConversions::timeFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_time, &CDateTime::ParseXSDTime);
 }
 
 char16_t CConversions::charFromString(std::u16string_view text, WhitespaceRule eRule)

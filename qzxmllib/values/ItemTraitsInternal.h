@@ -83,6 +83,40 @@ template <> struct ItemTraits<ItemType_r4> : ItemRow<float, CConversions::r4From
 template <> struct ItemTraits<ItemType_r8> : ItemRow<double, CConversions::r8FromString, PrintR8>
 { static constexpr char16_t const * pszName = u"r8"; };
 
+template <> struct ItemTraits<ItemType_duration>
+    : ItemRow<CDateTimeSpan, CConversions::durationFromString, PrintBy<CDateTimeSpan, CConversions::durationToString>>
+{ static constexpr char16_t const * pszName = u"duration"; };
+
+template <> struct ItemTraits<ItemType_yearMonth>
+    : ItemRow<CDateTime, CConversions::yearMonthFromString, PrintBy<CDateTime, CConversions::yearMonthToString>>
+{ static constexpr char16_t const * pszName = u"yearMonth"; };
+
+template <> struct ItemTraits<ItemType_monthDay>
+    : ItemRow<CDateTime, CConversions::monthDayFromString, PrintBy<CDateTime, CConversions::monthDayToString>>
+{ static constexpr char16_t const * pszName = u"monthDay"; };
+
+template <> struct ItemTraits<ItemType_year>
+    : ItemRow<std::uint16_t, CConversions::yearFromString, PrintInteger<std::uint16_t>>
+{ static constexpr char16_t const * pszName = u"year"; };
+
+template <> struct ItemTraits<ItemType_month> : ItemRow<std::uint8_t, CConversions::monthFromString, PrintMonth>
+{ static constexpr char16_t const * pszName = u"month"; };
+
+template <> struct ItemTraits<ItemType_day> : ItemRow<std::uint8_t, CConversions::dayFromString, PrintDay>
+{ static constexpr char16_t const * pszName = u"day"; };
+
+template <> struct ItemTraits<ItemType_date>
+    : ItemRow<CDateTime, CConversions::dateFromString, PrintBy<CDateTime, CConversions::dateToString>>
+{ static constexpr char16_t const * pszName = u"date"; };
+
+template <> struct ItemTraits<ItemType_datetime>
+    : ItemRow<CDateTime, CConversions::datetimeFromString, PrintBy<CDateTime, CConversions::datetimeToString>>
+{ static constexpr char16_t const * pszName = u"datetime"; };
+
+template <> struct ItemTraits<ItemType_time>
+    : ItemRow<CDateTime, CConversions::timeFromString, PrintBy<CDateTime, CConversions::timeToString>>
+{ static constexpr char16_t const * pszName = u"time"; };
+
 template <> struct ItemTraits<ItemType_char> : ItemRow<char16_t, CConversions::charFromString, PrintChar>
 { static constexpr char16_t const * pszName = u"char"; };
 
