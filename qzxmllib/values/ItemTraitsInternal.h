@@ -125,6 +125,13 @@ template <> struct ItemTraits<ItemType_string> : ItemRow<std::u16string, CConver
 
 template <> struct ItemTraits<ItemType_boolean> : ItemRow<bool, CConversions::booleanFromString, PrintBoolean>
 { static constexpr char16_t const * pszName = u"boolean"; };
+
+template <> struct ItemTraits<ItemType_decimal> : ItemRow<CDecimal, CConversions::decimalFromString, PrintDecimal>
+{ static constexpr char16_t const * pszName = u"decimal"; };
+
+template <> struct ItemTraits<ItemType_integer>
+    : ItemRow<CBigInteger, CConversions::integerFromString, PrintBy<CBigInteger, CConversions::integerToString>>
+{ static constexpr char16_t const * pszName = u"integer"; };
 // clang-format on
 
 template <ItemType eType>
@@ -132,33 +139,10 @@ using ItemTag = std::integral_constant<ItemType, eType>;
 
 static_assert(ItemType_hexBinary == 1 && ItemType_integer == 26, "the kinds with a row are 1 to 26");
 
-template <class T, class = void>
-struct HasItemRow : std::false_type
-{
-};
-template <class T>
-struct HasItemRow<T, std::void_t<typename T::Value>> : std::true_type
-{
-};
-
-template <ItemType eType, class F>
-bool VisitOneItemType(F & f)
-{
-    if constexpr (HasItemRow<ItemTraits<eType>>::value)
-    {
-        f(ItemTag<eType>());
-        return true;
-    }
-    else
-    {
-        return static_cast<void>(f), false;
-    }
-}
-
 template <class F, int... nIndexes>
 bool VisitItemTypeOf(ItemType eType, F & f, std::integer_sequence<int, nIndexes...>)
 {
-    return ((eType == nIndexes + 1 && VisitOneItemType<static_cast<ItemType>(nIndexes + 1)>(f)) || ...);
+    return ((eType == nIndexes + 1 && (f(ItemTag<static_cast<ItemType>(nIndexes + 1)>()), true)) || ...);
 }
 
 /// Calls f with ItemTag<eType>() for the 26 kinds that have a row. False for any other number.

@@ -2,25 +2,13 @@
 
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/BigInteger.h"
 #include "qzxmllib/values/DateTime.h"
 #include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/Decimal.h"
 #include "qzxmllib/values/ItemTraitsInternal.h"
 #include "qzxmllib/values/QzVariantInternal.h"
 
-#if __has_include("qzxmllib/values/Decimal.h")
-#include "qzxmllib/values/BigInteger.h"
-#include "qzxmllib/values/Decimal.h"
-#else
-namespace QzXmlLib16
-{
-class CDecimal
-{
-};
-class CBigInteger
-{
-};
-} // namespace QzXmlLib16
-#endif
 #include <cstring>
 
 namespace QzXmlLib16
@@ -219,6 +207,8 @@ CDateTime QzVariant::GetTime() const { return Get<ItemType_time>(); }
 char16_t QzVariant::GetChar() const { return Get<ItemType_char>(); }
 std::u16string QzVariant::GetString() const & { return Get<ItemType_string>(); }
 bool QzVariant::GetBoolean() const { return Get<ItemType_boolean>(); }
+CDecimal QzVariant::GetDecimal() const { return Get<ItemType_decimal>(); }
+CBigInteger QzVariant::GetInteger() const { return Get<ItemType_integer>(); }
 // clang-format on
 
 std::u16string QzVariant::GetString() &&

@@ -88,6 +88,10 @@ TextCase const kTexts[] = {
     {"Date", ItemType_date, kNone, u"2001-10-26Z", u"2001-10-26Z"},
     {"DateTime", ItemType_datetime, kNone, u"2001-10-26T21:32:52.120", u"2001-10-26T21:32:52.12"},
     {"Time", ItemType_time, kCollapse, u"\t21:32:52", u"21:32:52"},
+    {"Decimal", ItemType_decimal, kCollapse, u" +012.50 ", u"12.5"},
+    {"DecimalEmpty", ItemType_decimal, kCollapse, u" ", u"0"},
+    {"Integer", ItemType_integer, kCollapse, u" -00123456789012345678901 ", u"-123456789012345678901"},
+    {"IntegerEmpty", ItemType_integer, kNone, u"", u"0"},
     {"Base64Bad", ItemType_base64Binary, kNone, u"QQ!", u""},
 };
 

@@ -1,6 +1,10 @@
 #include "qzxmllib/values/QzVariant.h"
 
 #include "qzxmllib/binding/XmlCollectionBase.h"
+#include "qzxmllib/values/BigInteger.h"
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/Decimal.h"
 #include "tests/support/TestText.h"
 
 using namespace QzXmlLib16;
@@ -80,6 +84,8 @@ TEST(QzVariantTest, EveryKindHasANameItsOwnNilAndNoOtherGetter)
         {ItemType_char, "char", u"c"},
         {ItemType_string, "string", u"some text that is longer than a short one"},
         {ItemType_boolean, "boolean", u"true"},
+        {ItemType_decimal, "decimal", u"12.5"},
+        {ItemType_integer, "integer", u"123456789012345678901234567890"},
     };
     QzVariant reused;
     for (auto const & kind : kKinds)
@@ -200,7 +206,7 @@ TEST(QzVariantTest, UnknownKindsAreRefused)
     EXPECT_EQ(value.GetI4(), 7);
 }
 
-TEST(QzVariantTest, AFormatCountsForFloatsOnly)
+TEST(QzVariantTest, AFormatCountsForFloatsAndDecimalsOnly)
 {
     QzVariant value;
     value.SetR4(1.5f);
@@ -209,6 +215,10 @@ TEST(QzVariantTest, AFormatCountsForFloatsOnly)
     EXPECT_EQ(Utf8(value.ToString(u"%.3f")), "5");
     value.SetString(u"a");
     EXPECT_EQ(Utf8(value.ToString(u"%.3f")), "a");
+    value.FromString(u"12.55", ItemType_decimal, kNone);
+    EXPECT_EQ(Utf8(value.ToString(u" +1x")), "12.6");
+    EXPECT_EQ(Utf8(value.ToString(u"x")), "13.");
+    EXPECT_EQ(Utf8(value.ToString(u"-99999999999")), "13.");
 }
 
 TEST(QzVariantTest, GettersHandOutCopies)
