@@ -1,0 +1,20 @@
+#pragma once
+
+#include "qzxmllib/values/QzVariant.h"
+
+namespace QzXmlLib16
+{
+
+/// Text of a variant without copies that the caller does not need.
+struct CVariantText
+{
+    /// The text of ToString. It lies in the variant if that holds a string, and otherwise in strScratch, whose old
+    /// content goes. Throws as ToString does.
+    static std::u16string_view View(QzVariant const & value, char16_t const * pszFormat, std::u16string & strScratch);
+
+    /// FromString. The text may lie in the variant itself.
+    static void Assign(
+        QzVariant & value, std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule);
+};
+
+} // namespace QzXmlLib16
