@@ -10,7 +10,7 @@ from datetime import datetime, timedelta, timezone
 
 
 def main():
-    points = int(sys.argv[1]) if len(sys.argv) > 1 else 8800
+    points = int(sys.argv[1]) if len(sys.argv) > 1 else 9750
     rng = random.Random(int(sys.argv[2]) if len(sys.argv) > 2 else 16)
     lat, lon, elevation = 46.8523, 9.5312, 585.0
     heading, speed, slope = 0.7, 1.4, 0.0
