@@ -287,7 +287,8 @@ void CElementInfo::CollectionAttributesToXml(
 bool CElementInfo::ReadNilMark(CSerializationContext const & ctx, CXmlElement const & element) const
 {
     bool bNil = false;
-    for (CXmlAttribute const * pAttribute : element.GetAttributes())
+    for (CXmlAttribute const * pAttribute = element.GetFirstAttribute(); pAttribute != nullptr;
+         pAttribute = pAttribute->GetNextAttribute())
     {
         if (pAttribute->IsNilAttribute())
         {

@@ -408,7 +408,8 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(
     CAttributeInfo ** const ppAttributes = GetClassAttributeInfo();
     std::size_t const nEntries = CountEntries(ppAttributes);
     CFlagList found(nEntries);
-    for (CXmlAttribute * pAttribute : pElement->GetAttributes())
+    for (CXmlAttribute * pAttribute = pElement->GetFirstAttribute(); pAttribute != nullptr;
+         pAttribute = pAttribute->GetNextAttribute())
     {
         if (pAttribute->IsNamespaceAttribute())
             continue;

@@ -8,6 +8,8 @@
 namespace QzXmlLib16
 {
 
+class CFlagList;
+class CXmlAttribute;
 class QzVariant;
 
 /// Base of every class that a generator emits from a schema. Walks three static tables of the concrete class and lets
@@ -90,7 +92,7 @@ private:
         CXmlElement * pChild, QzXmlLib16Data::XmlElementType eType, bool emptyChoiceAllowed);
     void ReadNilAttribute(CXmlAttribute const & attribute, CXmlElement const * pElement);
     bool OfferAttribute(CSerializationContext const & ctx, CXmlAttribute * pAttribute,
-        QzXmlLib16Data::CAttributeInfo ** ppAttributes, class CFlagList & found);
+        QzXmlLib16Data::CAttributeInfo ** ppAttributes, CFlagList & found);
 };
 
 } // namespace QzXmlLib16
