@@ -161,7 +161,7 @@ void CItems::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
     switch (index)
     {
     case 0:
-        return value.SetXmlCollection(m_spItems);
+        return Generated::AccessCollection(read, value, m_spItems);
     }
 }
 
@@ -243,7 +243,7 @@ void COrders::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value
     case 0:
         return Generated::Access<kText>(read, value, m_strVersion);
     case 1:
-        return value.SetXmlCollection(m_spOrders);
+        return Generated::AccessCollection(read, value, m_spOrders);
     }
 }
 

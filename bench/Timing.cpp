@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <thread>
 #include <vector>
 
@@ -18,15 +19,26 @@ double Seconds(Job const & job)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+/// Seconds that the processor spent on this thread. Unlike the time on the wall they do not count what other programs
+/// do meanwhile.
+double ThreadSeconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
 /// Seconds of one run, as the mean of a sample.
 double Sample(Job const & job, double sampleSeconds)
 {
+    double const start = ThreadSeconds();
     double seconds = 0;
     int nRuns = 0;
     do
     {
-        seconds += Seconds(job);
+        job();
         ++nRuns;
+        seconds = ThreadSeconds() - start;
     } while (seconds < sampleSeconds);
     return seconds / nRuns;
 }

@@ -23,7 +23,8 @@ struct Result
     double ratio;
 };
 
-/// Times both in turn and gives the medians. A sample repeats its job until it has lasted long enough.
+/// Times both in turn, in processor time of this thread, and gives the medians. A sample repeats its job until it has
+/// lasted long enough.
 Result Compare(Job const & base, Job const & job, Effort const & effort);
 
 /// How much faster two threads do two jobs than one thread does: 2 at best. Each thread gets its own job.

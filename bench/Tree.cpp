@@ -36,7 +36,7 @@ void CTree::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
     case 1:
         if (m_spChildren == nullptr)
             m_spChildren = new CTreeCol;
-        return value.SetXmlCollection(m_spChildren);
+        return Generated::AccessCollection(read, value, m_spChildren);
     }
 }
 

@@ -32,11 +32,11 @@ void CGpx::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
     case 2:
         return Generated::AccessObject(read, value, m_spMetadata);
     case 3:
-        return value.SetXmlCollection(m_spWayPoints);
+        return Generated::AccessCollection(read, value, m_spWayPoints);
     case 4:
-        return value.SetXmlCollection(m_spRoutes);
+        return Generated::AccessCollection(read, value, m_spRoutes);
     case 5:
-        return value.SetXmlCollection(m_spTracks);
+        return Generated::AccessCollection(read, value, m_spTracks);
     }
 }
 

@@ -15,7 +15,7 @@ public:
     static constexpr int kPropertyCount = 6;
     static Generated::CTables MakeTables();
 
-    using CClass::CClass;
+    explicit CGpx(char16_t const * pszElementName = u"gpx") : CClass(pszElementName) {}
     void Init() override;
     void AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value) override;
 

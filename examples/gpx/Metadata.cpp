@@ -143,7 +143,7 @@ void CMetadata::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & val
     case 3:
         return Generated::AccessObject(read, value, m_spCopyright);
     case 4:
-        return value.SetXmlCollection(m_spLinks);
+        return Generated::AccessCollection(read, value, m_spLinks);
     case 5:
         return Generated::Access<kTime>(read, value, m_time);
     case 6:

@@ -37,13 +37,13 @@ void CRoute::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
     case 3:
         return Generated::Access<kText>(read, value, m_src);
     case 4:
-        return value.SetXmlCollection(m_spLinks);
+        return Generated::AccessCollection(read, value, m_spLinks);
     case 5:
         return Generated::Access<kNumber>(read, value, m_number);
     case 6:
         return Generated::Access<kText>(read, value, m_type);
     case 7:
-        return value.SetXmlCollection(m_spPoints);
+        return Generated::AccessCollection(read, value, m_spPoints);
     }
 }
 

@@ -66,7 +66,7 @@ void CWayPoint::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & val
     case 9:
         return Generated::Access<kText>(read, value, m_src);
     case 10:
-        return value.SetXmlCollection(m_spLinks);
+        return Generated::AccessCollection(read, value, m_spLinks);
     case 11:
         return Generated::Access<kText>(read, value, m_sym);
     case 12:

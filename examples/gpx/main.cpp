@@ -79,6 +79,22 @@ bool PrintForm(Form const & form, Gpx::CGpx & gpx)
     return bAgrees;
 }
 
+/// The cause of a failure and the place where it was found, as one line.
+std::string Explain(CQzException const & failure)
+{
+    CQzException const * pCause = &failure;
+    std::u16string strPath = failure.GetPath();
+    while (pCause->GetInnerException() != nullptr)
+    {
+        pCause = pCause->GetInnerException();
+        if (!pCause->GetPath().empty())
+            strPath = pCause->GetPath();
+    }
+    std::string strText = Narrow(pCause->GetMessageW());
+    strText = strText.substr(0, strText.find("\nPath: "));
+    return strPath.empty() ? strText : strText + " Path: " + Narrow(strPath);
+}
+
 bool Process(char const * pszFile)
 {
     std::u16string const strFile = Widen(pszFile);
@@ -120,7 +136,7 @@ int main(int argc, char ** argv)
         catch (CQzException const & failure)
         {
             std::fflush(stdout);
-            std::fprintf(stderr, "%s: %s\n", argv[n], Narrow(failure.GetMessageW()).c_str());
+            std::fprintf(stderr, "%s: %s\n", argv[n], Explain(failure).c_str());
             nResult = 1;
         }
     }

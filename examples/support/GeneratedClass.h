@@ -97,6 +97,13 @@ void AccessObject(bool bRead, QzXmlLib16::QzVariant & value, QzXmlLib16::CSmartP
         spMember = static_cast<T *>(value.GetXmlObject().Get());
 }
 
+/// A collection always exists and is filled in place, so it is never taken out of a variant.
+inline void AccessCollection(bool bRead, QzXmlLib16::QzVariant & value, QzXmlLib16::CXmlCollectionBase * pCollection)
+{
+    if (bRead)
+        value.SetXmlCollection(pCollection);
+}
+
 /// The factory of a table entry.
 template <class T>
 QzXmlLib16::CSmartPtr<QzXmlLib16::CXmlObjectBase> Create(int, char16_t const * pszElementName)
