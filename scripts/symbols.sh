@@ -15,7 +15,8 @@ exported()
         sed -E 's/^(vtable|typeinfo name|typeinfo|VTT|guard variable|construction vtable) for //
                 s/^(non-virtual|virtual) thunk to //' |
         grep -v '[<>]' | grep -v '^std::' |
-        sed -E 's/\(.*$//; s/\[abi:[a-z0-9]+\]//g; s/::~?[A-Za-z_0-9]+$//; s/::operator.*$//' |
+        sed -E 's/\(.*$//; s/\[abi:[a-z0-9]+\]//g
+                s/^((QzXmlLib16|QzXmlLib16Data)::[A-Za-z0-9_]+)::.*$/\1/; s/^(C[A-Za-z0-9_]+)::.*$/\1/' |
         grep -vE '^(_init|_fini|QzXmlLib16|QzXmlLib16Data)$' | LC_ALL=C sort -u
 }
 
