@@ -2,6 +2,7 @@
 // go down in the opposite order, so the instance report is made while the list and the lock still stand, and after
 // everything else that may own a monitored object.
 
+#include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/support/MemoryLeakHelp.h"
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 
@@ -14,3 +15,10 @@ namespace
 CInstanceTracker g_tracker;
 
 } // namespace
+
+namespace QzXmlLib16
+{
+
+CSerializationContext CSerializationContext::m_defaultContext;
+
+} // namespace QzXmlLib16

@@ -15,6 +15,14 @@ struct CVariantText
     /// FromString. The text may lie in the variant itself.
     static void Assign(
         QzVariant & value, std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule);
+
+    /// A nil of the kind.
+    static void AssignNil(QzVariant & value, ItemType eType)
+    {
+        value.Clear();
+        value.m_type = eType;
+        value.m_isNil = true;
+    }
 };
 
 } // namespace QzXmlLib16

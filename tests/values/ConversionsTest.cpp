@@ -77,6 +77,21 @@ TextCase const kTexts[] = {
     {"StringEmpty", ItemType_string, kNone, u"", u""},
     {"HexBinary", ItemType_hexBinary, kCollapse, u" 0aFf ", u"0AFF"},
     {"Base64Binary", ItemType_base64Binary, kNone, u"Q Q", u"QQ=="},
+    {"Duration", ItemType_duration, kCollapse, u" P1DT0.5S ", u"P1DT0.5S"},
+    {"YearMonth", ItemType_yearMonth, kNone, u"2001-05", u"2001-05"},
+    {"MonthDay", ItemType_monthDay, kNone, u"--02-29", u"--02-29"},
+    {"YearWithoutPadding", ItemType_year, kCollapse, u" 0012 ", u"12"},
+    {"YearOfAMonth", ItemType_year, kNone, u"2001-05", u"2001"},
+    {"YearBelowZeroWraps", ItemType_year, kNone, u"-0001", u"65535"},
+    {"Month", ItemType_month, kNone, u"--03", u"--03"},
+    {"Day", ItemType_day, kNone, u"---31", u"---31"},
+    {"Date", ItemType_date, kNone, u"2001-10-26Z", u"2001-10-26Z"},
+    {"DateTime", ItemType_datetime, kNone, u"2001-10-26T21:32:52.120", u"2001-10-26T21:32:52.12"},
+    {"Time", ItemType_time, kCollapse, u"\t21:32:52", u"21:32:52"},
+    {"Decimal", ItemType_decimal, kCollapse, u" +012.50 ", u"12.5"},
+    {"DecimalEmpty", ItemType_decimal, kCollapse, u" ", u"0"},
+    {"Integer", ItemType_integer, kCollapse, u" -00123456789012345678901 ", u"-123456789012345678901"},
+    {"IntegerEmpty", ItemType_integer, kNone, u"", u"0"},
     {"Base64Bad", ItemType_base64Binary, kNone, u"QQ!", u""},
 };
 
@@ -175,6 +190,12 @@ TEST(ConversionsTest, HexFailuresAreThoseOfBinaryData)
 {
     ExpectThrows<CQzException>(
         [] { CConversions::hexBinaryFromString(u"0A ", kNone); }, u"Invalid length in hex string");
+}
+
+TEST(ConversionsTest, ADayNeedsATextWithADay)
+{
+    ExpectThrows<CQzInvalidStateException>(
+        [] { CConversions::dayFromString(u"2001", kNone); }, u"Failed to GetDay. Invalid Date Type: gYear.");
 }
 
 TEST(ConversionsTest, NarrowsADoubleInsteadOfReadingAFloat)

@@ -1,5 +1,10 @@
 #include "qzxmllib/values/QzVariant.h"
 
+#include "qzxmllib/binding/XmlCollectionBase.h"
+#include "qzxmllib/values/BigInteger.h"
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/Decimal.h"
 #include "tests/support/TestText.h"
 
 using namespace QzXmlLib16;
@@ -67,9 +72,20 @@ TEST(QzVariantTest, EveryKindHasANameItsOwnNilAndNoOtherGetter)
         {ItemType_ui8, "ui8", u"8"},
         {ItemType_r4, "r4", u"1.5"},
         {ItemType_r8, "r8", u"2.5"},
+        {ItemType_duration, "duration", u"P1D"},
+        {ItemType_yearMonth, "yearMonth", u"2001-05"},
+        {ItemType_monthDay, "monthDay", u"--05-31"},
+        {ItemType_year, "year", u"2001"},
+        {ItemType_month, "month", u"--05"},
+        {ItemType_day, "day", u"---31"},
+        {ItemType_date, "date", u"2001-05-31"},
+        {ItemType_datetime, "datetime", u"2001-05-31T01:02:03"},
+        {ItemType_time, "time", u"01:02:03"},
         {ItemType_char, "char", u"c"},
         {ItemType_string, "string", u"some text that is longer than a short one"},
         {ItemType_boolean, "boolean", u"true"},
+        {ItemType_decimal, "decimal", u"12.5"},
+        {ItemType_integer, "integer", u"123456789012345678901234567890"},
     };
     QzVariant reused;
     for (auto const & kind : kKinds)
@@ -90,9 +106,58 @@ TEST(QzVariantTest, EveryKindHasANameItsOwnNilAndNoOtherGetter)
         std::u16string const strMessage = FormatString(u"Invalid Type %d", kind.eType);
         if (kind.eType != ItemType_i8)
             ExpectThrows<CQzException>([&] { reused.GetI8(); }, strMessage);
+        if (kind.eType != ItemType_date)
+            ExpectThrows<CQzException>([&] { reused.GetDate(); }, strMessage);
         if (kind.eType != ItemType_string)
             ExpectThrows<CQzException>([&] { std::move(reused).GetString(); }, strMessage);
     }
+}
+
+/// A collection that only counts how often one was destroyed.
+class CEmptyCol : public CXmlCollectionBase
+{
+public:
+    ~CEmptyCol() override { ++s_nDestroyed; }
+    int GetCount() const override { return 0; }
+    void Clear() override {}
+    void Remove(int) override {}
+    static int s_nDestroyed;
+
+protected:
+    void ToXml_Int(CXmlWriter *, bool, char16_t const *, CSerializationContext const &, bool) const override {}
+    CXmlElement * FromXml_Int(CXmlElement *, CXmlElement * pChild, CSerializationContext const &, bool) override
+    {
+        return pChild;
+    }
+};
+int CEmptyCol::s_nDestroyed = 0;
+
+TEST(QzVariantTest, SharesAndCountsObjects)
+{
+    CEmptyCol::s_nDestroyed = 0;
+    CSmartPtr<CEmptyCol> spCol = new CEmptyCol;
+    QzVariant value;
+    value.SetXmlCollection(spCol);
+    value.SetXmlCollection(spCol);
+    QzVariant copy(value);
+    EXPECT_EQ(spCol->AddRef(), 4);
+    EXPECT_EQ(spCol->Release(), 3);
+    EXPECT_EQ(copy.GetXmlCollection().Get(), spCol.Get());
+    EXPECT_EQ(copy.GetXmlObject().Get(), spCol.Get());
+    copy.SetXmlObject(spCol);
+    ExpectThrows<CQzException>([&] { copy.GetXmlCollection(); }, u"Invalid Type 27");
+    ExpectThrows<CQzException>([&] { copy.GetType(); }, u"Invalid Type 27");
+    ExpectThrows<CQzException>([&] { value.ToString(); }, u"Invalid Type 28 to convert to string");
+    copy.SetNil();
+    EXPECT_EQ(copy.GetXmlObject().Get(), nullptr);
+    copy = std::move(value);
+    spCol = nullptr;
+    EXPECT_EQ(CEmptyCol::s_nDestroyed, 0);
+    copy.SetI4(1);
+    EXPECT_EQ(CEmptyCol::s_nDestroyed, 1);
+    copy.SetXmlCollection(nullptr);
+    EXPECT_TRUE(copy.IsValid());
+    EXPECT_EQ(copy.GetXmlCollection().Get(), nullptr);
 }
 
 TEST(QzVariantTest, NilVariantsGiveEmptyValues)
@@ -141,7 +206,7 @@ TEST(QzVariantTest, UnknownKindsAreRefused)
     EXPECT_EQ(value.GetI4(), 7);
 }
 
-TEST(QzVariantTest, AFormatCountsForFloatsOnly)
+TEST(QzVariantTest, AFormatCountsForFloatsAndDecimalsOnly)
 {
     QzVariant value;
     value.SetR4(1.5f);
@@ -150,6 +215,10 @@ TEST(QzVariantTest, AFormatCountsForFloatsOnly)
     EXPECT_EQ(Utf8(value.ToString(u"%.3f")), "5");
     value.SetString(u"a");
     EXPECT_EQ(Utf8(value.ToString(u"%.3f")), "a");
+    value.FromString(u"12.55", ItemType_decimal, kNone);
+    EXPECT_EQ(Utf8(value.ToString(u" +1x")), "12.6");
+    EXPECT_EQ(Utf8(value.ToString(u"x")), "13.");
+    EXPECT_EQ(Utf8(value.ToString(u"-99999999999")), "13.");
 }
 
 TEST(QzVariantTest, GettersHandOutCopies)

@@ -1,0 +1,194 @@
+#include "qzxmllib/binding/AttributeInfo.h"
+
+#include "qzxmllib/binding/EnumTextInternal.h"
+#include "qzxmllib/binding/XmlGeneratedClass.h"
+#include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/FunctionsInternal.h"
+#include "qzxmllib/values/QzVariant.h"
+#include "qzxmllib/values/QzVariantInternal.h"
+
+using namespace QzXmlLib16;
+
+namespace QzXmlLib16Data
+{
+
+CAttributeInfo::CAttributeInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool optional,
+    char16_t const * defaultValue)
+    : m_strAttributeName(name != nullptr ? name : u""),
+      m_strAttributeNamespace(namespaceUri != nullptr ? namespaceUri : u""), m_nPropertyIndex(propertyIndex),
+      m_bOptional(optional), m_strDefaultValue(defaultValue != nullptr ? defaultValue : u"")
+{
+}
+
+CAttributeInfo::CAttributeInfo(CAttributeInfo const & other) = default;
+CAttributeInfo & CAttributeInfo::operator=(CAttributeInfo const & other) = default;
+CAttributeInfo::~CAttributeInfo() = default;
+
+bool CAttributeInfo::IsThisAttribute(CSerializationContext const & ctx, CXmlAttribute * pAttribute) const
+{
+    if (pAttribute == nullptr || pAttribute->GetLocalName() != m_strAttributeName)
+        return false;
+    return ctx.GetIgnoreNamespaces() || pAttribute->GetNamespaceURI() == m_strAttributeNamespace;
+}
+
+void CAttributeInfo::InvokePropertyGet(CXmlGeneratedClass * pClass, QzVariant & value) const
+{
+    try
+    {
+        pClass->AccessProperty(m_nPropertyIndex, true, value);
+    }
+    catch (CQzException const & inner)
+    {
+        throw CQzValidationException(
+            FormatString(u"Failed to get the property value for [%s].", m_strAttributeName), std::u16string(), inner);
+    }
+}
+
+void CAttributeInfo::InvokePropertySet(
+    CXmlGeneratedClass * pClass, QzVariant & value, CXmlAttribute const & attribute) const
+{
+    try
+    {
+        pClass->AccessProperty(m_nPropertyIndex, false, value);
+    }
+    catch (CQzException const & inner)
+    {
+        throw CQzValidationException(FormatString(u"Failed to set the property value [%s].", attribute.GetValueView()),
+            attribute.GetXPath(), inner);
+    }
+}
+
+void CAttributeInfo::ReadProperty(CXmlGeneratedClass const * pClass, QzVariant & value) const
+{
+    InvokePropertyGet(const_cast<CXmlGeneratedClass *>(pClass), value);
+}
+
+void CAttributeInfo::TestNamespace(
+    std::u16string const & strNamespace, std::u16string const & strList, std::u16string const & strTarget)
+{
+    CheckNamespaceAllowed(strNamespace, strList, strTarget);
+}
+
+bool CAttributeInfo::IsNamespaceValid(
+    std::u16string const & strNamespace, std::u16string const & strList, std::u16string const & strTarget)
+{
+    return IsNamespaceAllowed(strNamespace, strList, strTarget);
+}
+
+std::u16string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const * pObject)
+{
+    return pObject->Mutable()->GetTargetNamespace();
+}
+
+void CAttributeInfo::ToXml_Int(CXmlObjectBase const * pObject, CXmlWriter * pWriter, bool isRoot,
+    char16_t const * namespaceUri, CSerializationContext const & ctx)
+{
+    CXmlObjectBase::ToXml_Int(pObject, pWriter, isRoot, namespaceUri, ctx, false);
+}
+
+bool CAttributeInfo::IsLeftOut(QzVariant const & value) const
+{
+    // An attribute has no nil form, so nil is no value here.
+    return m_bOptional && (!value.IsValid() || value.IsNil());
+}
+
+bool CAttributeInfo::IsDefaultLeftOut(CSerializationContext const & ctx, std::u16string_view text) const
+{
+    return m_bOptional && !m_strDefaultValue.empty() && ctx.GetNoOptionalAttributeDefaultOutput() &&
+           text == m_strDefaultValue;
+}
+
+void CAttributeInfo::ThrowIfMissing(bool bFound) const
+{
+    if (!m_bOptional && !bFound)
+        throw CQzValidationException(
+            FormatString(u"Failed to find the required Attribute [%s].", m_strAttributeName), std::u16string());
+}
+
+CAttributeInfoPrimitive::CAttributeInfoPrimitive(char16_t const * name, char16_t const * namespaceUri,
+    int propertyIndex, bool optional, ItemType eItemType, char16_t const * format,
+    CWhitespaceUtils::WhitespaceRule eWhitespaceRule, CPrimitiveRestrictions const & restrictions,
+    char16_t const * defaultValue)
+    : CAttributeInfo(name, namespaceUri, propertyIndex, optional, defaultValue), m_restrictions(restrictions),
+      m_eItemType(eItemType), m_strFormatOverride(format != nullptr ? format : u""), m_eWhitespaceRule(eWhitespaceRule)
+{
+}
+
+void CAttributeInfoPrimitive::CheckRestriction(QzVariant value) const
+{
+    CheckPrimitiveVariant(m_strAttributeName.c_str(), value, m_eItemType, m_restrictions);
+}
+
+void CAttributeInfoPrimitive::AttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    QzVariant value;
+    ReadProperty(pClass, value);
+    if (IsLeftOut(value))
+        return;
+    std::u16string strScratch;
+    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), strScratch);
+    if (IsDefaultLeftOut(ctx, text))
+        return;
+    CheckPrimitiveVariant(m_strAttributeName.c_str(), value, m_eItemType, m_restrictions);
+    pWriter->WriteAttributeView(m_strAttributeName, m_strAttributeNamespace, text, value.GetTypeAsEnum());
+}
+
+bool CAttributeInfoPrimitive::AttributeFromXml(
+    CSerializationContext const &, CXmlGeneratedClass * pClass, CXmlAttribute * pAttribute)
+{
+    if (pAttribute->GetLocalName() != m_strAttributeName || pAttribute->GetNamespaceURI() != m_strAttributeNamespace)
+        return false;
+    QzVariant value;
+    CVariantText::Assign(value, pAttribute->GetValueView(), m_eItemType, m_eWhitespaceRule);
+    InvokePropertySet(pClass, value, *pAttribute);
+    return true;
+}
+
+void CAttributeInfoPrimitive::Validate(CSerializationContext const &, bool bFound) const
+{
+    ThrowIfMissing(bFound);
+}
+
+CAttributeInfoEnum::CAttributeInfoEnum(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
+    bool optional, EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString,
+    char16_t const * defaultValue)
+    : CAttributeInfo(name, namespaceUri, propertyIndex, optional, defaultValue), m_pfnEnumFromString(pfnFromString),
+      m_pfnEnumToString(pfnToString)
+{
+}
+
+void CAttributeInfoEnum::AttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    QzVariant value;
+    ReadProperty(pClass, value);
+    if (IsLeftOut(value))
+        return;
+    if (!value.IsValid() || value.IsNil())
+        throw CQzInvalidParamException(
+            FormatString(u"The Property [%s] is mandatory, it may not be NULL", m_strAttributeName));
+    std::u16string_view const text = EnumText(m_pfnEnumToString, value.GetI4(), m_strAttributeName);
+    if (!IsDefaultLeftOut(ctx, text))
+        pWriter->WriteAttributeView(m_strAttributeName, m_strAttributeNamespace, text, ItemType_string);
+}
+
+bool CAttributeInfoEnum::AttributeFromXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlAttribute * pAttribute)
+{
+    if (!IsThisAttribute(ctx, pAttribute))
+        return false;
+    QzVariant value;
+    value.SetI4(m_pfnEnumFromString(pAttribute->GetValue().c_str()));
+    InvokePropertySet(pClass, value, *pAttribute);
+    return true;
+}
+
+void CAttributeInfoEnum::Validate(CSerializationContext const &, bool bFound) const
+{
+    ThrowIfMissing(bFound);
+}
+
+} // namespace QzXmlLib16Data

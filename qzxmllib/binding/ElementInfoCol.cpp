@@ -1,0 +1,123 @@
+#include "qzxmllib/binding/ElementInfoCol.h"
+
+#include "qzxmllib/binding/XmlCollectionBase.h"
+#include "qzxmllib/values/QzVariant.h"
+
+namespace QzXmlLib16Data
+{
+
+bool CElementInfoSeqCol::ElementToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    ValidateCollection(ctx, pClass);
+    return ElementToXmlCol(ctx, pClass, pWriter);
+}
+
+bool CElementInfoSeqCol::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
+    CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType parentType)
+{
+    QzVariant value;
+    *ppCurrent = ReadCollection(pClass, pParent, *ppCurrent, ctx, value);
+    return EndSequence(ctx, value, parentType);
+}
+
+bool CElementInfoSeqCol::EndSequence(
+    CSerializationContext const & ctx, QzVariant const & value, XmlElementType parentType)
+{
+    if (parentType != XmlElementType_Element)
+        return value.GetXmlCollection()->IsValidCount(ctx);
+    value.GetXmlCollection()->ValidateCount(ctx);
+    return true;
+}
+
+bool CElementInfoAllCol::ElementToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    ValidateCollection(ctx, pClass);
+    return ElementToXmlCol(ctx, pClass, pWriter);
+}
+
+bool CElementInfoAllCol::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
+    CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType)
+{
+    QzVariant value;
+    *ppCurrent = ReadCollection(pClass, pParent, *ppCurrent, ctx, value);
+    // The entry stays on offer.
+    return false;
+}
+
+bool CElementInfoChoiceCol::ElementToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    return ElementToXmlCol(ctx, pClass, pWriter);
+}
+
+bool CElementInfoChoiceCol::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
+    CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType parentType)
+{
+    QzVariant value;
+    CXmlElement * const pHeld = ReadCollection(pClass, pParent, *ppCurrent, ctx, value);
+    return EndChoice(ctx, value, ppCurrent, pHeld, parentType);
+}
+
+bool CElementInfoChoiceCol::EndChoice(CSerializationContext const & ctx, QzVariant const & value,
+    CXmlElement ** ppCurrent, CXmlElement * pHeld, XmlElementType parentType)
+{
+    if (pHeld == *ppCurrent)
+        return false;
+    if (parentType != XmlElementType_Element)
+    {
+        // A bad number of items in a pseudo class puts the position back; the items stay.
+        if (!value.GetXmlCollection()->IsValidCount(ctx))
+            return false;
+        *ppCurrent = pHeld;
+        return true;
+    }
+    *ppCurrent = pHeld;
+    value.GetXmlCollection()->ValidateCount(ctx);
+    return true;
+}
+
+void CElementInfoSeqClsCol::PseudoChildAttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    if (m_eElementType == XmlElementType_Pseudo)
+        CollectionAttributesToXml(ctx, pClass, pWriter);
+}
+
+void CElementInfoSeqAbsClsCol::PseudoChildAttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    if (m_eElementType == XmlElementType_Pseudo)
+        CollectionAttributesToXml(ctx, pClass, pWriter);
+}
+
+void CElementInfoAllClsCol::PseudoChildAttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    if (m_eElementType == XmlElementType_Pseudo)
+        CollectionAttributesToXml(ctx, pClass, pWriter);
+}
+
+void CElementInfoAllAbsClsCol::PseudoChildAttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    if (m_eElementType == XmlElementType_Pseudo)
+        CollectionAttributesToXml(ctx, pClass, pWriter);
+}
+
+void CElementInfoChoiceClsCol::PseudoChildAttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    if (m_eElementType == XmlElementType_Pseudo)
+        CollectionAttributesToXml(ctx, pClass, pWriter);
+}
+
+void CElementInfoChoiceAbsClsCol::PseudoChildAttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    if (m_eElementType == XmlElementType_Pseudo)
+        CollectionAttributesToXml(ctx, pClass, pWriter);
+}
+
+} // namespace QzXmlLib16Data

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "qzxmllib/binding/MetadataTypes.h"
+
+#include <string>
+
+namespace QzXmlLib16Data
+{
+
+/// The schema text of an enumeration's number. Throws CQzInvalidValueException for a number without a text.
+char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16string const & strName);
+
+} // namespace QzXmlLib16Data

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace QzXmlLib16
+{
+
+class CXmlGeneratedClass;
+class INillable;
+
+/// The nillable side of an object, or null. Remembers by dynamic type where that side lies.
+INillable * FindNillable(CXmlGeneratedClass * pObject);
+
+/// What the text of xsi:nil says, compared without regard to case.
+enum NilText
+{
+    NilText_False,
+    NilText_True,
+    NilText_Other
+};
+
+NilText ParseNilText(std::u16string_view text);
+
+/// One flag for each entry of a table. The first 64 need no heap.
+class CFlagList
+{
+public:
+    explicit CFlagList(std::size_t nFlags) : m_more(nFlags > 64 ? nFlags - 64 : 0) {}
+    bool Get(std::size_t i) const { return i < 64 ? ((m_first >> i) & 1) != 0 : m_more[i - 64]; }
+    void Set(std::size_t i)
+    {
+        if (i < 64)
+            m_first |= std::uint64_t(1) << i;
+        else
+            m_more[i - 64] = true;
+    }
+
+private:
+    std::uint64_t m_first = 0;
+    std::vector<bool> m_more;
+};
+
+/// Number of entries in front of the null pointer that ends a table.
+template <class T>
+std::size_t CountEntries(T * const * ppTable)
+{
+    std::size_t nCount = 0;
+    while (ppTable[nCount] != nullptr)
+        ++nCount;
+    return nCount;
+}
+
+} // namespace QzXmlLib16

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "qzxmllib/support/Export.h"
+
+namespace QzXmlLib16
+{
+
+/// A generated class whose element can be nil (xsi:nil) also derives from this and keeps the mark itself.
+class QZXMLLIB_API INillable
+{
+public:
+    virtual bool IsNil() = 0;
+    virtual void SetNil(bool bNil) = 0;
+
+protected:
+    ~INillable() = default;
+};
+
+} // namespace QzXmlLib16

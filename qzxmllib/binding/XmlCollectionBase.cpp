@@ -1,0 +1,245 @@
+#include "qzxmllib/binding/XmlCollectionBase.h"
+
+#include "qzxmllib/support/QzException.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace QzXmlLib16
+{
+
+CXmlCollectionBase::CXmlCollectionBase() = default;
+
+CXmlCollectionBase::CXmlCollectionBase(
+    char16_t const * elementName, char16_t const * namespaceUri, int minOccurs, int maxOccurs)
+    : m_strNamespace(namespaceUri != nullptr ? namespaceUri : u""), m_nMinOccurs(minOccurs), m_nMaxOccurs(maxOccurs)
+{
+    SetElementName(elementName);
+}
+
+CXmlCollectionBase::CXmlCollectionBase(CXmlCollectionBase const & other)
+    : CXmlObjectBase(other), m_strNamespace(other.m_strNamespace), m_nMinOccurs(other.m_nMinOccurs),
+      m_nMaxOccurs(other.m_nMaxOccurs)
+{
+}
+
+CXmlCollectionBase & CXmlCollectionBase::operator=(CXmlCollectionBase const & other)
+{
+    CXmlObjectBase::operator=(other);
+    m_strNamespace = other.m_strNamespace;
+    m_nMinOccurs = other.m_nMinOccurs;
+    m_nMaxOccurs = other.m_nMaxOccurs;
+    return *this;
+}
+
+CXmlCollectionBase::~CXmlCollectionBase() = default;
+
+std::u16string CXmlCollectionBase::GetTargetNamespace()
+{
+    throw CQzException(u"CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program "
+                       u"logic error)");
+}
+
+std::u16string CXmlCollectionBase::GetNamespace()
+{
+    return m_strNamespace;
+}
+
+void CXmlCollectionBase::ValidateCount(CSerializationContext const & ctx) const
+{
+    if (ctx.GetIgnoreInvalidCollectionCounts())
+        return;
+    int const nCount = GetCount();
+    if (m_nMaxOccurs != -1 && nCount > m_nMaxOccurs)
+        throw CQzValidationException(
+            FormatString(u"The Maximum number of [%s] elements allowed in this collection is %d", m_strElementName,
+                m_nMaxOccurs),
+            std::u16string());
+    if (nCount < m_nMinOccurs)
+        throw CQzValidationException(
+            FormatString(u"The Minimum number of [%s] elements allowed in this collection is %d", m_strElementName,
+                m_nMinOccurs),
+            std::u16string());
+}
+
+bool CXmlCollectionBase::IsValidCount(CSerializationContext const & ctx) const
+{
+    if (ctx.GetIgnoreInvalidCollectionCounts())
+        return true;
+    int const nCount = GetCount();
+    return (m_nMaxOccurs == -1 || nCount <= m_nMaxOccurs) && nCount >= m_nMinOccurs;
+}
+
+void CXmlCollectionBase::AddEventListener(IEventSink * pSink)
+{
+    m_listeners.push_back(pSink);
+}
+
+void CXmlCollectionBase::RemoveEventListener(IEventSink * pSink)
+{
+    m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), pSink), m_listeners.end());
+}
+
+template <class F>
+void CXmlCollectionBase::ForEachListener(F const & fire)
+{
+    if (m_listeners.empty())
+        return;
+    // A listener may add and remove listeners: the walk goes over those that stood at its start and are still there.
+    std::vector<IEventSink *> const snapshot = m_listeners;
+    for (IEventSink * pSink : snapshot)
+        if (std::find(m_listeners.begin(), m_listeners.end(), pSink) != m_listeners.end())
+            fire(pSink);
+}
+
+void CXmlCollectionBase::FireOnCollectionChange()
+{
+    ForEachListener([this](IEventSink * pSink) { FireOnCollectionChangeEvent(pSink, this); });
+}
+
+void CXmlCollectionBase::FireOnCollectionAdd(void * pData)
+{
+    ForEachListener([&](IEventSink * pSink) { FireOnCollectionAddEvent(pSink, this, pData); });
+}
+
+void CXmlCollectionBase::FireOnCollectionAddComplete(void * pData)
+{
+    ForEachListener([&](IEventSink * pSink) { FireOnCollectionAddCompleteEvent(pSink, this, pData); });
+}
+
+void CXmlCollectionBase::FireOnCollectionRemove(int nIndex)
+{
+    ForEachListener([&](IEventSink * pSink) { FireOnCollectionRemoveEvent(pSink, this, nIndex); });
+}
+
+void CXmlCollectionBase::FireOnCollectionRemoveComplete(int nIndex)
+{
+    ForEachListener([&](IEventSink * pSink) { FireOnCollectionRemoveCompleteEvent(pSink, this, nIndex); });
+}
+
+CXmlCollection::CXmlCollection() = default;
+
+CXmlCollection::CXmlCollection(
+    char16_t const * elementName, char16_t const * namespaceUri, int minOccurs, int maxOccurs)
+    : CXmlCollectionBase(elementName, namespaceUri, minOccurs, maxOccurs)
+{
+}
+
+CXmlCollection::~CXmlCollection()
+{
+    try
+    {
+        CXmlCollection::Clear();
+    }
+    catch (...)
+    {
+        // A listener that refuses cannot keep the items of a collection that goes.
+        while (m_pHead != nullptr)
+        {
+            std::unique_ptr<CNode> const pNode(m_pHead);
+            m_pHead = pNode->m_pNext;
+        }
+    }
+}
+
+void CXmlCollection::AttributesToXml_Int(CXmlWriter * pWriter, CSerializationContext const & ctx) const
+{
+    for (CNode const * pNode = m_pHead; pNode != nullptr; pNode = pNode->m_pNext)
+        CXmlObjectBase::AttributesToXml_Int(pNode->m_spItem->GetBase(), pWriter, ctx);
+}
+
+template <class F>
+void CXmlCollection::Insert(CXmlObjectBase * pItem, F const & findNext)
+{
+    FireOnCollectionAdd(pItem);
+    auto pNew = std::make_unique<CNode>();
+    pNew->m_spItem = pItem;
+    CNode * const pNext = findNext();
+    CNode * const pPrev = pNext != nullptr ? pNext->m_pPrev : m_pTail;
+    pNew->m_pNext = pNext;
+    pNew->m_pPrev = pPrev;
+    (pPrev != nullptr ? pPrev->m_pNext : m_pHead) = pNew.get();
+    (pNext != nullptr ? pNext->m_pPrev : m_pTail) = pNew.get();
+    pNew.release();
+    ++m_nCount;
+    FireOnCollectionAddComplete(pItem);
+    FireOnCollectionChange();
+}
+
+void CXmlCollection::AppendItem(CXmlObjectBase * pItem)
+{
+    Insert(pItem, [] { return static_cast<CNode *>(nullptr); });
+}
+
+void CXmlCollection::PrependItem(CXmlObjectBase * pItem)
+{
+    Insert(pItem, [this] { return m_pHead; });
+}
+
+void CXmlCollection::AddAfterItem(CXmlObjectBase const * pExisting, CXmlObjectBase * pItem)
+{
+    if (pExisting == nullptr)
+        PrependItem(pItem);
+    else
+        Insert(pItem, [&] { return GetNodeForItem(pExisting)->m_pNext; });
+}
+
+void CXmlCollection::AddBeforeItem(CXmlObjectBase const * pExisting, CXmlObjectBase * pItem)
+{
+    if (pExisting == nullptr)
+        AppendItem(pItem);
+    else
+        Insert(pItem, [&] { return GetNodeForItem(pExisting); });
+}
+
+void CXmlCollection::AddItemAt(int nIndex, CXmlObjectBase * pItem)
+{
+    if (nIndex < 0 || nIndex > m_nCount)
+        throw CQzInvalidParamException(u"Index out of range");
+    if (nIndex == m_nCount)
+        AppendItem(pItem);
+    else
+        Insert(pItem, [&] { return GetNodeAtIndex(nIndex); });
+}
+
+void CXmlCollection::RemoveNode(CNode * pNode)
+{
+    FireOnCollectionRemove(-1);
+    (pNode->m_pPrev != nullptr ? pNode->m_pPrev->m_pNext : m_pHead) = pNode->m_pNext;
+    (pNode->m_pNext != nullptr ? pNode->m_pNext->m_pPrev : m_pTail) = pNode->m_pPrev;
+    --m_nCount;
+    delete pNode;
+    FireOnCollectionRemoveComplete(-1);
+    FireOnCollectionChange();
+}
+
+void CXmlCollection::Remove(int nIndex)
+{
+    RemoveNode(GetNodeAtIndex(nIndex));
+}
+
+void CXmlCollection::Clear()
+{
+    while (m_nCount >= 1)
+        Remove(0);
+}
+
+CNode * CXmlCollection::GetNodeAtIndex(int nIndex) const
+{
+    if (nIndex < 0 || nIndex > GetCount() - 1)
+        throw CQzInvalidParamException(FormatString(u"Index %d is out of range, use 0 - %d", nIndex, GetCount() - 1));
+    CNode * pNode = m_pHead;
+    for (int i = 0; i < nIndex; ++i)
+        pNode = pNode->m_pNext;
+    return pNode;
+}
+
+CNode * CXmlCollection::GetNodeForItem(CXmlObjectBase const * pItem) const
+{
+    for (CNode * pNode = m_pHead; pNode != nullptr; pNode = pNode->m_pNext)
+        if (pNode->m_spItem->GetBase() == pItem->GetBase())
+            return pNode;
+    throw CQzInvalidParamException(u"The object was not found in the collection");
+}
+
+} // namespace QzXmlLib16

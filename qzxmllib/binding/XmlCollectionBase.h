@@ -1,0 +1,125 @@
+#pragma once
+
+#include "qzxmllib/binding/XmlObjectBase.h"
+#include "qzxmllib/support/Export.h"
+#include "qzxmllib/support/SmartPtr.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace QzXmlLib16
+{
+
+/// What every collection shares: the name and namespace of its items' elements, occurrence limits and listeners. A
+/// collection has no element of its own in a document; its items are the repeated elements. One thread at a time.
+class QZXMLLIB_API CXmlCollectionBase : public CXmlObjectBase
+{
+public:
+    using CXmlObjectBase::GetBase;
+    CXmlObjectBase * GetBase() override { return this; }
+    std::u16string GetNamespace() override;
+
+    virtual int GetCount() const = 0;
+    virtual void Clear() = 0;
+    /// Throws CQzInvalidParamException for an index out of range.
+    virtual void Remove(int nIndex) = 0;
+    /// Throws CQzValidationException when the number of items lies outside the limits, unless the context ignores it.
+    virtual void ValidateCount(CSerializationContext const & ctx) const;
+    /// The same test as a result.
+    virtual bool IsValidCount(CSerializationContext const & ctx) const;
+
+    int GetMinOccurs() const { return m_nMinOccurs; }
+    /// -1 means no upper limit.
+    int GetMaxOccurs() const { return m_nMaxOccurs; }
+
+    /// Adds a listener behind the others; the same one may be added more than once. It is not owned and must be removed
+    /// before it goes.
+    void AddEventListener(IEventSink * pSink);
+    /// Removes every entry of the listener.
+    void RemoveEventListener(IEventSink * pSink);
+
+protected:
+    CXmlCollectionBase();
+    /// Null texts count as empty.
+    CXmlCollectionBase(char16_t const * elementName, char16_t const * namespaceUri, int minOccurs, int maxOccurs);
+    /// Copies names and limits; listeners stay with the collection they were added to.
+    CXmlCollectionBase(CXmlCollectionBase const & other);
+    CXmlCollectionBase & operator=(CXmlCollectionBase const & other);
+    ~CXmlCollectionBase() override;
+
+    /// A collection has no target namespace: throws CQzException.
+    std::u16string GetTargetNamespace() override;
+
+    void FireOnCollectionChange();
+    void FireOnCollectionAdd(void * pData);
+    void FireOnCollectionAddComplete(void * pData);
+    void FireOnCollectionRemove(int nIndex);
+    void FireOnCollectionRemoveComplete(int nIndex);
+
+    std::u16string m_strNamespace;
+
+private:
+    template <class F>
+    void ForEachListener(F const & fire);
+
+    std::vector<IEventSink *> m_listeners;
+    std::int32_t m_nMinOccurs = 0;
+    std::int32_t m_nMaxOccurs = -1;
+};
+
+/// One link of a CXmlCollection.
+struct CNode
+{
+    CSmartPtr<CXmlObjectBase> m_spItem;
+    CNode * m_pNext = nullptr;
+    CNode * m_pPrev = nullptr;
+};
+
+/// A collection of objects: a doubly linked list that holds one count of each item. Every change fires its events in
+/// the same order: one before the change, which a listener can refuse by throwing, then one behind it, then
+/// MsgType_CollectionChange.
+class QZXMLLIB_API CXmlCollection : public CXmlCollectionBase
+{
+public:
+    CXmlCollection(CXmlCollection const &) = delete;
+    CXmlCollection & operator=(CXmlCollection const &) = delete;
+
+    int GetCount() const override { return m_nCount; }
+    /// Removes the items one by one from the front, each with its events.
+    void Clear() override;
+    void Remove(int nIndex) override;
+
+protected:
+    CXmlCollection();
+    CXmlCollection(char16_t const * elementName, char16_t const * namespaceUri, int minOccurs, int maxOccurs);
+    /// Removes the items with their events, so listeners must still be alive.
+    ~CXmlCollection() override;
+
+    void AttributesToXml_Int(CXmlWriter * pWriter, CSerializationContext const & ctx) const override;
+
+    void AppendItem(CXmlObjectBase * pItem);
+    void PrependItem(CXmlObjectBase * pItem);
+    /// With a null pExisting the item becomes the first.
+    void AddAfterItem(CXmlObjectBase const * pExisting, CXmlObjectBase * pItem);
+    /// With a null pExisting the item becomes the last.
+    void AddBeforeItem(CXmlObjectBase const * pExisting, CXmlObjectBase * pItem);
+    /// nIndex is counted from 0; GetCount() appends. Throws CQzInvalidParamException outside that range.
+    void AddItemAt(int nIndex, CXmlObjectBase * pItem);
+    void RemoveNode(CNode * pNode);
+    /// Throws CQzInvalidParamException for an index out of range.
+    CNode * GetNodeAtIndex(int nIndex) const;
+    /// The first node that holds this very object. Throws CQzInvalidParamException when there is none.
+    CNode * GetNodeForItem(CXmlObjectBase const * pItem) const;
+
+    CNode * m_pHead = nullptr;
+    CNode * m_pTail = nullptr;
+    std::int32_t m_nCount = 0;
+
+private:
+    /// Adds pItem in front of what findNext gives when the add event has passed; null stands for the end.
+    template <class F>
+    void Insert(CXmlObjectBase * pItem, F const & findNext);
+};
+
+} // namespace QzXmlLib16

@@ -1,0 +1,516 @@
+#include "qzxmllib/binding/XmlGeneratedClass.h"
+
+#include "qzxmllib/binding/AttributeInfo.h"
+#include "qzxmllib/binding/ElementInfo.h"
+#include "qzxmllib/binding/GeneratedClassInternal.h"
+#include "qzxmllib/binding/XmlCollectionBase.h"
+#include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/QzVariant.h"
+#include "qzxmllib/values/QzVariantInternal.h"
+
+#include <array>
+#include <typeinfo>
+
+using namespace QzXmlLib16Data;
+
+namespace QzXmlLib16
+{
+
+// The functions that raise are kept out of line: their temporaries would otherwise widen the frames of the walk, which
+// recurses once for each level of nesting.
+namespace
+{
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowWriteFailure(
+    std::u16string const & strElementName, CQzException const & inner)
+{
+    throw CQzValidationException(
+        FormatString(u"Failed to convert the element [%s] to XML", strElementName), std::u16string(), inner);
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowReadFailure(CXmlElement const * pElement, CQzException const & inner)
+{
+    if (inner.GetPath().empty())
+        throw CQzValidationException(u"Failed to process the element.", pElement->GetXPath(), inner);
+    // The place at fault is known: the failure goes on as a copy of the root class, with message, path and cause.
+    throw CQzException(inner);
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowLeftOver(CXmlElement const * pElement, CXmlElement const * pLeftOver)
+{
+    throw CQzValidationException(
+        FormatString(u"Failed read all the elements held within the element [%s]. The unexpected element [%s] remains "
+                     u"un processed",
+            pElement->GetLocalName(), pLeftOver->GetLocalName()),
+        pElement->GetXPath());
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowEmptyChoiceRead(CXmlElement const * pElement)
+{
+    throw CQzValidationException(
+        FormatString(u"No child elements within the element [%s] were populated. The element represents a choice, so "
+                     u"one and only one element should be populated. The element contained no sutable child elements",
+            pElement->GetLocalName()),
+        pElement->GetXPath());
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowEmptyChoiceWritten()
+{
+    throw CQzValidationException(u"This element is a choice, and as such must have at one (and only one) valid item, "
+                                 u"currently there are none set",
+        std::u16string());
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowUnexpectedAttribute(CXmlAttribute const * pAttribute)
+{
+    throw CQzValidationException(u"Unexpected Attribute found.", pAttribute->GetXPath());
+}
+
+/// Where the nillable side of objects of one dynamic type lies, as far as this thread has asked.
+struct NillableSlot
+{
+    std::type_info const * pType = nullptr;
+    std::ptrdiff_t nOffset = 0;
+    bool bNillable = false;
+};
+
+constexpr std::size_t kNillableSlots = 64;
+
+bool HasTextProperty(CParentElementInfo const & info)
+{
+    return info.GetPrimitiveValuePropertyIndex() != -1 && info.GetPrimitiveDataType() != ItemType_Invalid;
+}
+
+template <class... Entries>
+bool IsOneOf(CElementInfo const * pEntry)
+{
+    return ((dynamic_cast<Entries const *>(pEntry) != nullptr) || ...);
+}
+
+} // namespace
+
+INillable * FindNillable(CXmlGeneratedClass * pObject)
+{
+    static thread_local std::array<NillableSlot, kNillableSlots> t_slots;
+    std::type_info const & type = typeid(*pObject);
+    auto const nBits = reinterpret_cast<std::uintptr_t>(&type);
+    NillableSlot & slot = t_slots[((nBits >> 4) ^ (nBits >> 10)) % kNillableSlots];
+    char * const pFirst = static_cast<char *>(dynamic_cast<void *>(pObject));
+    if (slot.pType != &type)
+    {
+        INillable * const pNillable = dynamic_cast<INillable *>(pObject);
+        slot.pType = &type;
+        slot.bNillable = pNillable != nullptr;
+        slot.nOffset = pNillable != nullptr ? reinterpret_cast<char *>(pNillable) - pFirst : 0;
+        return pNillable;
+    }
+    return slot.bNillable ? reinterpret_cast<INillable *>(pFirst + slot.nOffset) : nullptr;
+}
+
+NilText ParseNilText(std::u16string_view text)
+{
+    auto const equals = [text](std::u16string_view word)
+    {
+        if (text.size() != word.size())
+            return false;
+        for (std::size_t i = 0; i < text.size(); ++i)
+            if ((text[i] >= u'A' && text[i] <= u'Z' ? text[i] + 32 : text[i]) != word[i])
+                return false;
+        return true;
+    };
+    if (equals(u"true") || equals(u"1"))
+        return NilText_True;
+    return equals(u"false") || equals(u"0") ? NilText_False : NilText_Other;
+}
+
+CXmlGeneratedClass::CXmlGeneratedClass() = default;
+CXmlGeneratedClass::CXmlGeneratedClass(CXmlGeneratedClass const & other) = default;
+CXmlGeneratedClass & CXmlGeneratedClass::operator=(CXmlGeneratedClass const & other) = default;
+CXmlGeneratedClass::~CXmlGeneratedClass() = default;
+
+void CXmlGeneratedClass::ReadProperty(int index, QzVariant & value) const
+{
+    const_cast<CXmlGeneratedClass *>(this)->AccessProperty(index, true, value);
+}
+
+int CXmlGeneratedClass::GetClassElementInfoCount() const
+{
+    return static_cast<int>(CountEntries(GetClassElementInfo()));
+}
+
+bool CXmlGeneratedClass::IsElementInList(CSerializationContext const & ctx, CXmlElement * pElement) const
+{
+    CElementInfo ** const ppElements = GetClassElementInfo();
+    int const nCount = GetClassElementInfoCount();
+    for (int i = 0; i < nCount; ++i)
+        if (ppElements[i]->IsThisElement(ctx, pElement))
+            return true;
+    return false;
+}
+
+bool CXmlGeneratedClass::DoesElementContainOptionalElements() const
+{
+    for (CElementInfo ** ppElements = GetClassElementInfo(); *ppElements != nullptr; ++ppElements)
+    {
+        CElementInfo const * const pEntry = *ppElements;
+        if (IsOneOf<CElementInfoChoicePrimCol, CElementInfoChoiceClsCol, CElementInfoChoiceAbsClsCol,
+                CElementInfoChoiceEnumCol>(pEntry))
+        {
+            QzVariant value;
+            ReadProperty(pEntry->GetPropertyIndex(), value);
+            if (value.GetXmlCollection()->GetMinOccurs() == 0)
+                return true;
+        }
+        else if (IsOneOf<CElementInfoChoicePrimOpt, CElementInfoChoiceClsOpt, CElementInfoChoiceAbsClsOpt,
+                     CElementInfoChoiceEnumOpt>(pEntry))
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+void CXmlGeneratedClass::CleanMetaData(
+    CParentElementInfo *& pParent, CElementInfo **& ppElements, CAttributeInfo **& ppAttributes)
+{
+    auto const cleanTable = [](auto **& ppTable)
+    {
+        if (ppTable == nullptr)
+            return;
+        for (auto ** ppEntry = ppTable; *ppEntry != nullptr; ++ppEntry)
+        {
+            delete *ppEntry;
+            *ppEntry = nullptr;
+        }
+        delete[] ppTable;
+        ppTable = nullptr;
+    };
+    delete pParent;
+    pParent = nullptr;
+    cleanTable(ppElements);
+    cleanTable(ppAttributes);
+}
+
+void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter * pWriter, CSerializationContext const & ctx) const
+{
+    try
+    {
+        CParentElementInfo const & info = *GetClassInfo();
+        if (ctx.GetWriteTypeAttribute() && info.GetHasBaseClasses() && info.GetElementName() != m_strElementName)
+            pWriter->WriteXsiType(info.GetElementNamespace(), info.GetElementName(), ItemType_string);
+        ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), pWriter);
+    }
+    catch (CQzException const & inner)
+    {
+        throw CQzException(u"Failed to convert attributes to XML", inner);
+    }
+}
+
+void CXmlGeneratedClass::ProcessAttributesToXml(CSerializationContext const & ctx, CElementInfo ** ppElements,
+    CAttributeInfo ** ppAttributes, CXmlWriter * pWriter) const
+{
+    for (; *ppAttributes != nullptr; ++ppAttributes)
+        (*ppAttributes)->AttributeToXml(ctx, this, pWriter);
+    for (; *ppElements != nullptr; ++ppElements)
+        (*ppElements)->PseudoChildAttributeToXml(ctx, this, pWriter);
+}
+
+void CXmlGeneratedClass::WriteRootDeclarations(CXmlWriter * pWriter, CSerializationContext const & ctx) const
+{
+    for (std::u16string const & strInstruction : ctx.GetProcessingInstructions())
+        pWriter->WriteProcessingInstruction(strInstruction);
+    CNamespaceAliasMap const & aliases = ctx.GetNamespaceAliases();
+    for (int i = 0; i < aliases.GetNamespaceCount(); ++i)
+    {
+        std::u16string const strUri = aliases.GetNamespaceAt(i);
+        pWriter->AddNamespace(aliases.GetAliasFromNamespace(strUri.c_str()), strUri);
+    }
+    std::u16string const strDefault = ctx.GetDefaultNamespaceURI();
+    if (!strDefault.empty())
+        pWriter->SetDefaultNamespace(strDefault);
+}
+
+void CXmlGeneratedClass::WriteStartTag(
+    CXmlWriter * pWriter, bool isRoot, char16_t const * namespaceUri, CSerializationContext const & ctx) const
+{
+    if (isRoot)
+        WriteRootDeclarations(pWriter, ctx);
+    pWriter->WriteStartElement(m_strElementName, namespaceUri);
+    AttributesToXml_Int(pWriter, ctx);
+    if (!isRoot)
+        return;
+    std::u16string const strSchema = ctx.GetInLineSchema();
+    if (!strSchema.empty())
+        pWriter->WriteInLineSchema(strSchema);
+}
+
+void CXmlGeneratedClass::WriteTextProperty(CParentElementInfo const & info, CXmlWriter * pWriter) const
+{
+    QzVariant value;
+    ReadProperty(info.GetPrimitiveValuePropertyIndex(), value);
+    if (value.IsNil())
+    {
+        pWriter->WriteXsiNil();
+        return;
+    }
+    std::u16string strScratch;
+    pWriter->WriteTextView(
+        CVariantText::View(value, info.GetPrimitiveFormatOverride().c_str(), strScratch), value.GetTypeAsEnum());
+}
+
+void CXmlGeneratedClass::ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t const * namespaceUri,
+    CSerializationContext const & ctx, bool emptyChoiceAllowed) const
+{
+    try
+    {
+        CParentElementInfo const & info = *GetClassInfo();
+        bool const bElement = info.GetElementType() == XmlElementType_Element;
+        if (bElement)
+            WriteStartTag(pWriter, isRoot, namespaceUri, ctx);
+        INillable * const pNillable = FindNillable(const_cast<CXmlGeneratedClass *>(this));
+        if (pNillable != nullptr && pNillable->IsNil())
+        {
+            pWriter->WriteXsiNil();
+        }
+        else
+        {
+            switch (info.GetElementGroupType())
+            {
+            case XmlElementGroupType_Sequence:
+                ProcessElementSeqToXml(ctx, GetClassElementInfo(), pWriter);
+                break;
+            case XmlElementGroupType_Choice:
+                ProcessElementChoiceToXml(ctx, GetClassElementInfo(), pWriter, emptyChoiceAllowed);
+                break;
+            case XmlElementGroupType_All:
+                ProcessElementAllToXml(ctx, GetClassElementInfo(), pWriter);
+                break;
+            default:
+                throw CQzException(u"Unknown XML Group Type");
+            }
+            if (HasTextProperty(info))
+                WriteTextProperty(info, pWriter);
+        }
+        if (bElement)
+            pWriter->WriteEndElement();
+    }
+    catch (CQzException const & inner)
+    {
+        ThrowWriteFailure(m_strElementName, inner);
+    }
+}
+
+void CXmlGeneratedClass::ProcessElementSeqToXml(
+    CSerializationContext const & ctx, CElementInfo ** ppElements, CXmlWriter * pWriter) const
+{
+    for (; *ppElements != nullptr; ++ppElements)
+        (*ppElements)->ElementToXml(ctx, this, pWriter);
+}
+
+void CXmlGeneratedClass::ProcessElementAllToXml(
+    CSerializationContext const & ctx, CElementInfo ** ppElements, CXmlWriter * pWriter) const
+{
+    // The order of an all group is free; the table's order is as good as any.
+    ProcessElementSeqToXml(ctx, ppElements, pWriter);
+}
+
+void CXmlGeneratedClass::ProcessElementChoiceToXml(
+    CSerializationContext const & ctx, CElementInfo ** ppElements, CXmlWriter * pWriter, bool emptyChoiceAllowed) const
+{
+    for (; *ppElements != nullptr; ++ppElements)
+        if ((*ppElements)->ElementToXml(ctx, this, pWriter))
+            return;
+    if (!DoesElementContainOptionalElements() && !emptyChoiceAllowed && !ctx.GetIgnoreMissingChoice())
+        ThrowEmptyChoiceWritten();
+}
+
+CXmlElement * CXmlGeneratedClass::FromXml_Int(
+    CXmlElement * pElement, CXmlElement * pChild, CSerializationContext const & ctx, bool emptyChoiceAllowed)
+{
+    try
+    {
+        Init();
+        CParentElementInfo const & info = *GetClassInfo();
+        XmlElementType const eType = info.GetElementType();
+        if (eType == XmlElementType_Element)
+            m_strElementName = pElement->GetLocalName();
+        ProcessAttributesFromXml(ctx, pElement, info.GetFromXmlFailIfAttributeUnknown());
+        INillable * const pNillable = FindNillable(this);
+        if (pNillable != nullptr && pNillable->IsNil())
+            return pChild;
+        switch (info.GetElementGroupType())
+        {
+        case XmlElementGroupType_Sequence:
+            pChild = ProcessElementSeqFromXml(ctx, pElement, pChild, eType);
+            break;
+        case XmlElementGroupType_Choice:
+            pChild = ProcessElementChoiceFromXml(ctx, pElement, pChild, eType, emptyChoiceAllowed);
+            break;
+        case XmlElementGroupType_All:
+            pChild = ProcessElementAllFromXml(ctx, pElement, pChild, eType);
+            break;
+        default:
+            throw CQzException(u"Unknown Group Type");
+        }
+        if (HasTextProperty(info))
+            ReadTextProperty(info, pElement);
+        return pChild;
+    }
+    catch (CQzException const & inner)
+    {
+        ThrowReadFailure(pElement, inner);
+    }
+}
+
+void CXmlGeneratedClass::ReadTextProperty(CParentElementInfo const & info, CXmlElement const * pElement)
+{
+    QzVariant value;
+    if (info.GetOutputPrimitiveClassAsTextProperty())
+        value.SetString(std::u16string(pElement->GetTextView()));
+    else
+        CVariantText::Assign(
+            value, pElement->GetTextView(), info.GetPrimitiveDataType(), CWhitespaceUtils::WhitespaceRule_None);
+    AccessProperty(info.GetPrimitiveValuePropertyIndex(), false, value);
+}
+
+void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const & attribute, CXmlElement const * pElement)
+{
+    INillable * const pNillable = FindNillable(this);
+    if (pNillable == nullptr)
+        throw CQzValidationException(u"Invalid use of 'nil' attribute in non-nillable element.", pElement->GetXPath());
+    NilText const eNil = ParseNilText(attribute.GetValueView());
+    if (eNil == NilText_Other)
+        throw CQzValidationException(
+            FormatString(u"Unexpected Value [%s] for 'nil' Attribute found.", attribute.GetValueView()),
+            attribute.GetXPath());
+    pNillable->SetNil(eNil == NilText_True);
+}
+
+bool CXmlGeneratedClass::OfferAttribute(
+    CSerializationContext const & ctx, CXmlAttribute * pAttribute, CAttributeInfo ** ppAttributes, CFlagList & found)
+{
+    for (std::size_t i = 0; ppAttributes[i] != nullptr; ++i)
+    {
+        if (ppAttributes[i]->AttributeFromXml(ctx, this, pAttribute))
+        {
+            found.Set(i);
+            return true;
+        }
+    }
+    return false;
+}
+
+void CXmlGeneratedClass::ProcessAttributesFromXml(
+    CSerializationContext const & ctx, CXmlElement * pElement, bool failIfUnknown)
+{
+    CAttributeInfo ** const ppAttributes = GetClassAttributeInfo();
+    std::size_t const nEntries = CountEntries(ppAttributes);
+    CFlagList found(nEntries);
+    for (CXmlAttribute * pAttribute = pElement->GetFirstAttribute(); pAttribute != nullptr;
+         pAttribute = pAttribute->GetNextAttribute())
+    {
+        if (pAttribute->IsNamespaceAttribute())
+            continue;
+        if (pAttribute->IsNilAttribute())
+            ReadNilAttribute(*pAttribute, pElement);
+        else if (!OfferAttribute(ctx, pAttribute, ppAttributes, found) && failIfUnknown &&
+                 !ctx.GetIgnoreUnknownAttributes())
+            ThrowUnexpectedAttribute(pAttribute);
+    }
+    for (std::size_t i = 0; i < nEntries; ++i)
+        ppAttributes[i]->Validate(ctx, found.Get(i));
+}
+
+CXmlElement * CXmlGeneratedClass::ProcessElementSeqFromXml(
+    CSerializationContext const & ctx, CXmlElement * pElement, CXmlElement * pChild, XmlElementType eType)
+{
+    CElementInfo ** const ppElements = GetClassElementInfo();
+    std::u16string const strNamespace = GetNamespace();
+    bool const bSkip = ctx.GetIgnoreUnknownElements();
+    CXmlElement * pCurrent = pChild;
+    std::size_t nResume = 0;
+    for (;;)
+    {
+        for (std::size_t i = nResume; ppElements[i] != nullptr; ++i)
+        {
+            while (!ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, strNamespace.c_str(), eType))
+            {
+                // The group as a whole did not match: the position goes back, what was read stays.
+                if (!bSkip || pCurrent == nullptr)
+                    return pChild;
+                pCurrent = pCurrent->GetNextSiblingElement();
+            }
+            nResume = i;
+        }
+        if (eType != XmlElementType_Element || pCurrent == nullptr)
+            return pCurrent;
+        if (!bSkip)
+            ThrowLeftOver(pElement, pCurrent);
+        // One element is skipped, and only the last entry gets another try behind it.
+        pCurrent = pCurrent->GetNextSiblingElement();
+        if (pCurrent == nullptr)
+            return nullptr;
+    }
+}
+
+CXmlElement * CXmlGeneratedClass::ProcessElementAllFromXml(
+    CSerializationContext const & ctx, CXmlElement * pElement, CXmlElement * pChild, XmlElementType eType)
+{
+    CElementInfo ** const ppElements = GetClassElementInfo();
+    std::size_t const nEntries = CountEntries(ppElements);
+    std::u16string const strNamespace = GetNamespace();
+    CFlagList found(nEntries);
+    CXmlElement * pCurrent = pChild;
+    CXmlElement const * pLast = nullptr;
+    while (pCurrent != nullptr && pCurrent != pLast)
+    {
+        pLast = pCurrent;
+        for (std::size_t i = 0; i < nEntries; ++i)
+            if (!found.Get(i) &&
+                ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, strNamespace.c_str(), eType))
+                found.Set(i);
+    }
+    bool const bElement = eType == XmlElementType_Element;
+    for (std::size_t i = 0; i < nEntries; ++i)
+        if (!ppElements[i]->Validate(ctx, this, found.Get(i), bElement))
+            return pChild;
+    if (bElement && pCurrent != nullptr && !ctx.GetIgnoreUnknownElements())
+        ThrowLeftOver(pElement, pCurrent);
+    return pCurrent;
+}
+
+CXmlElement * CXmlGeneratedClass::ProcessElementChoiceFromXml(CSerializationContext const & ctx, CXmlElement * pElement,
+    CXmlElement * pChild, XmlElementType eType, bool emptyChoiceAllowed)
+{
+    CElementInfo ** const ppElements = GetClassElementInfo();
+    std::u16string const strNamespace = GetNamespace();
+    bool const bElement = eType == XmlElementType_Element;
+    bool const bSkip = ctx.GetIgnoreUnknownElements();
+    CXmlElement * pCurrent = pChild;
+    bool bFound = false;
+    for (;;)
+    {
+        for (std::size_t i = 0; ppElements[i] != nullptr && !bFound; ++i)
+            bFound = ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, strNamespace.c_str(), eType);
+        // Only a class with an element of its own hunts through its children for a match.
+        if (bFound || !bSkip || !bElement || pCurrent == nullptr)
+            break;
+        pCurrent = pCurrent->GetNextSiblingElement();
+        if (pCurrent == nullptr)
+            break;
+    }
+    if (!bFound && !emptyChoiceAllowed)
+    {
+        if (!bElement && bSkip)
+            pCurrent = pChild;
+        if (bElement && !DoesElementContainOptionalElements() && !ctx.GetIgnoreMissingChoice())
+            ThrowEmptyChoiceRead(pElement);
+    }
+    if (bElement && pCurrent != nullptr && !bSkip)
+        ThrowLeftOver(pElement, pCurrent);
+    return pCurrent;
+}
+
+} // namespace QzXmlLib16

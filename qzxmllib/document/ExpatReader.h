@@ -1,0 +1,52 @@
+#pragma once
+
+#include "qzxmllib/support/Export.h"
+#include "qzxmllib/support/Forward.h"
+#include "qzxmllib/support/MemoryLeakHelp.h"
+
+#include <cstddef>
+#include <exception>
+
+struct XML_ParserStruct;
+
+namespace QzXmlLib16
+{
+
+/// Turns the events of the XML parser into the tree of a document. Call Init, then Parse for each piece of the input;
+/// after the last piece or a failure the reader can only be destroyed.
+class QZXMLLIB_API CExpatReader : private CInstanceMonitor
+{
+public:
+    explicit CExpatReader(CXmlDocument & doc);
+    CExpatReader(CExpatReader const &) = delete;
+    CExpatReader & operator=(CExpatReader const &) = delete;
+    ~CExpatReader() override;
+
+    void Init();
+    /// Takes the next piece; null counts as empty. A fault of the text throws CQzException "%s at line %d"; what the
+    /// element-complete function of the document has thrown comes out of here unchanged.
+    void Parse(unsigned char const * pOctets, std::size_t nOctets, bool bFinal);
+
+private:
+    static void StartElementHandler(void * pThis, char const * pszName, char const ** ppszAttributes);
+    static void EndElementHandler(void * pThis, char const * pszName);
+    static void StartNamespaceHandler(void * pThis, char const * pszPrefix, char const * pszUri);
+    static void EndNamespaceHandler(void * pThis, char const * pszPrefix);
+    static void CharacterDataHandler(void * pThis, char const * pText, int nOctets);
+    static void StartCdataHandler(void * pThis);
+    static void EndCdataHandler(void * pThis);
+
+    template <class F>
+    void Guard(F const & handle);
+    void Fail();
+    void CheckDepth() const;
+    void FreeParser();
+
+    CXmlDocument & m_doc;
+    XML_ParserStruct * m_parser = nullptr;
+    std::size_t m_nMaxDepth = 0;
+    /// What a handler has thrown. No exception passes through the frames of the parser.
+    std::exception_ptr m_pFailure;
+};
+
+} // namespace QzXmlLib16

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "qzxmllib/document/BinaryStream.h"
+#include "qzxmllib/support/Enumerations.h"
+
+#include <string>
+
+namespace QzXmlLib16
+{
+
+/// Octets that are written to a file as a whole.
+class QZXMLLIB_API CFileBinaryStream : public CBinaryStream
+{
+public:
+    CFileBinaryStream(std::u16string strFileName, XmlEncoding eEncoding);
+    CFileBinaryStream(std::u16string strFileName, XmlEncoding eEncoding, CBinaryData const & data);
+    ~CFileBinaryStream() override;
+
+    /// Creates the file, replacing an existing one, and writes the octets, in the UTF-16 encodings behind a byte order
+    /// mark, whatever the octets are. Throws CQzException if anything is not written.
+    void WriteToFile();
+
+private:
+    std::u16string m_strFileName;
+    XmlEncoding m_eEncoding;
+};
+
+} // namespace QzXmlLib16

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/Enumerations.h"
+#include "qzxmllib/support/Forward.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace QzXmlLib16
+{
+
+/// Writes XML text into a stream. Carriage returns in values vanish, line feeds in text become the line end, text
+/// that begins with "<![CDATA[" is written as it stands, and every text stops at its first code unit 0.
+class QZXMLLIB_API CXmlTextWriter : public CXmlWriter
+{
+public:
+    /// The stream must outlive the writer.
+    explicit CXmlTextWriter(CTextStream * pStream);
+    ~CXmlTextWriter() override;
+
+    /// Opens the stream.
+    void StartDocument() override;
+    /// Closes the stream and then checks that no element is open.
+    void EndDocument() override;
+    void WriteComment(std::u16string const & strText) override;
+    void WriteProcessingInstruction(std::u16string const & strText) override;
+    void WriteInLineSchema(std::u16string const & strText) override;
+    void WriteStartElement(std::u16string const & strName, std::u16string const & strUri) override;
+    void WriteText(std::u16string const & strText, ItemType eType) override;
+    void WriteEndElement() override;
+    void WriteAttribute(std::u16string const & strName, std::u16string const & strUri, std::u16string const & strValue,
+        ItemType eType) override;
+    void WriteXsiType(std::u16string const & strTypeUri, std::u16string const & strTypeName, ItemType eType) override;
+    void WriteXsiNil() override;
+    void WriteTextView(std::u16string_view text, ItemType eType) override;
+    void WriteAttributeView(std::u16string const & strName, std::u16string const & strUri, std::u16string_view value,
+        ItemType eType) override;
+
+    /// Indentation and line ends; on at first. May only be set with no element open.
+    bool GetFormat() const noexcept { return m_bFormat; }
+    void SetFormat(bool bFormat);
+    EOLType GetEOL() const noexcept { return m_eEOLType; }
+    /// Throws CQzException for anything but the two line ends, and changes nothing then.
+    void SetEOL(EOLType eEOLType);
+    /// One level of indentation, a tab at first.
+    std::u16string const & GetIndentChars() const noexcept { return m_strIndentChars; }
+    void SetIndentChars(std::u16string const & strIndentChars);
+
+    /// Writes the XML declaration. Only with no element open.
+    void WriteHeader();
+    /// Writes the text as it stands and a line end. Throws CQzException with an element open.
+    void WriteHeadedDirective(std::u16string const & strText);
+    /// Ends the start tag of the open element if it is still open, and counts one more child.
+    void CloseStartTag();
+    /// Writes the text as it stands, and a line end if the output is formatted.
+    void WriteRaw(std::u16string const & strText);
+
+private:
+    void Put(char16_t const * pText, std::size_t nUnits);
+    template <std::size_t nSize>
+    void Put(char16_t const (&szText)[nSize])
+    {
+        Put(szText, nSize - 1);
+    }
+    void Put(std::u16string_view text);
+    void PutEOL();
+    void PutTagEnd();
+    template <class To>
+    void PutIndent(To & to, std::int32_t nDepth);
+    std::size_t IndentUnits(CXmlWriterContext const & context) const;
+    void PutDeclaration(std::u16string const & strAlias, std::u16string const & strUri);
+    void WriteEscaped(std::u16string_view text, bool bAttribute);
+    void FlushIfFull();
+
+    std::u16string m_strIndentChars;
+    /// Several levels of indentation in one piece.
+    std::u16string m_strIndentRun;
+    std::size_t m_nIndentUnits = 0; ///< code units of one level
+    std::u16string m_strEOL;
+    EOLType m_eEOLType;
+    bool m_bFormat;
+    CTextStream * m_pStream;
+};
+
+} // namespace QzXmlLib16

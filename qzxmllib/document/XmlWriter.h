@@ -1,0 +1,198 @@
+#pragma once
+
+#include "qzxmllib/support/Export.h"
+#include "qzxmllib/support/MemoryLeakHelp.h"
+#include "qzxmllib/values/ItemType.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace QzXmlLib16
+{
+
+/// The one output of the binding engine. Holds what all output forms share: the default namespace, the map of
+/// namespaces, the stack of open elements and the scope of declarations. One writer serves one thread.
+class QZXMLLIB_API CXmlWriter : public CInstanceMonitor
+{
+public:
+    /// Namespace URI to alias, ordered by code units.
+    using CNamespaceMap = std::map<std::u16string, std::u16string>;
+
+    /// How a name in a namespace is prefixed. The alias belongs to the map of the element.
+    struct CPrefix
+    {
+        std::u16string const * pAlias; ///< never null
+        bool bGenerated;               ///< true if the alias was made up now, so its declaration must be written
+    };
+
+    /// One open element. An element without declarations of its own reads those of its nearest ancestor that has some.
+    class QZXMLLIB_API CXmlWriterContext : public CInstanceMonitor
+    {
+    public:
+        /// A nested element. The record owns its parent.
+        CXmlWriterContext(
+            std::u16string const & strName, std::u16string const & strNamespace, CXmlWriterContext * pParent);
+        /// A root element, with a copy of the map.
+        CXmlWriterContext(std::u16string const & strName, std::u16string const & strNamespace,
+            std::u16string const & strDefaultNamespace, CNamespaceMap const & namespaces,
+            CXmlWriterContext * pParent = nullptr);
+        CXmlWriterContext(CXmlWriterContext const &) = delete;
+        CXmlWriterContext & operator=(CXmlWriterContext const &) = delete;
+        /// Destroys the parent as well, unless it was detached.
+        ~CXmlWriterContext() override;
+
+        CXmlWriterContext * GetParent() const noexcept { return m_pParent; }
+        /// Gives the parent, which this record owns no longer.
+        CXmlWriterContext * DetachParent() noexcept;
+
+        std::u16string const & GetDefaultNamespace() const noexcept { return m_pScope->m_spScope->strDefaultNamespace; }
+        CNamespaceMap const & GetNamespaces() const noexcept { return m_pScope->m_spScope->namespaces; }
+        /// Holds for this element and its descendants.
+        void SetDefaultNamespace(std::u16string const & strUri);
+        void AddNamespace(std::u16string const & strUri, std::u16string const & strAlias);
+        /// The alias of a namespace. An unknown one is entered into the map with an empty alias.
+        std::u16string const & GetNamespaceMapValue(std::u16string const & strNamespace);
+
+        std::uint32_t m_nChildCount = 0; ///< child elements started in this one
+        bool m_bStartTagOpen = true;     ///< whether the start tag can still take attributes
+        std::int32_t m_nDepth = 0;       ///< 0 for the root
+        std::u16string & m_strNamespace;
+        std::u16string & m_strName;
+        bool m_bContentFlag = false;        ///< free for the concrete writer
+        std::int32_t m_eArrayState = 0;     ///< see CXmlWriter::SetArrayState
+        std::u16string & m_strWrittenAlias; ///< prefix of the start tag, for the end tag; may be empty
+
+    private:
+        friend class CXmlWriter;
+
+        /// What the references above point to. Kept by the writer from record to record, with its capacity.
+        struct CTexts
+        {
+            std::u16string strNamespace;
+            std::u16string strName;
+            std::u16string strWrittenAlias;
+        };
+        /// Declarations of the record's own.
+        struct CScope
+        {
+            std::u16string strDefaultNamespace;
+            CNamespaceMap namespaces;
+        };
+
+        CXmlWriterContext(CTexts & texts, CXmlWriterContext * pParent);
+        CXmlWriterContext(CTexts & texts, std::unique_ptr<CScope> spScope);
+        CXmlWriterContext(std::unique_ptr<CTexts> spTexts, CXmlWriterContext * pParent);
+        CXmlWriterContext(std::unique_ptr<CTexts> spTexts, std::unique_ptr<CScope> spScope);
+
+        bool Inherits() const noexcept { return m_pScope != this; }
+        void OwnScope(bool bCopyDefaultNamespace);
+        static void Destroy(CXmlWriterContext * pRecord) noexcept;
+
+        CXmlWriterContext * m_pParent;
+        CXmlWriterContext * m_pChild = nullptr;
+        /// This record, or the nearest ancestor that has declarations of its own.
+        CXmlWriterContext * m_pScope;
+        std::unique_ptr<CScope> m_spScope;
+        std::unique_ptr<CTexts> m_spTexts; ///< null while the texts belong to the writer
+        /// Lies in storage of the writer, which is not to be freed by delete.
+        bool m_bPooled = false;
+    };
+
+    CXmlWriter(CXmlWriter const &) = delete;
+    CXmlWriter & operator=(CXmlWriter const &) = delete;
+    /// Elements may still be open.
+    ~CXmlWriter() override;
+
+    virtual void StartDocument();
+    /// Throws CQzException if an element is open.
+    virtual void EndDocument();
+    /// For the open element and its descendants, or with none open for the documents to come. Writes nothing.
+    virtual void SetDefaultNamespace(std::u16string const & strUri);
+    /// As SetDefaultNamespace, for an alias, which must not be empty.
+    virtual void AddNamespace(std::u16string const & strAlias, std::u16string const & strUri);
+    virtual void WriteComment(std::u16string const & strText) = 0;
+    /// The text brings its own "<?" and "?>".
+    virtual void WriteProcessingInstruction(std::u16string const & strText) = 0;
+    /// Text in the form of attributes, for the start tag of the root.
+    virtual void WriteInLineSchema(std::u16string const & strText) = 0;
+    virtual void WriteStartElement(std::u16string const & strName, std::u16string const & strUri) = 0;
+    virtual void WriteText(std::u16string const & strText, ItemType eType) = 0;
+    virtual void WriteEndElement() = 0;
+    virtual void WriteAttribute(std::u16string const & strName, std::u16string const & strUri,
+        std::u16string const & strValue, ItemType eType) = 0;
+    virtual void WriteXsiType(
+        std::u16string const & strTypeUri, std::u16string const & strTypeName, ItemType eType) = 0;
+    virtual void WriteXsiNil() = 0;
+    /// As WriteText and WriteAttribute, for text that is not in a string of its own. By default they make one.
+    virtual void WriteTextView(std::u16string_view text, ItemType eType);
+    virtual void WriteAttributeView(
+        std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType);
+
+    /// An alias that is no value of the map: "AA" to "ZZ", then three letters, and so on. It is not stored.
+    static std::u16string GenerateNamespaceAlias(CNamespaceMap const & namespaces);
+    /// Tells the open element how far the array of its collection is: 0 none, 1 about to be written, 2 opened,
+    /// 3 finished. Does nothing with no element open.
+    void SetArrayState(std::int32_t eState) noexcept;
+
+    /// The innermost open element, or null.
+    CXmlWriterContext const * GetContext() const noexcept { return m_pContext; }
+    std::u16string const & GetDefaultNamespace() const noexcept { return m_strDefaultNamespace; }
+    CNamespaceMap const & GetNamespaces() const noexcept { return m_mapNamespaces; }
+
+protected:
+    explicit CXmlWriter(char16_t const * pszInstanceName);
+
+    /// Makes a new record the innermost one: the root with copies of the document's declarations, or a nested one.
+    CXmlWriterContext & PushContext(std::u16string const & strName, std::u16string const & strUri);
+    /// Destroys the innermost record; its parent becomes the innermost.
+    void PopContext() noexcept;
+    /// The innermost record. Throws CQzException if no element is open.
+    CXmlWriterContext & RequireContext() const
+    {
+        if (m_pContext == nullptr)
+            ThrowNoElement();
+        return *m_pContext;
+    }
+    /// As RequireContext; also throws if the start tag can take no more attributes.
+    CXmlWriterContext & RequireStartTag() const
+    {
+        CXmlWriterContext & context = RequireContext();
+        if (!context.m_bStartTagOpen)
+            ThrowStartTagClosed();
+        return context;
+    }
+    /// Whether an element or a type in the namespace is written without a prefix.
+    static bool NeedsNoPrefix(CXmlWriterContext const & context, std::u16string const & strUri) noexcept;
+    /// The alias of a namespace. If there is none, one is made up and added to the element.
+    CPrefix FindPrefix(CXmlWriterContext & context, std::u16string const & strUri);
+
+    std::u16string m_strDefaultNamespace;
+    CXmlWriterContext * m_pContext = nullptr;
+    CNamespaceMap m_mapNamespaces;
+
+private:
+    struct Slot;
+    struct LastAlias
+    {
+        CNamespaceMap::value_type const * pEntry = nullptr;
+        CNamespaceMap const * pMap = nullptr;
+        std::uint64_t nGeneration = 0;
+    };
+
+    [[noreturn]] static void ThrowNoElement();
+    [[noreturn]] static void ThrowStartTagClosed();
+
+    /// Storage of records by nesting level, used again and again.
+    std::vector<std::unique_ptr<Slot>> m_slots;
+    std::size_t m_nSlotsUsed = 0;
+    /// Entries found lately, by a hash of the URI. They hold as long as the map of that generation lives.
+    std::vector<LastAlias> m_lastAliases;
+    std::uint64_t m_nScopeGeneration = 0;
+};
+
+} // namespace QzXmlLib16

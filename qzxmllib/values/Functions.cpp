@@ -1,0 +1,77 @@
+#include "qzxmllib/values/Functions.h"
+
+#include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/FunctionsInternal.h"
+
+#include <string_view>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+std::u16string TextOrEmpty(char16_t const * pText)
+{
+    return pText != nullptr ? std::u16string(pText) : std::u16string();
+}
+
+bool TokenAccepts(std::u16string_view token, std::u16string const & strNamespace, std::u16string const & strTarget)
+{
+    if (token == u"##any")
+        return true;
+    if (token == u"##other")
+        return strNamespace != strTarget;
+    if (token == u"##local")
+        return strNamespace.empty();
+    if (token == u"##targetNamespace")
+        return strNamespace == strTarget;
+    return strNamespace.empty() || strNamespace == token;
+}
+
+} // namespace
+
+CPrimitiveRestrictions::CPrimitiveRestrictions() = default;
+CPrimitiveRestrictions::CPrimitiveRestrictions(CPrimitiveRestrictions const & other) = default;
+CPrimitiveRestrictions & CPrimitiveRestrictions::operator=(CPrimitiveRestrictions const & other) = default;
+CPrimitiveRestrictions::~CPrimitiveRestrictions() = default;
+
+CPrimitiveRestrictions::CPrimitiveRestrictions(char16_t const * pattern, std::int32_t minLength, std::int32_t maxLength,
+    char16_t const * minInclusive, char16_t const * maxInclusive, char16_t const * minExclusive,
+    char16_t const * maxExclusive, std::int32_t length, std::int32_t totalDigits, std::int32_t fractionDigits)
+    : m_pattern(TextOrEmpty(pattern)), m_minLength(minLength), m_maxLength(maxLength),
+      m_minInclusive(TextOrEmpty(minInclusive)), m_maxInclusive(TextOrEmpty(maxInclusive)),
+      m_minExclusive(TextOrEmpty(minExclusive)), m_maxExclusive(TextOrEmpty(maxExclusive)), m_length(length),
+      m_totalDigits(totalDigits), m_fractionDigits(fractionDigits)
+{
+}
+
+void CheckPrimitiveVariant(char16_t const *, QzVariant const &, ItemType, CPrimitiveRestrictions const &) {}
+
+bool IsNamespaceAllowed(
+    std::u16string const & strNamespace, std::u16string const & strList, std::u16string const & strTarget)
+{
+    std::u16string_view rest(strList);
+    for (;;)
+    {
+        std::size_t const nBlank = rest.find(u' ');
+        if (TokenAccepts(rest.substr(0, nBlank), strNamespace, strTarget))
+            return true;
+        if (nBlank == std::u16string_view::npos)
+            return false;
+        rest.remove_prefix(nBlank + 1);
+    }
+}
+
+void CheckNamespaceAllowed(
+    std::u16string const & strNamespace, std::u16string const & strList, std::u16string const & strTarget)
+{
+    if (!IsNamespaceAllowed(strNamespace, strList, strTarget))
+        throw CQzInvalidNamespaceException(
+            FormatString(
+                u"Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s].",
+                strNamespace, strList, strTarget),
+            std::u16string());
+}
+
+} // namespace QzXmlLib16
