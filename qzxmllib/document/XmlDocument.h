@@ -39,7 +39,7 @@ struct CXmlName
 
 /// Text of a node. It lies in the memory of the document while it is short; a long one, and one that was asked for as
 /// a string object, is a string of its own.
-class CXmlText
+class QZXMLLIB_API CXmlText
 {
 public:
     CXmlText() noexcept : m_pUnits(nullptr), m_nUnits(0), m_nCapacity(0), m_bString(0), m_bMark(0) {}
