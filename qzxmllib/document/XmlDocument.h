@@ -91,7 +91,7 @@ public:
     /// The next attribute of the same element in document order, or null.
     CXmlAttribute * GetNextAttribute() const { return m_pNext; }
 
-    /// Path from the root, as in /root/item[2]/@id. The alias of a namespace stands in front of the "@".
+    /// Path from the root, as in `/root/item[2]/@id`. The alias of a namespace stands in front of the "@".
     std::u16string GetXPath() const;
     /// True for what directs the parser or the binding and is no data: xmlns, type, schemaLocation and
     /// noNamespaceSchemaLocation of the two namespaces http://www.w3.org/2001/XMLSchema-instance and
