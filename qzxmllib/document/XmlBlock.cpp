@@ -20,8 +20,9 @@ constexpr std::size_t kHugeFrom = std::size_t(1) << 23;
 constexpr std::size_t kHuge = std::size_t(1) << 22;
 constexpr std::size_t kHugePage = std::size_t(1) << 21;
 
-/// The most that is kept for later documents.
-constexpr std::size_t kKeptOctets = std::size_t(1) << 24;
+/// The most that is kept for later documents, and how much of it the platform may not take back when memory is short.
+constexpr std::size_t kKeptOctets = std::size_t(1) << 29;
+constexpr std::size_t kHeldFast = std::size_t(1) << 24;
 
 /// Put at the front of a block that is kept.
 struct KeptBlock
@@ -78,6 +79,9 @@ void ReturnXmlBlock(XmlBlock const & block) noexcept
     std::lock_guard<std::mutex> const guard(g_mutex);
     if (g_nKept + block.nOctets <= kKeptOctets)
     {
+        // The first huge page holds the link and stays.
+        if (g_nKept >= kHeldFast && block.nOctets >= kHuge)
+            static_cast<void>(::madvise(block.pFirst + kHugePage, block.nOctets - kHugePage, MADV_FREE));
         KeptBlock *& pHead = g_pKept[ClassOf(block.nOctets)];
         pHead = new (block.pFirst) KeptBlock{pHead};
         g_nKept += block.nOctets;

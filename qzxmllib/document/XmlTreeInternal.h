@@ -138,6 +138,8 @@ public:
     }
     /// Appends valid UTF-8 without an octet 0.
     void AppendUtf8(CXmlText & text, char const * pText, std::size_t nOctets);
+    /// The same without the carriage returns.
+    void AppendUtf8ExcludingCR(CXmlText & text, char const * pText, std::size_t nOctets);
     /// Takes back the room behind the text if nothing has been created since.
     void Trim(CXmlText & text)
     {
