@@ -15,6 +15,34 @@ namespace QzXmlLib16
 namespace
 {
 
+// The more a document holds already, the larger its next block. Large documents get blocks of the size of large pages.
+constexpr std::size_t kSmallestBlock = 16 * 1024;
+constexpr std::size_t kLargestUsualBlock = 256 * 1024;
+constexpr std::size_t kLargeBlock = 2 * 1024 * 1024;
+
+XmlBlock AcquireXmlBlock(std::size_t nHeld)
+{
+    std::size_t nOctets = kSmallestBlock;
+    if (nHeld >= kLargeBlock)
+        nOctets = kLargeBlock;
+    else
+        while (nOctets < nHeld && nOctets < kLargestUsualBlock)
+            nOctets *= 2;
+    return {static_cast<unsigned char *>(TakeBlock(nOctets)), nOctets};
+}
+
+/// The block may be null.
+void ReturnXmlBlock(XmlBlock const & block) noexcept
+{
+    if (block.pFirst != nullptr)
+        GiveBackBlock(block.pFirst, block.nOctets);
+}
+
+} // namespace
+
+namespace
+{
+
 constexpr char16_t kXsiNamespace[] = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr char16_t kXmlnsNamespace[] = u"http://www.w3.org/2000/xmlns/";
 constexpr char16_t const * kNamespaceAttributes[] = {

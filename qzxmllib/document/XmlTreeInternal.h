@@ -1,6 +1,6 @@
 #pragma once
 
-#include "qzxmllib/document/XmlBlockInternal.h"
+#include "qzxmllib/support/BlockMemoryInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
 
 #include <cstdint>
@@ -12,6 +12,13 @@
 
 namespace QzXmlLib16
 {
+
+/// A stretch of memory for the tree of a document.
+struct XmlBlock
+{
+    unsigned char * pFirst = nullptr;
+    std::size_t nOctets = 0;
+};
 
 /// A name with the octets under which it is found: what the parser calls it, or a form of its own for other readers.
 struct CXmlNameRecord : CXmlName
