@@ -161,12 +161,10 @@ void MemoryRows(Options const & options)
         std::string().swap(strXml);
     };
     auto const nothing = [] {};
-    bool const bFormatted = true;
 
     std::printf("%-34s %15s\n", "growth of peak memory", "");
     PrintGrowth("UTF-8 XML to objects", PeakGrowth(load, [&] { ReadOrders(strXml); }), octets, "at most 6");
-    PrintGrowth(
-        "ToXmlStream", PeakGrowth(loadObjects, [&] { spOrders->ToXmlStream(true, bFormatted); }), octets, "at most 3");
+    PrintGrowth("ToXmlStream", PeakGrowth(loadObjects, [&] { spOrders->ToXmlStream(); }), octets, "at most 3");
     std::u16string const strOut = Widen((std::filesystem::temp_directory_path() / "bench_orders.xml").string());
     PrintGrowth("ToXmlFile, asynchronous",
         PeakGrowth(loadObjects,
