@@ -16,6 +16,10 @@
 namespace QzXmlLib16
 {
 
+struct FIForms;
+struct FINameForm;
+struct FIStringForm;
+
 /// Writes Fast Infoset (ITU-T X.891). Call StartDocument, WriteHeader, the elements, WriteDocumentEnd and EndDocument.
 /// Comments, processing instructions and in-line schemas do not reach the output. The stream receives octets in large
 /// pieces; it holds all of them after WriteDocumentEnd.
@@ -46,42 +50,34 @@ public:
         ItemType eType) override;
 
 private:
-    struct NameForm;
-    struct StringForm;
-    struct NameTable;
-    /// A name written lately, with its key in the map. Saves putting the key together.
+    /// A name written lately, as its key in the map, with its index. Saves putting the key together.
     struct LastName
     {
         std::u16string strKey;
         std::uint32_t dwIndex = 0;
     };
+    using CIndexMap = CFIVocabulary::CIndexMap;
 
     void FlushStartElement(bool bHasAttributes);
-    void WriteNamespaces(unsigned dwLead);
-    void ClosePendingTags();
+    void WriteRootNamespaces(unsigned dwLead);
+    void WriteNamespaceAttribute(unsigned char byLead, std::u16string const & strAlias, std::u16string const & strUri);
+    void ClosePendingTerminator();
     void CloseAttributeList(CXmlWriterContext & context);
     CXmlWriterContext & RequireAttributes();
-    void WriteName(NameForm const & form, unsigned dwLead, std::u16string_view prefix, std::u16string_view uri,
-        std::u16string_view localName, CFIVocabulary::CIndexMap & map, std::vector<LastName> & lastNames);
-    void WriteNamePart(NameTable const & table, std::u16string_view name);
-    void WriteNamespaceAttribute(unsigned char byLead, std::u16string const & strAlias, std::u16string const & strUri);
-    void WriteAttributeName(std::u16string_view prefix, std::u16string_view uri, std::u16string_view localName);
-    void WriteAttributeValue(std::u16string_view value, ItemType eType);
-    void WriteEncodedString(StringForm const & form, unsigned dwLead, std::u16string_view text, ItemType eType);
-    void WriteUtf8(StringForm const & form, unsigned dwLead, std::u16string_view text);
+    void WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix, std::u16string_view uri,
+        std::u16string_view localName);
+    void WriteNamePart(CIndexMap & map, std::u16string_view name);
     void WriteLiteralName(std::u16string_view name);
-    void WritePacked(StringForm const & form, unsigned dwLead, unsigned dwKindBits, std::uint32_t dwIndex);
-    void AppendRestrictedAlphabetString(std::uint32_t dwIndex, std::u16string_view text);
-
-    NameTable PrefixTable();
-    NameTable NamespaceTable();
-    NameTable LocalNameTable();
+    void WriteAttributeValue(std::u16string_view value, ItemType eType);
+    void WriteEncodedString(FIStringForm const & form, unsigned dwLead, std::u16string_view text, ItemType eType);
+    void WriteUtf8(FIForms const & lengths, unsigned dwLead, std::u16string_view text);
+    void PackByAlphabet(std::uint32_t dwIndex, std::u16string_view text);
 
     unsigned char * Room(std::size_t nOctets);
     void Put(unsigned dwOctet);
     void Put(unsigned char const * pOctets, std::size_t nOctets);
-    template <class Forms>
-    void PutNumber(Forms const & forms, unsigned dwLead, std::uint32_t dwValue);
+    void PutNumber(FIForms const & forms, unsigned dwLead, std::uint32_t dwNumber);
+    void PutLength(FIForms const & forms, unsigned dwLead, std::size_t nOctets);
     void FlushOctets();
 
     CBinaryStream * m_pStream;
@@ -96,6 +92,7 @@ private:
     std::vector<LastName> m_lastAttributeNames;
     /// The octets of one value.
     std::vector<unsigned char> m_value;
+    /// Octets on their way to the stream.
     std::unique_ptr<unsigned char[]> m_spOctets;
     std::size_t m_nUsed = 0;
     std::size_t m_nSize = 0;
