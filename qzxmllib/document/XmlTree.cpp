@@ -96,9 +96,9 @@ void CXmlNameTable::Place(CXmlNameRecord const & record, std::uint64_t nHash)
 
 CXmlTree::~CXmlTree()
 {
-    for (Block const & block : m_blocks)
-        ::operator delete(block.pFirst);
-    ::operator delete(m_spare.pFirst);
+    for (XmlBlock const & block : m_blocks)
+        ReturnXmlBlock(block);
+    ReturnXmlBlock(m_spare);
 }
 
 CXmlElement * CXmlTree::CreateElement(CXmlName const & name, CXmlElement * pParent)
@@ -172,23 +172,16 @@ void CXmlTree::AppendUtf8(CXmlText & text, char const * pText, std::size_t nOcte
     Append(text, nOctets, [pText, nOctets](char16_t * pOut) { return WidenUtf8(pText, nOctets, pOut); });
 }
 
+/// nOctets is at most the size of the smallest block.
 void * CXmlTree::AllocateInNewBlock(std::size_t nOctets)
 {
-    if (m_spare.nOctets < nOctets)
-    {
-        std::size_t nSize = std::min(kFirstBlock << std::min<std::size_t>(m_blocks.size(), 6), kLargestBlock);
-        nSize = std::max(nSize, nOctets);
-        m_blocks.reserve(m_blocks.size() + 1);
-        m_blocks.push_back({static_cast<unsigned char *>(::operator new(nSize)), nSize});
-    }
-    else
-    {
-        m_blocks.push_back(m_spare);
-        m_spare = Block();
-    }
-    m_pCursor = m_blocks.back().pFirst + nOctets;
-    m_pEnd = m_blocks.back().pFirst + m_blocks.back().nOctets;
-    return m_blocks.back().pFirst;
+    m_blocks.reserve(m_blocks.size() + 1);
+    m_blocks.push_back(m_spare.pFirst != nullptr ? std::exchange(m_spare, XmlBlock()) : AcquireXmlBlock(m_nHeld));
+    XmlBlock const & block = m_blocks.back();
+    m_nHeld += block.nOctets;
+    m_pCursor = block.pFirst + nOctets;
+    m_pEnd = block.pFirst + block.nOctets;
+    return block.pFirst;
 }
 
 bool CXmlTree::MakeRoom(CXmlText & text, std::uint32_t nMore)
@@ -226,10 +219,9 @@ void CXmlTree::Rewind(void * p)
     while (
         before(pCursor, m_blocks.back().pFirst) || !before(pCursor, m_blocks.back().pFirst + m_blocks.back().nOctets))
     {
-        // One block stays at hand, so that elements dropped at the edge of a block do not go to the allocator.
-        if (m_spare.nOctets < m_blocks.back().nOctets)
-            std::swap(m_spare, m_blocks.back());
-        ::operator delete(m_blocks.back().pFirst);
+        // One block stays at hand, so that elements dropped at the edge of a block do not cost a block each time.
+        m_nHeld -= m_blocks.back().nOctets;
+        ReturnXmlBlock(std::exchange(m_spare, m_blocks.back()));
         m_blocks.pop_back();
     }
     m_pCursor = pCursor;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qzxmllib/document/XmlBlockInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
 
 #include <cstdint>
@@ -148,16 +149,8 @@ public:
     }
 
 private:
-    struct Block
-    {
-        unsigned char * pFirst = nullptr;
-        std::size_t nOctets = 0;
-    };
-
     /// Longer text lies in a string of its own, whose memory comes back when it grows.
     static constexpr std::size_t kLongestInBlock = 4096;
-    static constexpr std::size_t kFirstBlock = std::size_t(1) << 14;
-    static constexpr std::size_t kLargestBlock = std::size_t(1) << 20;
     static constexpr std::uint32_t kCapacityMask = (std::uint32_t(1) << 30) - 1;
 
     static unsigned char * EndOf(CXmlText const & text)
@@ -188,8 +181,9 @@ private:
     void Rewind(void * p);
 
     CXmlNameTable m_names;
-    std::vector<Block> m_blocks;
-    Block m_spare;
+    std::vector<XmlBlock> m_blocks;
+    std::size_t m_nHeld = 0;
+    XmlBlock m_spare;
     unsigned char * m_pCursor = nullptr;
     unsigned char * m_pEnd = nullptr;
     /// The attribute created last, where the next one of the same element is hung on.

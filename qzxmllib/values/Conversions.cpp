@@ -2,14 +2,19 @@
 
 #include "qzxmllib/support/FormatStringInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/BigInteger.h"
 #include "qzxmllib/values/BinaryData.h"
 #include "qzxmllib/values/ConversionsInternal.h"
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/Decimal.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <iterator>
 #include <limits>
 
@@ -256,6 +261,30 @@ bool EqualsLower(std::u16string_view text, std::u16string_view lower)
         [](char16_t a, char16_t b) { return (a >= u'A' && a <= u'Z' ? a + 32 : a) == b; });
 }
 
+/// The whole number at the start of a format, as atoi takes it: 0 without one, and the nearest int beyond the range.
+int ReadPlaces(std::u16string_view format)
+{
+    while (!format.empty() && IsNumberSpace(format[0]))
+        format.remove_prefix(1);
+    bool const bMinus = !format.empty() && format[0] == u'-';
+    if (bMinus || (!format.empty() && format[0] == u'+'))
+        format.remove_prefix(1);
+    Digits const digits = ReadDigits(format);
+    std::uint64_t const nLargest = static_cast<std::uint64_t>(std::numeric_limits<int>::max());
+    int const nPlaces = static_cast<int>(digits.bOverflow ? nLargest : std::min(digits.nValue, nLargest));
+    return bMinus ? -nPlaces : nPlaces;
+}
+
+/// A date of a kind; pfnParse is the operation of CDateTime that reads its text.
+CDateTime ParseDate(std::u16string_view given, CConversions::WhitespaceRule eRule, CDateTime::DTType eType,
+    void (CDateTime::*pfnParse)(std::u16string_view) = &CDateTime::ParseXSDDate)
+{
+    std::u16string strScratch;
+    CDateTime value(eType);
+    (value.*pfnParse)(CWhitespaceUtils::ApplyRule(eRule, given, strScratch));
+    return value;
+}
+
 template <class Value>
 std::u16string Printed(void (*pfnPrint)(Value const &, std::u16string_view, std::u16string &), Value value,
     std::u16string_view format = {})
@@ -308,6 +337,11 @@ void PrintString(std::u16string const & strValue, std::u16string_view, std::u16s
 void PrintBoolean(bool const & bValue, std::u16string_view, std::u16string & strOut)
 {
     strOut = bValue ? u"true" : u"false";
+}
+
+void PrintDecimal(CDecimal const & value, std::u16string_view format, std::u16string & strOut)
+{
+    strOut = format.empty() ? value.ToString() : value.ToString(ReadPlaces(format));
 }
 
 std::u16string CConversions::hexBinaryToString(CBinaryData const & value)
@@ -380,6 +414,21 @@ std::u16string CConversions::r8ToString(double dValue, std::u16string_view forma
     return Printed(PrintR8, dValue, format);
 }
 
+std::u16string CConversions::durationToString(CDateTimeSpan const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::yearMonthToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::monthDayToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
 std::u16string CConversions::yearToString(std::uint16_t nValue)
 {
     return Printed(PrintInteger<std::uint16_t>, nValue);
@@ -395,6 +444,21 @@ std::u16string CConversions::dayToString(std::uint8_t nValue)
     return Printed(PrintDay, nValue);
 }
 
+std::u16string CConversions::dateToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::datetimeToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::timeToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
 std::u16string CConversions::charToString(char16_t cValue)
 {
     return std::u16string(1, cValue);
@@ -408,6 +472,21 @@ std::u16string CConversions::stringToString(std::u16string_view text)
 std::u16string CConversions::booleanToString(bool bValue)
 {
     return Printed(PrintBoolean, bValue);
+}
+
+std::u16string CConversions::decimalToString(CDecimal const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::decimalToString(CDecimal const & value, std::u16string_view format)
+{
+    return Printed(PrintDecimal, value, format);
+}
+
+std::u16string CConversions::integerToString(CBigInteger const & value)
+{
+    return value.ToString();
 }
 
 CBinaryData CConversions::hexBinaryFromString(std::u16string_view text, WhitespaceRule eRule)
@@ -476,6 +555,54 @@ double CConversions::r8FromString(std::u16string_view text, WhitespaceRule eRule
     return ParseDouble(text, eRule, u"r8");
 }
 
+CDateTimeSpan CConversions::durationFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    CDateTimeSpan value;
+    value.ParseXSDDuration(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+    return value;
+}
+
+CDateTime CConversions::yearMonthFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gYearMonth);
+}
+
+CDateTime CConversions::monthDayFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gMonthDay);
+}
+
+std::uint16_t CConversions::yearFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return static_cast<std::uint16_t>(ParseDate(text, eRule, CDateTime::dt_gYear).GetYear());
+}
+
+std::uint8_t CConversions::monthFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gMonth).GetMonth();
+}
+
+std::uint8_t CConversions::dayFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gDay).GetDay();
+}
+
+CDateTime CConversions::dateFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_date);
+}
+
+CDateTime CConversions::datetimeFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_dateTime, &CDateTime::ParseXSDDateTime);
+}
+
+CDateTime CConversions::timeFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_time, &CDateTime::ParseXSDTime);
+}
+
 char16_t CConversions::charFromString(std::u16string_view text, WhitespaceRule eRule)
 {
     std::u16string strScratch;
@@ -504,6 +631,18 @@ bool CConversions::booleanFromString(std::u16string_view text, WhitespaceRule eR
         text));
 }
 
+CDecimal CConversions::decimalFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    return CDecimal(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+}
+
+CBigInteger CConversions::integerFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    return CBigInteger(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+}
+
 std::u16string FormatZeroPadded(std::uint32_t nValue, int nWidth)
 {
     std::u16string strText;
@@ -523,14 +662,17 @@ std::u16string TrimTrailingZeros(std::u16string strText)
 
 std::u16string FormatFractionOfSecond(std::uint32_t nMilli, std::uint32_t nMicro, std::uint32_t nNano)
 {
-    if (nMilli == 0 && nMicro == 0 && nNano == 0)
-        return {};
-    std::u16string strText = u"." + FormatZeroPadded(nMilli, 3);
-    if (nMicro != 0 || nNano != 0)
-        strText += FormatZeroPadded(nMicro, 3);
-    if (nNano != 0)
-        strText += FormatZeroPadded(nNano, 3);
-    return TrimTrailingZeros(std::move(strText));
+    char16_t aText[] = u".000000000";
+    char16_t * pLast = aText;
+    for (std::uint32_t const nField : {nMilli, nMicro, nNano})
+    {
+        *++pLast = static_cast<char16_t>(u'0' + nField / 100);
+        *++pLast = static_cast<char16_t>(u'0' + nField / 10 % 10);
+        *++pLast = static_cast<char16_t>(u'0' + nField % 10);
+    }
+    while (*pLast == u'0')
+        --pLast;
+    return pLast == aText ? std::u16string() : std::u16string(aText, pLast + 1);
 }
 
 } // namespace QzXmlLib16

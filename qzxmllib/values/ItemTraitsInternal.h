@@ -83,6 +83,40 @@ template <> struct ItemTraits<ItemType_r4> : ItemRow<float, CConversions::r4From
 template <> struct ItemTraits<ItemType_r8> : ItemRow<double, CConversions::r8FromString, PrintR8>
 { static constexpr char16_t const * pszName = u"r8"; };
 
+template <> struct ItemTraits<ItemType_duration>
+    : ItemRow<CDateTimeSpan, CConversions::durationFromString, PrintBy<CDateTimeSpan, CConversions::durationToString>>
+{ static constexpr char16_t const * pszName = u"duration"; };
+
+template <> struct ItemTraits<ItemType_yearMonth>
+    : ItemRow<CDateTime, CConversions::yearMonthFromString, PrintBy<CDateTime, CConversions::yearMonthToString>>
+{ static constexpr char16_t const * pszName = u"yearMonth"; };
+
+template <> struct ItemTraits<ItemType_monthDay>
+    : ItemRow<CDateTime, CConversions::monthDayFromString, PrintBy<CDateTime, CConversions::monthDayToString>>
+{ static constexpr char16_t const * pszName = u"monthDay"; };
+
+template <> struct ItemTraits<ItemType_year>
+    : ItemRow<std::uint16_t, CConversions::yearFromString, PrintInteger<std::uint16_t>>
+{ static constexpr char16_t const * pszName = u"year"; };
+
+template <> struct ItemTraits<ItemType_month> : ItemRow<std::uint8_t, CConversions::monthFromString, PrintMonth>
+{ static constexpr char16_t const * pszName = u"month"; };
+
+template <> struct ItemTraits<ItemType_day> : ItemRow<std::uint8_t, CConversions::dayFromString, PrintDay>
+{ static constexpr char16_t const * pszName = u"day"; };
+
+template <> struct ItemTraits<ItemType_date>
+    : ItemRow<CDateTime, CConversions::dateFromString, PrintBy<CDateTime, CConversions::dateToString>>
+{ static constexpr char16_t const * pszName = u"date"; };
+
+template <> struct ItemTraits<ItemType_datetime>
+    : ItemRow<CDateTime, CConversions::datetimeFromString, PrintBy<CDateTime, CConversions::datetimeToString>>
+{ static constexpr char16_t const * pszName = u"datetime"; };
+
+template <> struct ItemTraits<ItemType_time>
+    : ItemRow<CDateTime, CConversions::timeFromString, PrintBy<CDateTime, CConversions::timeToString>>
+{ static constexpr char16_t const * pszName = u"time"; };
+
 template <> struct ItemTraits<ItemType_char> : ItemRow<char16_t, CConversions::charFromString, PrintChar>
 { static constexpr char16_t const * pszName = u"char"; };
 
@@ -91,6 +125,13 @@ template <> struct ItemTraits<ItemType_string> : ItemRow<std::u16string, CConver
 
 template <> struct ItemTraits<ItemType_boolean> : ItemRow<bool, CConversions::booleanFromString, PrintBoolean>
 { static constexpr char16_t const * pszName = u"boolean"; };
+
+template <> struct ItemTraits<ItemType_decimal> : ItemRow<CDecimal, CConversions::decimalFromString, PrintDecimal>
+{ static constexpr char16_t const * pszName = u"decimal"; };
+
+template <> struct ItemTraits<ItemType_integer>
+    : ItemRow<CBigInteger, CConversions::integerFromString, PrintBy<CBigInteger, CConversions::integerToString>>
+{ static constexpr char16_t const * pszName = u"integer"; };
 // clang-format on
 
 template <ItemType eType>
@@ -98,33 +139,10 @@ using ItemTag = std::integral_constant<ItemType, eType>;
 
 static_assert(ItemType_hexBinary == 1 && ItemType_integer == 26, "the kinds with a row are 1 to 26");
 
-template <class T, class = void>
-struct HasItemRow : std::false_type
-{
-};
-template <class T>
-struct HasItemRow<T, std::void_t<typename T::Value>> : std::true_type
-{
-};
-
-template <ItemType eType, class F>
-bool VisitOneItemType(F & f)
-{
-    if constexpr (HasItemRow<ItemTraits<eType>>::value)
-    {
-        f(ItemTag<eType>());
-        return true;
-    }
-    else
-    {
-        return static_cast<void>(f), false;
-    }
-}
-
 template <class F, int... nIndexes>
 bool VisitItemTypeOf(ItemType eType, F & f, std::integer_sequence<int, nIndexes...>)
 {
-    return ((eType == nIndexes + 1 && VisitOneItemType<static_cast<ItemType>(nIndexes + 1)>(f)) || ...);
+    return ((eType == nIndexes + 1 && (f(ItemTag<static_cast<ItemType>(nIndexes + 1)>()), true)) || ...);
 }
 
 /// Calls f with ItemTag<eType>() for the 26 kinds that have a row. False for any other number.

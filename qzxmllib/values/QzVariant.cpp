@@ -1,53 +1,13 @@
 #include "qzxmllib/values/QzVariant.h"
 
-#include "qzxmllib/support/QzException.h"
-#include "qzxmllib/values/ItemTraitsInternal.h"
-#include "qzxmllib/values/QzVariantInternal.h"
-
-#if __has_include("qzxmllib/binding/XmlCollectionBase.h")
 #include "qzxmllib/binding/XmlCollectionBase.h"
-#else
-namespace QzXmlLib16
-{
-class CXmlObjectBase
-{
-public:
-    void AddRef() {}
-    void Release() {}
-};
-class CXmlCollectionBase : public CXmlObjectBase
-{
-};
-} // namespace QzXmlLib16
-#endif
-#if __has_include("qzxmllib/values/Decimal.h")
+#include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BigInteger.h"
-#include "qzxmllib/values/Decimal.h"
-#else
-namespace QzXmlLib16
-{
-class CDecimal
-{
-};
-class CBigInteger
-{
-};
-} // namespace QzXmlLib16
-#endif
-#if __has_include("qzxmllib/values/DateTime.h")
 #include "qzxmllib/values/DateTime.h"
 #include "qzxmllib/values/DateTimeSpan.h"
-#else
-namespace QzXmlLib16
-{
-class CDateTime
-{
-};
-class CDateTimeSpan
-{
-};
-} // namespace QzXmlLib16
-#endif
+#include "qzxmllib/values/Decimal.h"
+#include "qzxmllib/values/ItemTraitsInternal.h"
+#include "qzxmllib/values/QzVariantInternal.h"
 
 #include <cstring>
 
@@ -235,9 +195,20 @@ std::uint32_t QzVariant::GetUI4() const { return Get<ItemType_ui4>(); }
 std::uint64_t QzVariant::GetUI8() const { return Get<ItemType_ui8>(); }
 float QzVariant::GetR4() const { return Get<ItemType_r4>(); }
 double QzVariant::GetR8() const { return Get<ItemType_r8>(); }
+CDateTimeSpan QzVariant::GetDuration() const { return Get<ItemType_duration>(); }
+CDateTime QzVariant::GetYearMonth() const { return Get<ItemType_yearMonth>(); }
+CDateTime QzVariant::GetMonthDay() const { return Get<ItemType_monthDay>(); }
+std::uint16_t QzVariant::GetYear() const { return Get<ItemType_year>(); }
+std::uint8_t QzVariant::GetMonth() const { return Get<ItemType_month>(); }
+std::uint8_t QzVariant::GetDay() const { return Get<ItemType_day>(); }
+CDateTime QzVariant::GetDate() const { return Get<ItemType_date>(); }
+CDateTime QzVariant::GetDateTime() const { return Get<ItemType_datetime>(); }
+CDateTime QzVariant::GetTime() const { return Get<ItemType_time>(); }
 char16_t QzVariant::GetChar() const { return Get<ItemType_char>(); }
 std::u16string QzVariant::GetString() const & { return Get<ItemType_string>(); }
 bool QzVariant::GetBoolean() const { return Get<ItemType_boolean>(); }
+CDecimal QzVariant::GetDecimal() const { return Get<ItemType_decimal>(); }
+CBigInteger QzVariant::GetInteger() const { return Get<ItemType_integer>(); }
 // clang-format on
 
 std::u16string QzVariant::GetString() &&

@@ -101,19 +101,22 @@ public:
         if (!read)
             m_setLog.push_back(index);
     }
-    QzXmlLib16Data::CParentElementInfo * GetClassInfo() const override { return &m_schema.m_info; }
-    QzXmlLib16Data::CElementInfo ** GetClassElementInfo() const override { return m_schema.m_elements.data(); }
-    QzXmlLib16Data::CAttributeInfo ** GetClassAttributeInfo() const override { return m_schema.m_attributes.data(); }
+    QzXmlLib16Data::CParentElementInfo * GetClassInfo() const override { return &m_schema.get().m_info; }
+    QzXmlLib16Data::CElementInfo ** GetClassElementInfo() const override { return m_schema.get().m_elements.data(); }
+    QzXmlLib16Data::CAttributeInfo ** GetClassAttributeInfo() const override
+    {
+        return m_schema.get().m_attributes.data();
+    }
     void Init() override
     {
-        m_properties.assign(static_cast<std::size_t>(m_schema.m_nProperties), QzXmlLib16::QzVariant());
-        if (m_schema.m_init)
-            m_schema.m_init(*this);
+        m_properties.assign(static_cast<std::size_t>(m_schema.get().m_nProperties), QzXmlLib16::QzVariant());
+        if (m_schema.get().m_init)
+            m_schema.get().m_init(*this);
     }
 
     QzXmlLib16::QzVariant & operator[](int index) { return m_properties.at(static_cast<std::size_t>(index)); }
 
-    CTableSchema & m_schema;
+    std::reference_wrapper<CTableSchema> m_schema;
     std::vector<QzXmlLib16::QzVariant> m_properties;
     /// Called with index and direction before each access; may throw.
     std::function<void(int, bool)> m_hook;
