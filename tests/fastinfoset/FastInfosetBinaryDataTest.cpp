@@ -91,7 +91,7 @@ TEST(FastInfosetBinaryData, RefusedTextLeavesNothing)
     EXPECT_EQ(data.GetLength(), 0u);
     data.SetAsEncodedString(10, u"x");
     ExpectThrows<CQzInvalidValueException>(
-        [&] { data.SetAsEncodedString(3, u"1 2"); }, u"The value [1 2] can not be converted to a i2");
+        [&] { data.SetAsEncodedString(4, u"1 2"); }, u"The value [1 2] can not be converted to a i4");
     EXPECT_EQ(data.GetLength(), 0u);
     EXPECT_THROW(data.SetAsEncodedString(5, u"9223372036854775808"), CQzInvalidValueException);
     ExpectThrows<CQzException>([&] { data.SetAsEncodedString(0, u"1"); }, u"Unknown byte encoding.");

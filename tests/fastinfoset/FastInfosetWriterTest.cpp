@@ -505,7 +505,7 @@ TEST(FastInfosetWriter, WritesLengthsInTheShortestForm)
 struct IndexRow
 {
     std::uint32_t dwIndex;
-    /// Of an attribute value, an element name and a chunk.
+    /// Of an attribute value, an element name and a chunk. Null where other rows have met all forms.
     char const * pszOnBit2;
     char const * pszOnBit3;
     char const * pszOnBit4;
@@ -525,11 +525,11 @@ IndexRow const kIndexes[] = {
     {2081, "C7 E0", "28 00 00", "B4 04 10"},
     {8256, "DF FF", "28 18 1F", "B4 1C 2F"},
     {8257, "E0 00 00", "28 18 20", "B4 1C 30"},
-    {263184, "E3 E3 CF", "2B FB EF", "B7 FF FF"},
-    {263185, "E3 E3 D0", "2B FB F0", "B8 00 00 00"},
-    {526368, "E7 E7 DF", "2F FF FF", "B8 04 04 0F"},
-    {526369, "E7 E7 E0", "30 00 00 00", "B8 04 04 10"},
-    {1048576, "EF DF BF", "30 07 F7 DF", "B8 0B FB EF"},
+    {263184, nullptr, "2B FB EF", "B7 FF FF"},
+    {263185, nullptr, "2B FB F0", "B8 00 00 00"},
+    {526368, nullptr, "2F FF FF", nullptr},
+    {526369, nullptr, "30 00 00 00", nullptr},
+    {1048576, nullptr, nullptr, "B8 0B FB EF"},
 };
 
 TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
@@ -541,39 +541,52 @@ TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
     context.SetElementMaxAddLength(10);
     CFIVocabulary & vocabulary = *context.GetVocabulary();
     auto const text = [](std::uint32_t dwNumber) { return u"n" + Wide(std::to_string(dwNumber)); };
-    for (std::uint32_t dwNumber = 1; dwNumber <= 1048576; ++dwNumber)
+    for (std::uint32_t dwNumber = 1; dwNumber <= 1048577; ++dwNumber)
     {
-        vocabulary.AddElement(u"", u"", text(dwNumber));
-        vocabulary.AddAttributeValue(text(dwNumber));
-        vocabulary.AddElementValue(text(dwNumber));
+        std::u16string const strText = text(dwNumber);
+        vocabulary.AddElementValue(strText);
+        if (dwNumber <= 526369)
+            vocabulary.AddElement(u"", u"", strText);
+        if (dwNumber <= 8257)
+            vocabulary.AddAttributeValue(strText);
     }
-    // What finds the tables full is dropped.
-    vocabulary.AddElement(u"p", u"u", u"one more");
-    vocabulary.AddAttributeValue(u"one more");
-    auto const size = [](auto const & table) { return table.end() - table.begin(); };
-    EXPECT_EQ(size(vocabulary.GetElementNamesTable()), 1048576);
-    EXPECT_EQ(size(vocabulary.GetAttributeValuesTable()), 1048576);
-    EXPECT_EQ(size(vocabulary.GetPrefixNamesTable()), 1);
+    // What found the table full was dropped.
+    EXPECT_EQ(vocabulary.GetCharacterChunksTable().end() - vocabulary.GetCharacterChunksTable().begin(), 1048576);
 
-    std::string strExpected = "38 F0";
+    std::string strExpected = "38 F0 00";
     std::string strTree;
     auto const octets = Write(context,
         [&](Writer & w)
         {
             w.WriteStartElement(text(1), u"");
-            strExpected += "00";
             for (IndexRow const & row : kIndexes)
             {
-                std::string const strText = Utf8(text(row.dwIndex));
-                w.WriteStartElement(text(row.dwIndex), u"");
-                w.WriteAttribute(u"x", u"", text(row.dwIndex), ItemType_string);
-                w.WriteText(text(row.dwIndex), ItemType_string);
+                std::u16string const strText = text(row.dwIndex);
+                std::u16string const strName = row.pszOnBit3 != nullptr ? strText : text(1);
+                w.WriteStartElement(strName, u"");
+                std::vector<unsigned char> octetsOfName = Fi(row.pszOnBit3 != nullptr ? row.pszOnBit3 : "00");
+                strTree += "<" + Utf8(strName);
+                if (row.pszOnBit2 != nullptr)
+                {
+                    w.WriteAttribute(u"x", u"", strText, ItemType_string);
+                    octetsOfName[0] |= 0x40;
+                    strTree += " x=\"" + Utf8(strText) + "\"";
+                }
+                strExpected += HexOf(octetsOfName);
+                if (row.pszOnBit2 != nullptr)
+                    strExpected += (row.dwIndex == 1 ? "78 00'x'" : "00") + std::string(row.pszOnBit2) + "F0";
+                if (row.pszOnBit4 != nullptr)
+                {
+                    w.WriteText(strText, ItemType_string);
+                    strExpected += row.pszOnBit4;
+                    strTree += ">" + Utf8(strText) + "</" + Utf8(strName) + ">";
+                }
+                else
+                {
+                    strTree += "/>";
+                }
                 w.WriteEndElement();
-                std::vector<unsigned char> name = Fi(row.pszOnBit3);
-                name[0] |= 0x40;
-                strExpected +=
-                    HexOf(name) + (row.dwIndex == 1 ? "78 00'x'" : "00") + row.pszOnBit2 + "F0" + row.pszOnBit4 + "F0";
-                strTree += "<" + strText + " x=\"" + strText + "\">" + strText + "</" + strText + ">";
+                strExpected += "F0";
             }
             // A new string asks to enter the table even if that is full.
             w.WriteText(u"extra", ItemType_string);
@@ -581,7 +594,8 @@ TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
             strExpected += "92 02'extra' 92 02'extra' FF";
             w.WriteEndElement();
         });
-    std::vector<unsigned char> expected = Fi(strExpected);
+    std::vector<unsigned char> const expected = Fi(strExpected);
+    ASSERT_GT(octets.size(), expected.size());
     EXPECT_EQ(HexOf(octets.data() + octets.size() - expected.size(), expected.size()), HexOf(expected));
     EXPECT_EQ(TreeOf(octets, ctx), "<n1>extraextra" + strTree + "</n1>");
 }
