@@ -4,6 +4,7 @@
 #include "bench/Timing.h"
 #include "bench/Tree.h"
 #include "examples/support/Utf8.h"
+#include "qzxmllib/fastinfoset/FastInfosetContext.h"
 
 #include <cstdio>
 #include <cstring>
@@ -25,7 +26,7 @@ struct Options
 {
     std::string strFile;
     Timing::Effort effort;
-    std::string strRows = "xml,memory,threads,odd";
+    std::string strRows = "xml,fi,memory,threads,odd";
 
     bool Wants(char const * pszRows) const
     {
@@ -138,6 +139,51 @@ bool XmlRows(Options const & options)
         PrintRow(row.pszName, result.jobSeconds, row.nOctets, result.ratio, row.pszGoal);
     }
     return true;
+}
+
+/// The binary form. Speeds count the octets of the XML text, so that they compare with the rows above.
+void FastInfosetRows(Options const & options)
+{
+    std::string strXml = ReadFile(options.strFile);
+    CSmartPtr<Orders::COrders> const spOrders = ReadOrders(strXml);
+    CSerializationContext plain;
+    CSerializationContext suggested;
+    suggested.GetFIContext().SetSuggestedValues();
+    struct Form
+    {
+        char const * pszName;
+        CSerializationContext const & ctx;
+        char const * pszSpeedGoal;
+        char const * pszSizeGoal;
+    };
+    Form const forms[] = {
+        {"Fast Infoset", plain, "at least 2.0", "at most 0.30"},
+        {"suggested values", suggested, "", ""},
+    };
+    Timing::Job const bare = [&] { BareParse(strXml.data(), strXml.size()); };
+    for (Form const & form : forms)
+    {
+        CBinaryData const data = spOrders->ToFastInfosetStream(FInfoDecl_None, form.ctx);
+        auto const read = [&]
+        {
+            CSmartPtr<Orders::COrders> spRead(new Orders::COrders);
+            spRead->FromXmlStream(data, form.ctx);
+            return spRead;
+        };
+        if (!Generated::Agree(*spOrders, *read()))
+            throw CQzException(u"The objects come back changed from " + Widen(form.pszName));
+        std::string const strName(form.pszName);
+        Timing::Result const reading = Timing::Compare(
+            bare, [&] { read(); }, options.effort);
+        Timing::Result const writing = Timing::Compare(
+            bare, [&] { spOrders->ToFastInfosetStream(FInfoDecl_None, form.ctx); }, options.effort);
+        PrintRow(
+            (strName + " to objects").c_str(), reading.jobSeconds, strXml.size(), reading.ratio, form.pszSpeedGoal);
+        PrintRow(
+            ("objects to " + strName).c_str(), writing.jobSeconds, strXml.size(), writing.ratio, form.pszSpeedGoal);
+        std::printf("%-34s %12.3f of the XML text   %s\n", ("size of " + strName).c_str(),
+            static_cast<double>(data.GetLength()) / static_cast<double>(strXml.size()), form.pszSizeGoal);
+    }
 }
 
 void PrintGrowth(char const * pszName, std::int64_t nGrowth, double octets, char const * pszGoal)
@@ -272,7 +318,7 @@ int main(int argc, char ** argv)
     Options const options = ParseOptions(argc, argv);
     if (options.strFile.empty())
     {
-        std::fprintf(stderr, "usage: bench_orders FILE.xml [--quick] [--rows xml,memory,threads,odd]\n"
+        std::fprintf(stderr, "usage: bench_orders FILE.xml [--quick] [--rows xml,fi,memory,threads,odd]\n"
                              "FILE.xml holds purchase orders of orders.xsd; make_orders writes such files.\n");
         return 2;
     }
@@ -285,6 +331,8 @@ int main(int argc, char ** argv)
             MemoryRows(options);
         if (options.Wants("xml") && !XmlRows(options))
             return 1;
+        if (options.Wants("fi"))
+            FastInfosetRows(options);
         if (options.Wants("threads"))
             ThreadRows(options);
         if (options.Wants("odd"))

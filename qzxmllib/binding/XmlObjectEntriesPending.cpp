@@ -15,17 +15,6 @@ namespace
 
 } // namespace
 
-CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, CSerializationContext const &, CompressionType) const
-{
-    ThrowNotAvailable(u"Fast Infoset output");
-}
-
-void CXmlObjectBase::ToFastInfosetFile(
-    char16_t const *, FInfoDecl, CSerializationContext const &, CompressionType) const
-{
-    ThrowNotAvailable(u"Fast Infoset output");
-}
-
 std::u16string CXmlObjectBase::ToJson(bool, EOLType, CSerializationContext const &) const
 {
     ThrowNotAvailable(u"JSON output");
