@@ -5,20 +5,14 @@
 namespace QzXmlLib16
 {
 
-CBinaryStream::CBinaryStream() : CBinaryStream(u"CBinaryStream")
-{
-}
+CBinaryStream::CBinaryStream() : CBinaryStream(u"CBinaryStream") {}
 
-CBinaryStream::CBinaryStream(CBinaryData const & data) : CBinaryStream(u"CBinaryStream", data)
-{
-}
+CBinaryStream::CBinaryStream(CBinaryData const & data) : CBinaryStream(u"CBinaryStream", data) {}
 
-CBinaryStream::CBinaryStream(char16_t const * pszInstanceName) : CInstanceMonitor(pszInstanceName)
-{
-}
+CBinaryStream::CBinaryStream(char16_t const * pszInstanceName) : CInstanceMonitor(pszInstanceName) {}
 
-CBinaryStream::CBinaryStream(char16_t const * pszInstanceName, CBinaryData const & data) :
-    CInstanceMonitor(pszInstanceName), m_data(data)
+CBinaryStream::CBinaryStream(char16_t const * pszInstanceName, CBinaryData const & data)
+    : CInstanceMonitor(pszInstanceName), m_data(data)
 {
 }
 

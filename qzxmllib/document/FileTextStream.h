@@ -2,6 +2,7 @@
 
 #include "qzxmllib/document/TextStream.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -28,9 +29,8 @@ private:
     struct Target;
 
     void WaitForWrite();
-    void StartWrite(CBinaryData const & data);
     void WriteCollected(bool bLast);
-    void CloseHandles() noexcept;
+    [[noreturn]] static void ThrowWriteFailure(int nError);
 
     std::u16string m_strFileName;
     std::unique_ptr<Target> m_spTarget;

@@ -23,12 +23,10 @@ std::unique_ptr<char16_t[]> NewBlock(std::uint32_t nUnits)
 
 } // namespace
 
-CStringBuffer::CStringBuffer() : CStringBuffer(kBlockSize)
-{
-}
+CStringBuffer::CStringBuffer() : CStringBuffer(kBlockSize) {}
 
-CStringBuffer::CStringBuffer(std::uint32_t nBlockSize) :
-    CInstanceMonitor(u"CStringBuffer"), m_dwBlockSize(std::max<std::uint32_t>(nBlockSize, 2) - 1)
+CStringBuffer::CStringBuffer(std::uint32_t nBlockSize)
+    : CInstanceMonitor(u"CStringBuffer"), m_dwBlockSize(std::max<std::uint32_t>(nBlockSize, 2) - 1)
 {
 }
 

@@ -84,16 +84,12 @@ CBinaryData EncodeUtf16(CStringBuffer const & buffer)
 
 } // namespace
 
-CTextStream::CTextStream() : CTextStream(XmlEncoding_None)
-{
-}
+CTextStream::CTextStream() : CTextStream(XmlEncoding_None) {}
 
-CTextStream::CTextStream(XmlEncoding eEncoding) : CTextStream(u"CTextStream", eEncoding)
-{
-}
+CTextStream::CTextStream(XmlEncoding eEncoding) : CTextStream(u"CTextStream", eEncoding) {}
 
-CTextStream::CTextStream(char16_t const * pszInstanceName, XmlEncoding eEncoding) :
-    CInstanceMonitor(pszInstanceName), m_buffer(kTextBlockSize), m_eEncoding(eEncoding)
+CTextStream::CTextStream(char16_t const * pszInstanceName, XmlEncoding eEncoding)
+    : CInstanceMonitor(pszInstanceName), m_buffer(kTextBlockSize), m_eEncoding(eEncoding)
 {
 }
 
@@ -105,9 +101,7 @@ void CTextStream::Open()
     m_buffer.Reset();
 }
 
-void CTextStream::Close()
-{
-}
+void CTextStream::Close() {}
 
 void CTextStream::Flush()
 {
@@ -168,7 +162,7 @@ char16_t CTextStream::HoldBackHighSurrogate()
     std::size_t const nUnits = m_buffer.GetLength();
     if (nUnits == 0)
         return 0;
-    char16_t const c = m_buffer.GetBlock(m_buffer.GetBlockCount() - 1).back();
+    char16_t const c = m_buffer.GetText()[nUnits - 1];
     if (!IsHighSurrogate(c))
         return 0;
     m_buffer.DropLast();

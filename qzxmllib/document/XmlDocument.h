@@ -251,6 +251,7 @@ private:
     CXmlElement * AddDocElement(CXmlName const & name);
     CXmlElement * AddChildElement(std::u16string_view namespaceURI, std::u16string_view localName);
     CXmlElement * AddChildElement(CXmlName const & name);
+    void Push(CXmlElement * pElement, CXmlElement * pBefore);
     /// Closes the innermost open element and lets the element-complete function judge it.
     void EndElement();
     static void AddElementAttribute(CXmlElement * pElement, std::u16string_view localName, std::u16string_view value,
@@ -270,9 +271,9 @@ private:
     void ReadChunkFromFile(unsigned char * pChunk);
     std::uint32_t WaitForChunk(char16_t const * pszFailure, char16_t const * pszFileName);
     void Parse(unsigned char const * pOctets, std::uint32_t nOctets);
-    void ParseText(unsigned char const * pOctets, std::size_t nOctets, bool bWideMark);
+    void ParseText(unsigned char const * pOctets, std::size_t nOctets, bool bWide);
     bool ReadFastInfoset(unsigned char const * pOctets, std::uint32_t nOctets);
-    bool Inflate(unsigned char const *& pOctets, std::uint32_t & nOctets);
+    void Inflate(unsigned char const *& pOctets, std::uint32_t & nOctets);
     CBinaryData ParseJson(unsigned char const * pOctets, std::uint32_t nOctets);
     CBinaryData ConvertJsonToXml(std::u16string const & strJson);
 

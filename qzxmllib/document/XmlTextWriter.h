@@ -72,6 +72,9 @@ private:
     void FlushIfFull();
 
     std::u16string m_strIndentChars;
+    /// Several levels of indentation in one piece.
+    std::u16string m_strIndentRun;
+    std::size_t m_nIndentUnits = 0; ///< code units of one level
     std::u16string m_strEOL;
     EOLType m_eEOLType;
     bool m_bFormat;

@@ -1,0 +1,175 @@
+#include "qzxmllib/document/ExpatReader.h"
+
+#include "qzxmllib/binding/SerializationContext.h"
+#include "qzxmllib/document/Encoder.h"
+#include "qzxmllib/document/XmlTreeInternal.h"
+#include "qzxmllib/support/QzException.h"
+
+#include <cstring>
+#include <expat.h>
+#include <utility>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+constexpr char kSeparator = '|';
+
+/// The parser counts in int, so longer input goes to it in pieces. A single piece is the quickest: behind each one
+/// that is not the last the parser counts lines and keeps a copy of what is left over.
+constexpr std::size_t kPieceOctets = std::size_t(1) << 30;
+
+std::u16string DecodeParserText(char const * pszText)
+{
+    return pszText != nullptr ? DecodeUtf8(reinterpret_cast<unsigned char const *>(pszText), std::strlen(pszText))
+                              : std::u16string();
+}
+
+} // namespace
+
+CExpatReader::CExpatReader(CXmlDocument & doc) : CInstanceMonitor(u"CExpatReader"), m_doc(doc) {}
+
+CExpatReader::~CExpatReader()
+{
+    FreeParser();
+}
+
+void CExpatReader::Init()
+{
+    FreeParser();
+    m_pFailure = nullptr;
+    m_nMaxDepth = m_doc.GetContext().GetReadLimits().nMaxDepth;
+    m_parser = m_doc.m_eSchemaType == SchemaType_NoNamespaces ? XML_ParserCreate(nullptr)
+                                                              : XML_ParserCreateNS(nullptr, kSeparator);
+    if (m_parser == nullptr)
+        throw std::bad_alloc();
+    XML_SetUserData(m_parser, this);
+    XML_SetElementHandler(m_parser, StartElementHandler, EndElementHandler);
+    XML_SetNamespaceDeclHandler(m_parser, StartNamespaceHandler, EndNamespaceHandler);
+    XML_SetCharacterDataHandler(m_parser, CharacterDataHandler);
+    if (!m_doc.GetContext().GetStripCDATA())
+        XML_SetCdataSectionHandler(m_parser, StartCdataHandler, EndCdataHandler);
+}
+
+void CExpatReader::Parse(unsigned char const * pOctets, std::size_t nOctets, bool bFinal)
+{
+    for (;;)
+    {
+        std::size_t const nPiece = nOctets < kPieceOctets ? nOctets : kPieceOctets;
+        bool const bLast = nPiece == nOctets;
+        XML_Status const eStatus = XML_Parse(
+            m_parser, reinterpret_cast<char const *>(pOctets), static_cast<int>(nPiece), bLast && bFinal ? 1 : 0);
+        if (eStatus != XML_STATUS_OK || m_pFailure != nullptr)
+            Fail();
+        if (bLast)
+            break;
+        pOctets += nPiece;
+        nOctets -= nPiece;
+    }
+    if (bFinal)
+        FreeParser();
+}
+
+/// Reports what went wrong: what a handler has thrown, or else the parser's own finding.
+void CExpatReader::Fail()
+{
+    XML_Error const eError = XML_GetErrorCode(m_parser);
+    auto const nLine = static_cast<int>(XML_GetCurrentLineNumber(m_parser));
+    FreeParser();
+    if (m_pFailure != nullptr)
+        std::rethrow_exception(std::exchange(m_pFailure, nullptr));
+    throw CQzException(FormatString(u"%s at line %d", DecodeParserText(XML_ErrorString(eError)), nLine));
+}
+
+void CExpatReader::FreeParser()
+{
+    if (m_parser != nullptr)
+        XML_ParserFree(std::exchange(m_parser, nullptr));
+}
+
+/// Runs the body of a handler. The first exception is kept for Parse and the parser stopped; events that the parser
+/// has still under way are passed over.
+template <class F>
+void CExpatReader::Guard(F const & handle)
+{
+    if (m_pFailure != nullptr)
+        return;
+    try
+    {
+        handle();
+    }
+    catch (...)
+    {
+        m_pFailure = std::current_exception();
+        XML_StopParser(m_parser, XML_FALSE);
+    }
+}
+
+void CExpatReader::CheckDepth() const
+{
+    if (m_nMaxDepth != 0 && m_doc.m_pElementStack.size() >= m_nMaxDepth)
+        throw CQzException(FormatString(u"Elements are nested deeper than %d levels at line %d",
+            static_cast<int>(m_nMaxDepth), static_cast<int>(XML_GetCurrentLineNumber(m_parser))));
+}
+
+void CExpatReader::StartElementHandler(void * pThis, char const * pszName, char const ** ppszAttributes)
+{
+    auto & reader = *static_cast<CExpatReader *>(pThis);
+    reader.Guard(
+        [&]
+        {
+            reader.CheckDepth();
+            CXmlDocument & doc = reader.m_doc;
+            CXmlNameTable & names = doc.m_pTree->Names();
+            CXmlName const & name = names.FromParser(pszName);
+            CXmlElement * const pElement =
+                doc.m_pDocumentElement != nullptr ? doc.AddChildElement(name) : doc.AddDocElement(name);
+            for (; *ppszAttributes != nullptr; ppszAttributes += 2)
+                CXmlDocument::AddElementAttributeUtf8(
+                    pElement, names.FromParser(ppszAttributes[0]), ppszAttributes[1], std::strlen(ppszAttributes[1]));
+        });
+}
+
+void CExpatReader::EndElementHandler(void * pThis, char const *)
+{
+    auto & reader = *static_cast<CExpatReader *>(pThis);
+    reader.Guard([&reader] { reader.m_doc.EndElement(); });
+}
+
+void CExpatReader::StartNamespaceHandler(void * pThis, char const * pszPrefix, char const * pszUri)
+{
+    auto & reader = *static_cast<CExpatReader *>(pThis);
+    reader.Guard([&] { reader.m_doc.m_mapNamespaces[DecodeParserText(pszPrefix)] = DecodeParserText(pszUri); });
+}
+
+void CExpatReader::EndNamespaceHandler(void *, char const *)
+{
+    // The map serves paths in messages and is not scoped; the parser resolves the names itself.
+}
+
+void CExpatReader::CharacterDataHandler(void * pThis, char const * pText, int nOctets)
+{
+    auto & reader = *static_cast<CExpatReader *>(pThis);
+    reader.Guard(
+        [&]
+        {
+            CXmlDocument::AppendUtf8ExcludingCR(
+                reader.m_doc.m_pElementStack.back(), pText, static_cast<std::size_t>(nOctets));
+        });
+}
+
+void CExpatReader::StartCdataHandler(void * pThis)
+{
+    auto & reader = *static_cast<CExpatReader *>(pThis);
+    reader.Guard([&reader] { CXmlDocument::AppendTextExcludingCR(reader.m_doc.m_pElementStack.back(), u"<![CDATA["); });
+}
+
+void CExpatReader::EndCdataHandler(void * pThis)
+{
+    auto & reader = *static_cast<CExpatReader *>(pThis);
+    reader.Guard([&reader] { CXmlDocument::AppendTextExcludingCR(reader.m_doc.m_pElementStack.back(), u"]]>"); });
+}
+
+} // namespace QzXmlLib16

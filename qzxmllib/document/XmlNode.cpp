@@ -1,0 +1,181 @@
+#include "qzxmllib/document/XmlTreeInternal.h"
+#include "qzxmllib/support/FormatString.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace QzXmlLib16
+{
+
+std::u16string & CXmlText::String()
+{
+    if (!m_bString)
+    {
+        m_pString = new std::u16string(View());
+        m_bString = 1;
+        m_nUnits = 0;
+        m_nCapacity = 0;
+    }
+    return *m_pString;
+}
+
+CXmlAttribute::CXmlAttribute(CXmlElement * pElement, CXmlName const & name)
+    : CInstanceMonitor(u"CXmlAttribute"), m_pElement(pElement), m_pName(&name)
+{
+}
+
+CXmlAttribute::~CXmlAttribute() = default;
+
+std::u16string CXmlAttribute::GetXPath() const
+{
+    std::u16string strPath = m_pElement->GetXPath() + u"/";
+    if (!GetNamespaceURI().empty())
+    {
+        std::u16string const strAlias = m_pElement->GetDocument()->LookupAliasFromNamespace(GetNamespaceURI().c_str());
+        if (!strAlias.empty())
+            strPath += strAlias + u":";
+    }
+    return strPath + u"@" + GetLocalName();
+}
+
+CXmlElement::CXmlElement(CXmlName const & name, CXmlElement * pParent)
+    : CInstanceMonitor(u"CXmlElement"), m_pParent(pParent), m_pName(&name), m_pFirstAttribute(nullptr)
+{
+}
+
+CXmlElement::~CXmlElement()
+{
+    if (m_text.m_bMark)
+        delete m_pAttributes;
+}
+
+CXmlTree & CXmlElement::GetTree() const
+{
+    return *GetDocument()->m_pTree;
+}
+
+std::vector<CXmlAttribute *> const & CXmlElement::GetAttributes() const
+{
+    static auto const * const s_pNone = new std::vector<CXmlAttribute *>;
+    if (!m_text.m_bMark)
+    {
+        if (m_pFirstAttribute == nullptr)
+            return *s_pNone;
+        auto pAttributes = std::make_unique<AttributeVector>();
+        pAttributes->pFirst = m_pFirstAttribute;
+        for (CXmlAttribute * p = m_pFirstAttribute; p != nullptr; p = p->m_pNext)
+            pAttributes->attributes.push_back(p);
+        m_pAttributes = pAttributes.release();
+        m_text.m_bMark = 1;
+    }
+    return m_pAttributes->attributes;
+}
+
+std::u16string const & CXmlElement::GetAttribute(char16_t const * localName, char16_t const * namespaceURI) const
+{
+    static auto const * const s_pNone = new std::u16string;
+    for (CXmlAttribute const * p = GetFirstAttribute(); p != nullptr; p = p->GetNextAttribute())
+        if (p->GetLocalName() == localName && p->GetNamespaceURI() == namespaceURI)
+            return p->GetValue();
+    return *s_pNone;
+}
+
+std::u16string CXmlElement::GetXPath() const
+{
+    std::vector<CXmlElement const *> path;
+    for (CXmlElement const * p = this; p != nullptr; p = p->m_pParent)
+        path.push_back(p);
+    std::u16string strPath;
+    for (auto it = path.rbegin(); it != path.rend(); ++it)
+        strPath += u"/" + (*it)->GetNameWithPredicate();
+    return strPath;
+}
+
+void CXmlElement::AppendText(char16_t const * pText)
+{
+    AppendText(pText, std::char_traits<char16_t>::length(pText));
+}
+
+void CXmlElement::AppendText(char16_t const * pText, std::size_t nUnits)
+{
+    GetTree().Append(m_text, nUnits,
+        [pText, nUnits](char16_t * pOut)
+        {
+            std::copy_n(pText, nUnits, pOut);
+            return nUnits;
+        });
+}
+
+CXmlElement * CXmlElement::CreateNewChildElement(CXmlName const & name)
+{
+    return GetTree().CreateElement(name, this);
+}
+
+CXmlAttribute * CXmlElement::AddAttribute(
+    std::u16string_view localName, std::u16string_view value, std::u16string_view namespaceURI)
+{
+    CXmlTree & tree = GetTree();
+    CXmlAttribute * const pAttribute = tree.CreateAttribute(*this, tree.Names().FromText(namespaceURI, localName));
+    tree.Append(pAttribute->m_value, value.size(), [value](char16_t * pOut) { return value.copy(pOut, value.size()); });
+    return pAttribute;
+}
+
+void CXmlElement::SetElementName(std::u16string_view localName)
+{
+    m_pName = &GetTree().Names().FromText(m_pName->strNamespaceURI, localName);
+}
+
+void CXmlElement::SetNamespace(std::u16string_view namespaceURI)
+{
+    m_pName = &GetTree().Names().FromText(namespaceURI, m_pName->strLocalName);
+}
+
+CXmlElement * CXmlElement::RemoveLastChildElement()
+{
+    CXmlElement * pBefore = nullptr;
+    for (CXmlElement * p = m_pFirstChild; p != m_pLastChild; p = p->m_pNextSibling)
+        pBefore = p;
+    return RemoveLastChildElement(pBefore);
+}
+
+CXmlElement * CXmlElement::RemoveLastChildElement(CXmlElement * pBefore)
+{
+    (pBefore != nullptr ? pBefore->m_pNextSibling : m_pFirstChild) = nullptr;
+    return std::exchange(m_pLastChild, pBefore);
+}
+
+std::u16string CXmlElement::GetQName() const
+{
+    if (GetNamespaceURI().empty())
+        return GetLocalName();
+    std::u16string const strAlias = GetDocument()->LookupAliasFromNamespace(GetNamespaceURI().c_str());
+    return strAlias.empty() ? GetLocalName() : strAlias + u":" + GetLocalName();
+}
+
+std::u16string CXmlElement::GetNameWithPredicate() const
+{
+    std::u16string const strName = GetQName();
+    if (m_pParent == nullptr)
+        return strName;
+    // Siblings mostly come in runs of one name, which is looked up once.
+    CXmlName const * pLastName = m_pName;
+    bool bNamesake = true;
+    int nNamesakes = 0;
+    int nPosition = 0;
+    for (CXmlElement const * p = m_pParent->m_pFirstChild; p != nullptr; p = p->m_pNextSibling)
+    {
+        if (p->m_pName != pLastName)
+        {
+            pLastName = p->m_pName;
+            bNamesake = pLastName == m_pName || p->GetQName() == strName;
+        }
+        if (bNamesake)
+            ++nNamesakes;
+        if (p == this)
+            nPosition = nNamesakes;
+    }
+    return nNamesakes > 1 ? FormatString(u"%s[%d]", strName, nPosition) : strName;
+}
+
+} // namespace QzXmlLib16

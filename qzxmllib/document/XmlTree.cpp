@@ -1,0 +1,231 @@
+#include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/XmlTreeInternal.h"
+
+#include <algorithm>
+#include <functional>
+#include <new>
+#include <utility>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+constexpr char16_t kXsiNamespace[] = u"http://www.w3.org/2001/XMLSchema-instance";
+constexpr char16_t kXmlnsNamespace[] = u"http://www.w3.org/2000/xmlns/";
+constexpr char16_t const * kNamespaceAttributes[] = {
+    u"xmlns", u"type", u"schemaLocation", u"noNamespaceSchemaLocation"};
+
+constexpr std::size_t kFirstSlots = 64;
+
+std::u16string Widen(std::string_view text)
+{
+    std::u16string strWide(text.size(), u'\0');
+    strWide.resize(WidenUtf8(text.data(), text.size(), &strWide[0]));
+    return strWide;
+}
+
+void AppendOctets(std::string & strKey, void const * p, std::size_t nOctets)
+{
+    strKey.append(static_cast<char const *>(p), nOctets);
+}
+
+} // namespace
+
+CXmlNameTable::CXmlNameTable(CXmlDocument & doc)
+    : m_doc(doc), m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)), m_slots(kFirstSlots)
+{
+}
+
+CXmlName const & CXmlNameTable::AddFromParser(std::string_view strKey, std::uint64_t nHash)
+{
+    std::size_t const nBar = strKey.find('|');
+    if (nBar == std::string_view::npos)
+        return Add(std::string(strKey), nHash, std::u16string(), Widen(strKey));
+    return Add(std::string(strKey), nHash, Widen(strKey.substr(0, nBar)), Widen(strKey.substr(nBar + 1)));
+}
+
+CXmlName const & CXmlNameTable::FromText(std::u16string_view namespaceURI, std::u16string_view localName)
+{
+    // No key of the parser begins with the octet FF, and the length keeps the two parts apart.
+    std::uint64_t const nUnits = namespaceURI.size();
+    std::string strKey(1, '\xFF');
+    AppendOctets(strKey, &nUnits, sizeof nUnits);
+    AppendOctets(strKey, namespaceURI.data(), namespaceURI.size() * sizeof(char16_t));
+    AppendOctets(strKey, localName.data(), localName.size() * sizeof(char16_t));
+    std::uint64_t const nHash = Hash(strKey);
+    if (CXmlNameRecord const * const pRecord = Find(strKey, nHash))
+        return *pRecord;
+    return Add(std::move(strKey), nHash, std::u16string(namespaceURI), std::u16string(localName));
+}
+
+CXmlName const & CXmlNameTable::Add(
+    std::string strKey, std::uint64_t nHash, std::u16string strNamespaceURI, std::u16string strLocalName)
+{
+    if (m_records.size() >= m_slots.size() / 2)
+    {
+        std::vector<Slot> const oldSlots = std::exchange(m_slots, std::vector<Slot>(m_slots.size() * 2));
+        for (Slot const & slot : oldSlots)
+            if (slot.pRecord != nullptr)
+                Place(*slot.pRecord, slot.nHash);
+    }
+    CXmlNameRecord & record = m_records.emplace_back();
+    record.strKey = std::move(strKey);
+    record.strLocalName = std::move(strLocalName);
+    record.strNamespaceURI = std::move(strNamespaceURI);
+    record.pDocument = &m_doc;
+    if (record.strNamespaceURI == kXsiNamespace || record.strNamespaceURI == kXmlnsNamespace)
+    {
+        record.bNilAttribute = record.strLocalName == u"nil";
+        record.bNamespaceAttribute = std::any_of(std::begin(kNamespaceAttributes), std::end(kNamespaceAttributes),
+            [&record](char16_t const * pszName) { return record.strLocalName == pszName; });
+    }
+    Place(record, nHash);
+    return record;
+}
+
+void CXmlNameTable::Place(CXmlNameRecord const & record, std::uint64_t nHash)
+{
+    std::size_t const nMask = m_slots.size() - 1;
+    std::size_t i = nHash & nMask;
+    while (m_slots[i].pRecord != nullptr)
+        i = (i + 1) & nMask;
+    m_slots[i] = {nHash, &record};
+}
+
+CXmlTree::~CXmlTree()
+{
+    for (XmlBlock const & block : m_blocks)
+        ReturnXmlBlock(block);
+    ReturnXmlBlock(m_spare);
+}
+
+CXmlElement * CXmlTree::CreateElement(CXmlName const & name, CXmlElement * pParent)
+{
+    auto * const pElement = new (AllocateNode<CXmlElement>()) CXmlElement(name, pParent);
+    if (pParent != nullptr)
+    {
+        (pParent->m_pLastChild != nullptr ? pParent->m_pLastChild->m_pNextSibling : pParent->m_pFirstChild) = pElement;
+        pParent->m_pLastChild = pElement;
+    }
+    return pElement;
+}
+
+CXmlAttribute * CXmlTree::CreateAttribute(CXmlElement & element, CXmlName const & name)
+{
+    if (element.m_text.m_bMark)
+        element.m_pAttributes->attributes.reserve(element.m_pAttributes->attributes.size() + 1);
+    auto * const pAttribute = new (AllocateNode<CXmlAttribute>()) CXmlAttribute(&element, name);
+    if (CXmlAttribute * pLast = element.GetFirstAttribute())
+    {
+        if (m_pLastAttribute != nullptr && m_pLastAttribute->m_pElement == &element)
+            pLast = m_pLastAttribute;
+        while (pLast->m_pNext != nullptr)
+            pLast = pLast->m_pNext;
+        pLast->m_pNext = pAttribute;
+        if (element.m_text.m_bMark)
+            element.m_pAttributes->attributes.push_back(pAttribute);
+    }
+    else
+    {
+        element.m_pFirstAttribute = pAttribute;
+    }
+    m_pLastAttribute = pAttribute;
+    return pAttribute;
+}
+
+void CXmlTree::Destroy(CXmlElement * pTop)
+{
+    // From the leaves up: an element goes when its children are gone, then its next sibling or its parent follows.
+    CXmlElement * pElement = pTop;
+    for (;;)
+    {
+        while (pElement->m_pFirstChild != nullptr)
+            pElement = pElement->m_pFirstChild;
+        for (;;)
+        {
+            bool const bTop = pElement == pTop;
+            CXmlElement * const pNext = pElement->m_pNextSibling;
+            CXmlElement * const pParent = pElement->m_pParent;
+            for (CXmlAttribute * pAttribute = pElement->GetFirstAttribute(); pAttribute != nullptr;)
+                std::exchange(pAttribute, pAttribute->m_pNext)->~CXmlAttribute();
+            pElement->~CXmlElement();
+            if (bTop)
+                return;
+            pElement = pNext != nullptr ? pNext : pParent;
+            if (pNext != nullptr)
+                break;
+        }
+    }
+}
+
+void CXmlTree::Release(CXmlElement * pTop)
+{
+    Destroy(pTop);
+    m_pLastAttribute = nullptr;
+    Rewind(pTop);
+}
+
+void CXmlTree::AppendUtf8(CXmlText & text, char const * pText, std::size_t nOctets)
+{
+    Append(text, nOctets, [pText, nOctets](char16_t * pOut) { return WidenUtf8(pText, nOctets, pOut); });
+}
+
+/// nOctets is at most the size of the smallest block.
+void * CXmlTree::AllocateInNewBlock(std::size_t nOctets)
+{
+    m_blocks.reserve(m_blocks.size() + 1);
+    m_blocks.push_back(m_spare.pFirst != nullptr ? std::exchange(m_spare, XmlBlock()) : AcquireXmlBlock(m_nHeld));
+    XmlBlock const & block = m_blocks.back();
+    m_nHeld += block.nOctets;
+    m_pCursor = block.pFirst + nOctets;
+    m_pEnd = block.pFirst + block.nOctets;
+    return block.pFirst;
+}
+
+bool CXmlTree::MakeRoom(CXmlText & text, std::uint32_t nMore)
+{
+    std::uint32_t const nFree = text.m_nCapacity - text.m_nUnits;
+    if (nFree >= nMore)
+        return false;
+    if (text.m_nCapacity != 0 && EndOf(text) == m_pCursor && Room() >= (nMore - nFree) * sizeof(char16_t))
+    {
+        m_pCursor += (nMore - nFree) * sizeof(char16_t);
+        text.m_nCapacity = (text.m_nUnits + nMore) & kCapacityMask;
+        return true;
+    }
+    // Text that goes on behind a child is likely to go on behind the next one too.
+    bool const bFirst = text.m_nUnits == 0;
+    std::uint32_t const nCapacity = bFirst ? nMore : 2 * (text.m_nUnits + nMore);
+    std::size_t const nOctets = nCapacity * sizeof(char16_t);
+    void * pRoom = m_pCursor;
+    if (Room() < nOctets)
+        pRoom = AllocateInNewBlock(nOctets);
+    else
+        m_pCursor += nOctets;
+    auto * const pUnits = static_cast<char16_t *>(pRoom);
+    if (!bFirst)
+        std::copy_n(text.m_pUnits, text.m_nUnits, pUnits);
+    text.m_pUnits = pUnits;
+    text.m_nCapacity = nCapacity & kCapacityMask;
+    return bFirst;
+}
+
+void CXmlTree::Rewind(void * p)
+{
+    auto * const pCursor = static_cast<unsigned char *>(p);
+    std::less<unsigned char *> const before;
+    while (
+        before(pCursor, m_blocks.back().pFirst) || !before(pCursor, m_blocks.back().pFirst + m_blocks.back().nOctets))
+    {
+        // One block stays at hand, so that elements dropped at the edge of a block do not cost a block each time.
+        m_nHeld -= m_blocks.back().nOctets;
+        ReturnXmlBlock(std::exchange(m_spare, m_blocks.back()));
+        m_blocks.pop_back();
+    }
+    m_pCursor = pCursor;
+    m_pEnd = m_blocks.back().pFirst + m_blocks.back().nOctets;
+}
+
+} // namespace QzXmlLib16

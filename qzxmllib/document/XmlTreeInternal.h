@@ -1,0 +1,193 @@
+#pragma once
+
+#include "qzxmllib/document/XmlBlockInternal.h"
+#include "qzxmllib/document/XmlDocument.h"
+
+#include <cstdint>
+#include <cstring>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace QzXmlLib16
+{
+
+/// A name with the octets under which it is found: what the parser calls it, or a form of its own for other readers.
+struct CXmlNameRecord : CXmlName
+{
+    std::string strKey;
+};
+
+/// The names of one document, each kept once.
+class CXmlNameTable
+{
+public:
+    explicit CXmlNameTable(CXmlDocument & doc);
+    CXmlNameTable(CXmlNameTable const &) = delete;
+    CXmlNameTable & operator=(CXmlNameTable const &) = delete;
+
+    /// A name as the parser gives it in UTF-8: the namespace URI and "|" in front of the local name, or that alone.
+    CXmlName const & FromParser(char const * pszRaw)
+    {
+        std::string_view const strKey(pszRaw);
+        std::uint64_t const nHash = Hash(strKey);
+        CXmlNameRecord const * const pRecord = Find(strKey, nHash);
+        return pRecord != nullptr ? *pRecord : AddFromParser(strKey, nHash);
+    }
+    CXmlName const & FromText(std::u16string_view namespaceURI, std::u16string_view localName);
+
+private:
+    struct Slot
+    {
+        std::uint64_t nHash = 0;
+        CXmlNameRecord const * pRecord = nullptr;
+    };
+
+    static std::uint64_t Load8(char const * p)
+    {
+        std::uint64_t n;
+        std::memcpy(&n, p, sizeof n);
+        return n;
+    }
+    static std::uint64_t Load4(char const * p)
+    {
+        std::uint32_t n;
+        std::memcpy(&n, p, sizeof n);
+        return n;
+    }
+    static std::uint64_t Mix(std::uint64_t nHash, std::uint64_t nBits)
+    {
+        nHash = (nHash ^ nBits) * 0x9E3779B97F4A7C15u;
+        return nHash ^ (nHash >> 32);
+    }
+    /// Starts from the address of the table, so that names which collide cannot be prepared beforehand.
+    std::uint64_t Hash(std::string_view strKey) const
+    {
+        char const * p = strKey.data();
+        std::size_t const n = strKey.size();
+        std::uint64_t nHash = m_nSeed + n;
+        if (n >= 8)
+        {
+            char const * const pLast = p + n - 8;
+            for (; p < pLast; p += 8)
+                nHash = Mix(nHash, Load8(p));
+            return Mix(nHash, Load8(pLast));
+        }
+        if (n >= 4)
+            return Mix(nHash, Load4(p) | (Load4(p + n - 4) << 32));
+        for (std::size_t i = 0; i < n; ++i)
+            nHash = Mix(nHash, static_cast<unsigned char>(p[i]));
+        return nHash;
+    }
+    CXmlNameRecord const * Find(std::string_view strKey, std::uint64_t nHash) const
+    {
+        std::size_t const nMask = m_slots.size() - 1;
+        for (std::size_t i = nHash & nMask; m_slots[i].pRecord != nullptr; i = (i + 1) & nMask)
+        {
+            if (m_slots[i].nHash == nHash && m_slots[i].pRecord->strKey.size() == strKey.size() &&
+                std::memcmp(m_slots[i].pRecord->strKey.data(), strKey.data(), strKey.size()) == 0)
+                return m_slots[i].pRecord;
+        }
+        return nullptr;
+    }
+    CXmlName const & AddFromParser(std::string_view strKey, std::uint64_t nHash);
+    CXmlName const & Add(
+        std::string strKey, std::uint64_t nHash, std::u16string strNamespaceURI, std::u16string strLocalName);
+    void Place(CXmlNameRecord const & record, std::uint64_t nHash);
+
+    CXmlDocument & m_doc;
+    std::uint64_t m_nSeed;
+    std::deque<CXmlNameRecord> m_records;
+    std::vector<Slot> m_slots;
+};
+
+/// Memory for the nodes and the text of a document: blocks that are filled from front to back. What lies behind a node
+/// was made after it, so a dropped subtree gives its memory back when the position returns to its topmost node.
+class CXmlTree
+{
+public:
+    explicit CXmlTree(CXmlDocument & doc) : m_names(doc) {}
+    CXmlTree(CXmlTree const &) = delete;
+    CXmlTree & operator=(CXmlTree const &) = delete;
+    ~CXmlTree();
+
+    CXmlNameTable & Names() { return m_names; }
+
+    /// A new element behind the last child of pParent, which is null for a root.
+    CXmlElement * CreateElement(CXmlName const & name, CXmlElement * pParent);
+    /// A new attribute without a value behind the last one of the element.
+    CXmlAttribute * CreateAttribute(CXmlElement & element, CXmlName const & name);
+    /// Runs the destructors of an element and all below it. Its links to others stay as they are.
+    static void Destroy(CXmlElement * pTop);
+    /// As Destroy, and takes back all memory from the element on. Nothing outside the element may have been created
+    /// after it, and no other node may point to it any more.
+    void Release(CXmlElement * pTop);
+
+    /// Makes room for nMost code units behind the text and calls fill(pointer to the room), which gives the number of
+    /// units that it has written there.
+    template <class F>
+    void Append(CXmlText & text, std::size_t nMost, F const & fill)
+    {
+        if (text.m_bString || text.m_nUnits + nMost > kLongestInBlock)
+            return AppendToString(text.String(), nMost, fill);
+        bool const bTrim = MakeRoom(text, static_cast<std::uint32_t>(nMost));
+        text.m_nUnits += static_cast<std::uint32_t>(fill(text.m_pUnits + text.m_nUnits));
+        if (bTrim)
+            Trim(text);
+    }
+    /// Appends valid UTF-8 without an octet 0.
+    void AppendUtf8(CXmlText & text, char const * pText, std::size_t nOctets);
+    /// Takes back the room behind the text if nothing has been created since.
+    void Trim(CXmlText & text)
+    {
+        if (!text.m_bString && EndOf(text) == m_pCursor)
+        {
+            text.m_nCapacity = text.m_nUnits & kCapacityMask;
+            m_pCursor = EndOf(text);
+        }
+    }
+
+private:
+    /// Longer text lies in a string of its own, whose memory comes back when it grows.
+    static constexpr std::size_t kLongestInBlock = 4096;
+    static constexpr std::uint32_t kCapacityMask = (std::uint32_t(1) << 30) - 1;
+
+    static unsigned char * EndOf(CXmlText const & text)
+    {
+        return reinterpret_cast<unsigned char *>(text.m_pUnits + text.m_nCapacity);
+    }
+    template <class F>
+    static void AppendToString(std::u16string & strText, std::size_t nMost, F const & fill)
+    {
+        std::size_t const nOld = strText.size();
+        strText.resize(nOld + nMost);
+        strText.resize(nOld + fill(&strText[nOld]));
+    }
+    std::size_t Room() const { return static_cast<std::size_t>(m_pEnd - m_pCursor); }
+    template <class T>
+    void * AllocateNode()
+    {
+        auto const nGap = static_cast<std::size_t>(-reinterpret_cast<std::uintptr_t>(m_pCursor)) & (alignof(T) - 1);
+        if (Room() < sizeof(T) + nGap)
+            return AllocateInNewBlock(sizeof(T));
+        void * const p = m_pCursor + nGap;
+        m_pCursor += sizeof(T) + nGap;
+        return p;
+    }
+    void * AllocateInNewBlock(std::size_t nOctets);
+    /// True if the room was made to measure, so that what the text does not fill can be taken back.
+    bool MakeRoom(CXmlText & text, std::uint32_t nMore);
+    void Rewind(void * p);
+
+    CXmlNameTable m_names;
+    std::vector<XmlBlock> m_blocks;
+    std::size_t m_nHeld = 0;
+    XmlBlock m_spare;
+    unsigned char * m_pCursor = nullptr;
+    unsigned char * m_pEnd = nullptr;
+    /// The attribute created last, where the next one of the same element is hung on.
+    CXmlAttribute * m_pLastAttribute = nullptr;
+};
+
+} // namespace QzXmlLib16

@@ -1,0 +1,283 @@
+#include "qzxmllib/document/XmlWriter.h"
+
+#include "qzxmllib/support/QzException.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+constexpr char16_t kXmlNamespace[] = u"http://www.w3.org/XML/1998/namespace";
+
+/// Limits of the number of aliases remembered by hash; between them it follows the size of the map.
+constexpr std::size_t kFewestAliasSlots = 16;
+constexpr std::size_t kMostAliasSlots = 4096;
+
+constexpr std::size_t kLetters = 26;
+
+bool SameText(std::u16string const & strA, std::u16string const & strB) noexcept
+{
+    return strA.size() == strB.size() && std::memcmp(strA.data(), strB.data(), strA.size() * sizeof(char16_t)) == 0;
+}
+
+/// URIs differ mostly at their ends.
+std::size_t HashUri(std::u16string const & strUri) noexcept
+{
+    std::size_t nHash = strUri.size();
+    for (std::size_t nAt = strUri.size() - std::min<std::size_t>(strUri.size(), 5); nAt < strUri.size(); ++nAt)
+        nHash = nHash * 31 + strUri[nAt];
+    return nHash;
+}
+
+/// The number of a text of nLetters capital letters among all of that length, or nNone for any other text.
+std::size_t AliasNumber(std::u16string const & strAlias, std::size_t nLetters, std::size_t nNone) noexcept
+{
+    if (strAlias.size() != nLetters)
+        return nNone;
+    std::size_t nNumber = 0;
+    for (char16_t const c : strAlias)
+    {
+        if (c < u'A' || c > u'Z')
+            return nNone;
+        nNumber = nNumber * kLetters + (c - u'A');
+    }
+    return nNumber;
+}
+
+} // namespace
+
+/// Storage of one record, and the strings of the record that was there last, whose capacity the next one uses.
+struct CXmlWriter::Slot
+{
+    alignas(CXmlWriterContext) unsigned char abyRecord[sizeof(CXmlWriterContext)];
+    std::u16string strName;
+    std::u16string strNamespace;
+};
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(
+    std::u16string const & strName, std::u16string const & strNamespace, CXmlWriterContext * pParent)
+    : CInstanceMonitor(u"CXmlWriterContext"), m_nDepth(pParent->m_nDepth + 1), m_strNamespace(strNamespace),
+      m_strName(strName), m_pParent(pParent), m_pScope(pParent->m_pScope)
+{
+    pParent->m_pChild = this;
+}
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::u16string const & strName, std::u16string const & strNamespace,
+    std::u16string const & strDefaultNamespace, CNamespaceMap const & namespaces, CXmlWriterContext * pParent)
+    : CInstanceMonitor(u"CXmlWriterContext"), m_strNamespace(strNamespace), m_strName(strName), m_pParent(pParent),
+      m_pScope(this), m_spNamespaces(std::make_unique<CNamespaceMap>(namespaces)),
+      m_strDefaultNamespace(strDefaultNamespace)
+{
+    if (pParent != nullptr)
+        pParent->m_pChild = this;
+}
+
+CXmlWriter::CXmlWriterContext::~CXmlWriterContext()
+{
+    // A loop, as elements may be nested deeper than the native stack allows.
+    for (CXmlWriterContext * pRecord = DetachParent(); pRecord != nullptr;)
+    {
+        CXmlWriterContext * const pNext = pRecord->DetachParent();
+        Destroy(pRecord);
+        pRecord = pNext;
+    }
+}
+
+void CXmlWriter::CXmlWriterContext::Destroy(CXmlWriterContext * pRecord) noexcept
+{
+    if (pRecord->m_bPooled)
+        pRecord->~CXmlWriterContext();
+    else
+        delete pRecord;
+}
+
+CXmlWriter::CXmlWriterContext * CXmlWriter::CXmlWriterContext::DetachParent() noexcept
+{
+    CXmlWriterContext * const pParent = m_pParent;
+    m_pParent = nullptr;
+    if (pParent != nullptr)
+        pParent->m_pChild = nullptr;
+    return pParent;
+}
+
+void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::u16string const & strUri)
+{
+    OwnScope(false);
+    m_strDefaultNamespace = strUri;
+}
+
+void CXmlWriter::CXmlWriterContext::AddNamespace(std::u16string const & strUri, std::u16string const & strAlias)
+{
+    OwnScope(true);
+    (*m_spNamespaces)[strUri] = strAlias;
+}
+
+std::u16string const & CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::u16string const & strNamespace)
+{
+    return (*m_pScope->m_spNamespaces)[strNamespace];
+}
+
+/// Gives the record declarations of its own, which begin as a copy of those that it reads.
+void CXmlWriter::CXmlWriterContext::OwnScope(bool bCopyDefaultNamespace)
+{
+    if (!Inherits())
+        return;
+    auto spCopy = std::make_unique<CNamespaceMap>(GetNamespaces());
+    if (bCopyDefaultNamespace)
+        m_strDefaultNamespace = GetDefaultNamespace();
+    m_spNamespaces = std::move(spCopy);
+    CXmlWriterContext const * const pOldScope = m_pScope;
+    for (CXmlWriterContext * p = this; p != nullptr && p->m_pScope == pOldScope; p = p->m_pChild)
+        p->m_pScope = this;
+}
+
+CXmlWriter::CXmlWriter(char16_t const * pszInstanceName) : CInstanceMonitor(pszInstanceName)
+{
+    m_mapNamespaces[kXmlNamespace] = u"xml";
+}
+
+CXmlWriter::~CXmlWriter()
+{
+    while (m_pContext != nullptr)
+        PopContext();
+}
+
+void CXmlWriter::StartDocument() {}
+
+void CXmlWriter::EndDocument()
+{
+    if (m_pContext != nullptr)
+        throw CQzException(u"An Element has not been closed.");
+}
+
+void CXmlWriter::SetDefaultNamespace(std::u16string const & strUri)
+{
+    if (m_pContext != nullptr)
+        m_pContext->SetDefaultNamespace(strUri);
+    else
+        m_strDefaultNamespace = strUri;
+}
+
+void CXmlWriter::AddNamespace(std::u16string const & strAlias, std::u16string const & strUri)
+{
+    if (m_pContext != nullptr)
+        m_pContext->AddNamespace(strUri, strAlias);
+    else
+        m_mapNamespaces[strUri] = strAlias;
+}
+
+void CXmlWriter::WriteTextView(std::u16string_view text, ItemType eType)
+{
+    WriteText(std::u16string(text), eType);
+}
+
+void CXmlWriter::WriteAttributeView(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
+{
+    WriteAttribute(strName, strUri, std::u16string(value), eType);
+}
+
+std::u16string CXmlWriter::GenerateNamespaceAlias(CNamespaceMap const & namespaces)
+{
+    std::size_t nCount = kLetters;
+    for (std::size_t nLetters = 2;; ++nLetters)
+    {
+        nCount *= kLetters;
+        // One more place takes the aliases that are none of these.
+        std::vector<bool> taken(nCount + 1);
+        for (auto const & entry : namespaces)
+            taken[AliasNumber(entry.second, nLetters, nCount)] = true;
+        auto nNumber = static_cast<std::size_t>(std::find(taken.begin(), taken.end(), false) - taken.begin());
+        if (nNumber >= nCount)
+            continue;
+        std::u16string strAlias(nLetters, u'A');
+        for (std::size_t nAt = nLetters; nAt-- > 0; nNumber /= kLetters)
+            strAlias[nAt] = static_cast<char16_t>(u'A' + nNumber % kLetters);
+        return strAlias;
+    }
+}
+
+void CXmlWriter::SetArrayState(std::int32_t eState) noexcept
+{
+    if (m_pContext != nullptr)
+        m_pContext->m_eArrayState = eState;
+}
+
+CXmlWriter::CXmlWriterContext & CXmlWriter::PushContext(std::u16string const & strName, std::u16string const & strUri)
+{
+    if (m_nSlotsUsed == m_slots.size())
+        m_slots.push_back(std::make_unique<Slot>());
+    Slot & slot = *m_slots[m_nSlotsUsed];
+    // Built without its texts, which go into the strings of the storage.
+    std::u16string const strNone;
+    CXmlWriterContext * const pRecord =
+        m_pContext != nullptr ? new (slot.abyRecord) CXmlWriterContext(strNone, strNone, m_pContext)
+                              : new (slot.abyRecord)
+                                    CXmlWriterContext(strNone, strNone, m_strDefaultNamespace, m_mapNamespaces);
+    pRecord->m_bPooled = true;
+    ++m_nSlotsUsed;
+    m_pContext = pRecord;
+    pRecord->m_strName = std::move(slot.strName);
+    pRecord->m_strNamespace = std::move(slot.strNamespace);
+    pRecord->m_strName.assign(strName);
+    pRecord->m_strNamespace.assign(strUri);
+    return *pRecord;
+}
+
+void CXmlWriter::PopContext() noexcept
+{
+    CXmlWriterContext * const pRecord = m_pContext;
+    m_pContext = pRecord->DetachParent();
+    if (!pRecord->Inherits())
+        ++m_nScopeGeneration;
+    if (pRecord->m_bPooled)
+    {
+        Slot & slot = *m_slots[--m_nSlotsUsed];
+        slot.strName = std::move(pRecord->m_strName);
+        slot.strNamespace = std::move(pRecord->m_strNamespace);
+    }
+    CXmlWriterContext::Destroy(pRecord);
+}
+
+bool CXmlWriter::NeedsNoPrefix(CXmlWriterContext const & context, std::u16string const & strUri) noexcept
+{
+    return strUri.empty() || SameText(strUri, context.GetDefaultNamespace());
+}
+
+CXmlWriter::CPrefix CXmlWriter::FindPrefix(CXmlWriterContext & context, std::u16string const & strUri)
+{
+    CNamespaceMap const & namespaces = context.GetNamespaces();
+    std::size_t nSlots = kFewestAliasSlots;
+    while (nSlots < 2 * namespaces.size() && nSlots < kMostAliasSlots)
+        nSlots *= 2;
+    if (m_lastAliases.size() < nSlots)
+        m_lastAliases.assign(nSlots, LastAlias());
+    LastAlias & last = m_lastAliases[HashUri(strUri) & (m_lastAliases.size() - 1)];
+    if (last.pMap == &namespaces && last.nGeneration == m_nScopeGeneration && SameText(last.pEntry->first, strUri))
+        return {&last.pEntry->second, false};
+    auto const it = namespaces.find(strUri);
+    if (it == namespaces.end())
+    {
+        context.AddNamespace(strUri, GenerateNamespaceAlias(namespaces));
+        return {&context.GetNamespaces().find(strUri)->second, true};
+    }
+    last = {&*it, &namespaces, m_nScopeGeneration};
+    return {&it->second, false};
+}
+
+void CXmlWriter::ThrowNoElement()
+{
+    throw CQzException(u"No Element is open.");
+}
+
+void CXmlWriter::ThrowStartTagClosed()
+{
+    throw CQzException(u"Attributes must be added before elements");
+}
+
+} // namespace QzXmlLib16
