@@ -1,5 +1,6 @@
 #include "qzxmllib/document/StringBuffer.h"
 
+#include "qzxmllib/document/BlockMemoryInternal.h"
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/support/QzException.h"
 
@@ -15,11 +16,8 @@ namespace
 
 constexpr std::uint32_t kBlockSize = 4096;
 
-std::unique_ptr<char16_t[]> NewBlock(std::uint32_t nUnits)
-{
-    // One more for the terminator. Left as it comes: every unit is written before anything reads it.
-    return std::unique_ptr<char16_t[]>(new char16_t[std::size_t(nUnits) + 1]);
-}
+/// Blocks double up to this many code units with the terminator.
+constexpr std::uint32_t kLargestBlockSize = 2 * 1024 * 1024;
 
 } // namespace
 
@@ -31,6 +29,17 @@ CStringBuffer::CStringBuffer(std::uint32_t nBlockSize)
 }
 
 CStringBuffer::~CStringBuffer() = default;
+
+void CStringBuffer::CBlockDeleter::operator()(char16_t * pBlock) const noexcept
+{
+    GiveBackBlock(pBlock, nOctets);
+}
+
+CStringBuffer::CBlock CStringBuffer::NewBlock(std::uint32_t nUnits)
+{
+    std::size_t const nOctets = (std::size_t(nUnits) + 1) * sizeof(char16_t);
+    return CBlock(static_cast<char16_t *>(TakeBlock(nOctets)), CBlockDeleter{nOctets});
+}
 
 void CStringBuffer::Append(char16_t const * pText)
 {
@@ -56,7 +65,7 @@ char16_t const * CStringBuffer::GetText()
         return kEmpty;
     if (m_blocks.size() > 1)
     {
-        std::unique_ptr<char16_t[]> spJoined = NewBlock(m_dwTotalBufferLen);
+        CBlock spJoined = NewBlock(m_dwTotalBufferLen);
         char16_t * pTo = spJoined.get();
         for (std::size_t nIndex = 0; nIndex < m_blocks.size(); ++nIndex)
         {
@@ -73,6 +82,7 @@ std::u16string CStringBuffer::TakeText()
 {
     std::u16string strText;
     strText.reserve(m_dwTotalBufferLen);
+    AdviseLargePages(strText.data(), strText.capacity() * sizeof(char16_t));
     for (std::size_t nIndex = 0; nIndex < m_blocks.size(); ++nIndex)
     {
         strText.append(GetBlock(nIndex));
@@ -103,7 +113,7 @@ void CStringBuffer::Reset() noexcept
     m_dwTotalBufferLen = 0;
 }
 
-void CStringBuffer::Adopt(std::unique_ptr<char16_t[]> spText, std::uint32_t nUnits)
+void CStringBuffer::Adopt(CBlock spText, std::uint32_t nUnits)
 {
     // Room for one entry comes first, so that nothing can throw once the old blocks are gone.
     m_blocks.reserve(1);
@@ -119,15 +129,19 @@ void CStringBuffer::Adopt(std::unique_ptr<char16_t[]> spText, std::uint32_t nUni
 
 void CStringBuffer::AddBlock()
 {
-    if (m_dwBlockSize > std::numeric_limits<std::uint32_t>::max() - m_dwTotalBufferLen)
+    std::uint32_t nSize = m_dwBlockSize;
+    if (!m_blocks.empty())
+        nSize = std::max(nSize, std::min(m_LastBlock_SizeOf, (kLargestBlockSize - 1) / 2) * 2 + 1);
+    if (nSize > std::numeric_limits<std::uint32_t>::max() - m_dwTotalBufferLen)
         throw CQzException(u"Text too large.");
-    std::unique_ptr<char16_t[]> spBlock = NewBlock(m_dwBlockSize);
-    m_blockSizes.reserve(m_blockSizes.size() + 1);
+    CBlock spBlock = NewBlock(nSize);
+    if (m_blockSizes.size() == m_blockSizes.capacity())
+        m_blockSizes.reserve(2 * m_blockSizes.size() + 4);
     m_blocks.push_back(std::move(spBlock));
-    m_blockSizes.push_back(m_dwBlockSize);
+    m_blockSizes.push_back(nSize);
     m_pLastBlock = m_blocks.back().get();
     m_LastBlock_DataIn = 0;
-    m_LastBlock_SizeOf = m_dwBlockSize;
+    m_LastBlock_SizeOf = nSize;
 }
 
 void CStringBuffer::AppendAcross(char16_t const * pText, std::size_t nUnits)

@@ -20,9 +20,17 @@ namespace QzXmlLib16
 class QZXMLLIB_API CStringBuffer : public CInstanceMonitor
 {
 public:
-    /// Blocks of 4095 code units.
+    /// Gives the memory of a block back.
+    struct CBlockDeleter
+    {
+        std::size_t nOctets;
+        void operator()(char16_t * pBlock) const noexcept;
+    };
+    using CBlock = std::unique_ptr<char16_t[], CBlockDeleter>;
+
+    /// A first block of 4095 code units.
     CStringBuffer();
-    /// Blocks of nBlockSize - 1 code units, at least 1.
+    /// A first block of nBlockSize - 1 code units, at least 1. Later ones are larger, up to a limit.
     explicit CStringBuffer(std::uint32_t nBlockSize);
     CStringBuffer(CStringBuffer const &) = delete;
     CStringBuffer & operator=(CStringBuffer const &) = delete;
@@ -78,10 +86,22 @@ public:
         --m_LastBlock_DataIn;
         --m_dwTotalBufferLen;
     }
+    /// Room for nUnits code units in one piece, to be written and then counted by Commit; null if the block is too
+    /// full.
+    char16_t * Room(std::size_t nUnits) noexcept
+    {
+        return nUnits <= m_LastBlock_SizeOf - m_LastBlock_DataIn ? m_pLastBlock + m_LastBlock_DataIn : nullptr;
+    }
+    void Commit(std::size_t nUnits) noexcept
+    {
+        m_LastBlock_DataIn += static_cast<std::uint32_t>(nUnits);
+        m_dwTotalBufferLen += static_cast<std::uint32_t>(nUnits);
+    }
     /// Replaces the whole content by one block of nUnits code units with room for a terminator behind them.
-    void Adopt(std::unique_ptr<char16_t[]> spText, std::uint32_t nUnits);
+    void Adopt(CBlock spText, std::uint32_t nUnits);
+    /// A block for nUnits code units and a terminator. Its content is not set.
+    static CBlock NewBlock(std::uint32_t nUnits);
 
-private:
     /// Copies of a few code units are the rule, and not worth a call.
     static void CopyUnits(char16_t * pOut, char16_t const * pIn, std::size_t nUnits) noexcept
     {
@@ -102,10 +122,12 @@ private:
             std::memcpy(pOut, pIn, nUnits * sizeof(char16_t));
         }
     }
+
+private:
     void AddBlock();
     void AppendAcross(char16_t const * pText, std::size_t nUnits);
 
-    std::vector<std::unique_ptr<char16_t[]>> m_blocks;
+    std::vector<CBlock> m_blocks;
     std::vector<std::uint32_t> m_blockSizes;
     std::uint32_t m_dwBlockSize;
     std::uint32_t m_LastBlock_DataIn = 0;

@@ -1,5 +1,6 @@
 #include "qzxmllib/document/TextStream.h"
 
+#include "qzxmllib/document/BlockMemoryInternal.h"
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BinaryData.h"
@@ -19,7 +20,7 @@ namespace
 constexpr std::uint32_t kTextBlockSize = 8192;
 
 constexpr std::size_t kFirstOctetBlock = 32 * 1024;
-constexpr std::size_t kLargestOctetBlock = 256 * 1024;
+constexpr std::size_t kLargestOctetBlock = 4 * 1024 * 1024;
 
 /// Code units encoded at a time, so that the room kept free behind a block stays small against it.
 constexpr std::size_t kEncodeUnits = 4096;
@@ -38,7 +39,10 @@ public:
         if (nOctets > std::numeric_limits<std::uint32_t>::max())
             throw CQzException(u"Binary data too large.");
         if (nOctets != 0)
+        {
             m_spOctets.reset(new unsigned char[nOctets]);
+            AdviseLargePages(m_spOctets.get(), nOctets);
+        }
     }
 
     unsigned char * Get() const noexcept { return m_spOctets.get(); }
@@ -94,6 +98,11 @@ CTextStream::CTextStream(char16_t const * pszInstanceName, XmlEncoding eEncoding
 }
 
 CTextStream::~CTextStream() = default;
+
+void CTextStream::OctetDeleter::operator()(unsigned char * pBlock) const noexcept
+{
+    GiveBackBlock(pBlock, nOctets);
+}
 
 void CTextStream::Open()
 {
@@ -182,7 +191,7 @@ bool CTextStream::EncodePending()
     bool bGood = true;
     auto const encode = [&](std::u16string_view text)
     {
-        NarrowResult const result = NarrowUtf8(text.data(), text.size(), Room(text.size() * 3));
+        NarrowResult const result = NarrowUtf8(text.data(), text.size(), OctetRoom(text.size() * 3));
         m_octetBlocks.back().nUsed += result.nOctets;
         m_nOctets += result.nOctets;
         return result.nUnits;
@@ -232,13 +241,15 @@ bool CTextStream::EncodePending()
     return true;
 }
 
-unsigned char * CTextStream::Room(std::size_t nOctets)
+unsigned char * CTextStream::OctetRoom(std::size_t nOctets)
 {
     if (m_octetBlocks.empty() || m_octetBlocks.back().nSize - m_octetBlocks.back().nUsed < nOctets)
     {
         std::size_t const nSize =
             m_octetBlocks.empty() ? kFirstOctetBlock : std::min(m_octetBlocks.back().nSize * 2, kLargestOctetBlock);
-        m_octetBlocks.push_back({std::unique_ptr<unsigned char[]>(new unsigned char[nSize]), 0, nSize});
+        std::unique_ptr<unsigned char[], OctetDeleter> spOctets(
+            static_cast<unsigned char *>(TakeBlock(nSize)), OctetDeleter{nSize});
+        m_octetBlocks.push_back({std::move(spOctets), 0, nSize});
     }
     OctetBlock & block = m_octetBlocks.back();
     return block.spOctets.get() + block.nUsed;
@@ -252,7 +263,7 @@ void CTextStream::RestoreText()
     std::size_t const nUnits = m_nEncodedUnits + m_buffer.GetLength();
     if (nUnits > std::numeric_limits<std::uint32_t>::max())
         throw CQzException(u"Text too large.");
-    std::unique_ptr<char16_t[]> spText(new char16_t[nUnits + 1]);
+    CStringBuffer::CBlock spText = CStringBuffer::NewBlock(static_cast<std::uint32_t>(nUnits));
     char16_t * pTo = spText.get();
     for (OctetBlock const & block : m_octetBlocks)
         pTo += WidenUtf8(reinterpret_cast<char const *>(block.spOctets.get()), block.nUsed, pTo);

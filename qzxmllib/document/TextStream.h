@@ -39,6 +39,10 @@ public:
     /// Writes exactly nUnits code units.
     void Write(char16_t const * pText, std::size_t nUnits) { m_buffer.Append(pText, nUnits); }
 
+    /// Room in the buffer, as CStringBuffer::Room and Commit.
+    char16_t * Room(std::size_t nUnits) noexcept { return m_buffer.Room(nUnits); }
+    void Commit(std::size_t nUnits) noexcept { m_buffer.Commit(nUnits); }
+
     /// Code units collected and not given to a file.
     unsigned long GetLength() const noexcept;
     XmlEncoding GetEncoding() const noexcept { return m_eEncoding; }
@@ -68,15 +72,20 @@ protected:
     XmlEncoding m_eEncoding;
 
 private:
+    struct OctetDeleter
+    {
+        std::size_t nOctets;
+        void operator()(unsigned char * pBlock) const noexcept;
+    };
     struct OctetBlock
     {
-        std::unique_ptr<unsigned char[]> spOctets;
+        std::unique_ptr<unsigned char[], OctetDeleter> spOctets;
         std::size_t nUsed;
         std::size_t nSize;
     };
 
     bool EncodePending();
-    unsigned char * Room(std::size_t nOctets);
+    unsigned char * OctetRoom(std::size_t nOctets);
     void RestoreText();
     void Drop() noexcept;
     CBinaryData Join(bool bTake);

@@ -101,6 +101,55 @@ std::size_t FindCare(char16_t const * pText, std::size_t nUnits) noexcept
     return nAt;
 }
 
+/// Writes short pieces one behind the other into room that is known to suffice.
+class CRoomWriter
+{
+public:
+    explicit CRoomWriter(char16_t * pRoom) noexcept : m_pRoom(pRoom), m_pAt(pRoom) {}
+
+    void Put(char16_t c) noexcept { *m_pAt++ = c; }
+    void Put(std::u16string_view text) noexcept
+    {
+        CStringBuffer::CopyUnits(m_pAt, text.data(), text.size());
+        m_pAt += text.size();
+    }
+    std::size_t GetLength() const noexcept { return static_cast<std::size_t>(m_pAt - m_pRoom); }
+
+private:
+    char16_t * m_pRoom;
+    char16_t * m_pAt;
+};
+
+/// Writes pieces into a stream, whatever room its block has.
+class CStreamWriter
+{
+public:
+    explicit CStreamWriter(CTextStream & stream) noexcept : m_stream(stream) {}
+
+    void Put(char16_t c) { m_stream.Write(c); }
+    void Put(std::u16string_view text) { m_stream.Write(text.data(), text.size()); }
+
+private:
+    CTextStream & m_stream;
+};
+
+/// Lets write put at most nMax code units, straight into the block if they fit.
+template <class Write>
+void PutPieces(CTextStream & stream, std::size_t nMax, Write && write)
+{
+    if (char16_t * const pRoom = stream.Room(nMax))
+    {
+        CRoomWriter to(pRoom);
+        write(to);
+        stream.Commit(to.GetLength());
+    }
+    else
+    {
+        CStreamWriter to(stream);
+        write(to);
+    }
+}
+
 } // namespace
 
 CXmlTextWriter::CXmlTextWriter(CTextStream * pStream)
@@ -132,12 +181,30 @@ inline void CXmlTextWriter::FlushIfFull()
         m_pStream->Flush();
 }
 
-void CXmlTextWriter::PutIndent(std::int32_t nDepth)
+template <class To>
+void CXmlTextWriter::PutIndent(To & to, std::int32_t nDepth)
 {
     auto nLevels = static_cast<std::size_t>(nDepth);
     for (; nLevels > kIndentLevels; nLevels -= kIndentLevels)
-        Put(m_strIndentRun);
-    Put(m_strIndentRun.data(), nLevels * m_nIndentUnits);
+        to.Put(std::u16string_view(m_strIndentRun));
+    to.Put(std::u16string_view(m_strIndentRun.data(), nLevels * m_nIndentUnits));
+}
+
+inline std::size_t CXmlTextWriter::IndentUnits(CXmlWriterContext const & context) const
+{
+    return m_bFormat ? static_cast<std::size_t>(context.m_nDepth) * m_nIndentUnits : 0;
+}
+
+/// The end of a start tag in front of a child.
+inline void CXmlTextWriter::PutTagEnd()
+{
+    PutPieces(*m_pStream, 3,
+        [this](auto & to)
+        {
+            to.Put(u'>');
+            if (m_bFormat)
+                to.Put(std::u16string_view(m_strEOL));
+        });
 }
 
 /// A declaration without the blank in front of it.
@@ -209,27 +276,43 @@ void CXmlTextWriter::WriteInLineSchema(std::u16string const & strText)
 
 void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16string const & strUri)
 {
-    CloseStartTag();
-    CXmlWriterContext & context = PushContext(strName, strUri);
-    if (m_bFormat)
-        PutIndent(context.m_nDepth);
-    Put(u"<");
-    if (NeedsNoPrefix(context, strUri))
+    bool const bNested = m_pContext != nullptr;
+    bool const bEndsTag = bNested && m_pContext->m_bStartTagOpen;
+    if (bNested)
     {
-        Put(UpToZero(strName));
+        ++m_pContext->m_nChildCount;
+        m_pContext->m_bStartTagOpen = false;
     }
-    else
+    CXmlWriterContext & context = PushContext(strName, strUri);
+    std::u16string_view const name = UpToZero(strName);
+    std::u16string_view alias;
+    bool bDeclare = false;
+    if (!NeedsNoPrefix(context, strUri))
     {
         CPrefix const prefix = FindPrefix(context, strUri);
         context.m_strWrittenAlias = *prefix.pAlias;
-        Put(UpToZero(*prefix.pAlias));
-        Put(u":");
-        Put(UpToZero(strName));
-        if (prefix.bGenerated)
+        alias = UpToZero(context.m_strWrittenAlias);
+        bDeclare = prefix.bGenerated;
+    }
+    if (bEndsTag)
+        PutTagEnd();
+    PutPieces(*m_pStream, IndentUnits(context) + alias.size() + name.size() + 2,
+        [&](auto & to)
         {
-            Put(u" ");
-            PutDeclaration(*prefix.pAlias, strUri);
-        }
+            if (m_bFormat)
+                PutIndent(to, context.m_nDepth);
+            to.Put(u'<');
+            if (!alias.empty())
+            {
+                to.Put(alias);
+                to.Put(u':');
+            }
+            to.Put(name);
+        });
+    if (bDeclare)
+    {
+        Put(u" ");
+        PutDeclaration(context.m_strWrittenAlias, strUri);
     }
     if (context.GetParent() == nullptr)
     {
@@ -262,10 +345,10 @@ void CXmlTextWriter::WriteTextView(std::u16string_view text, ItemType)
         return;
     if (context.m_bStartTagOpen)
     {
-        Put(u">");
+        m_pStream->Write(u'>');
         context.m_bStartTagOpen = false;
     }
-    if (text.substr(0, kCDataStart.size()) == kCDataStart)
+    if (text[0] == u'<' && text.substr(0, kCDataStart.size()) == kCDataStart)
         Put(UpToZero(text));
     else
         WriteEscaped(text, false);
@@ -275,25 +358,32 @@ void CXmlTextWriter::WriteTextView(std::u16string_view text, ItemType)
 void CXmlTextWriter::WriteEndElement()
 {
     CXmlWriterContext const & context = RequireContext();
-    if (context.m_bStartTagOpen)
-    {
-        Put(u"/>");
-    }
-    else
-    {
-        if (m_bFormat && context.m_nChildCount != 0)
-            PutIndent(context.m_nDepth);
-        Put(u"</");
-        if (!context.m_strWrittenAlias.empty())
+    std::u16string_view const alias = UpToZero(context.m_strWrittenAlias);
+    std::u16string_view const name = UpToZero(context.m_strName);
+    PutPieces(*m_pStream, IndentUnits(context) + alias.size() + name.size() + 6,
+        [&](auto & to)
         {
-            Put(UpToZero(context.m_strWrittenAlias));
-            Put(u":");
-        }
-        Put(UpToZero(context.m_strName));
-        Put(u">");
-    }
-    if (m_bFormat)
-        PutEOL();
+            if (context.m_bStartTagOpen)
+            {
+                to.Put(u'/');
+            }
+            else
+            {
+                if (m_bFormat && context.m_nChildCount != 0)
+                    PutIndent(to, context.m_nDepth);
+                to.Put(u'<');
+                to.Put(u'/');
+                if (!alias.empty())
+                {
+                    to.Put(alias);
+                    to.Put(u':');
+                }
+                to.Put(name);
+            }
+            to.Put(u'>');
+            if (m_bFormat)
+                to.Put(std::u16string_view(m_strEOL));
+        });
     FlushIfFull();
     PopContext();
 }
@@ -308,22 +398,33 @@ void CXmlTextWriter::WriteAttributeView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType)
 {
     CXmlWriterContext & context = RequireStartTag();
-    Put(u" ");
+    std::u16string_view const name = UpToZero(strName);
+    std::u16string_view alias;
     if (!strUri.empty())
     {
         CPrefix const prefix = FindPrefix(context, strUri);
+        alias = UpToZero(*prefix.pAlias);
         if (prefix.bGenerated)
         {
-            PutDeclaration(*prefix.pAlias, strUri);
             Put(u" ");
+            PutDeclaration(*prefix.pAlias, strUri);
         }
-        Put(UpToZero(*prefix.pAlias));
-        Put(u":");
     }
-    Put(UpToZero(strName));
-    Put(u"=\"");
+    PutPieces(*m_pStream, alias.size() + name.size() + 4,
+        [&](auto & to)
+        {
+            to.Put(u' ');
+            if (!strUri.empty())
+            {
+                to.Put(alias);
+                to.Put(u':');
+            }
+            to.Put(name);
+            to.Put(u'=');
+            to.Put(u'"');
+        });
     WriteEscaped(value, true);
-    Put(u"\"");
+    m_pStream->Write(u'"');
     FlushIfFull();
 }
 
@@ -409,9 +510,7 @@ void CXmlTextWriter::CloseStartTag()
     if (!m_pContext->m_bStartTagOpen)
         return;
     m_pContext->m_bStartTagOpen = false;
-    Put(u">");
-    if (m_bFormat)
-        PutEOL();
+    PutTagEnd();
 }
 
 void CXmlTextWriter::WriteRaw(std::u16string const & strText)

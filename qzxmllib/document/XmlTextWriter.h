@@ -66,7 +66,10 @@ private:
     }
     void Put(std::u16string_view text);
     void PutEOL();
-    void PutIndent(std::int32_t nDepth);
+    void PutTagEnd();
+    template <class To>
+    void PutIndent(To & to, std::int32_t nDepth);
+    std::size_t IndentUnits(CXmlWriterContext const & context) const;
     void PutDeclaration(std::u16string const & strAlias, std::u16string const & strUri);
     void WriteEscaped(std::u16string_view text, bool bAttribute);
     void FlushIfFull();

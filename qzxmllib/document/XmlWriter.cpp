@@ -51,28 +51,52 @@ std::size_t AliasNumber(std::u16string const & strAlias, std::size_t nLetters, s
 
 } // namespace
 
-/// Storage of one record, and the strings of the record that was there last, whose capacity the next one uses.
+/// Storage of one record, and the texts of the record that was there last, whose capacity the next one uses.
 struct CXmlWriter::Slot
 {
     alignas(CXmlWriterContext) unsigned char abyRecord[sizeof(CXmlWriterContext)];
-    std::u16string strName;
-    std::u16string strNamespace;
+    CXmlWriterContext::CTexts texts;
 };
 
-CXmlWriter::CXmlWriterContext::CXmlWriterContext(
-    std::u16string const & strName, std::u16string const & strNamespace, CXmlWriterContext * pParent)
-    : CInstanceMonitor(u"CXmlWriterContext"), m_nDepth(pParent->m_nDepth + 1), m_strNamespace(strNamespace),
-      m_strName(strName), m_pParent(pParent), m_pScope(pParent->m_pScope)
+// The count of a nested record comes from its parent's, which saves looking the name up for each element.
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(CTexts & texts, CXmlWriterContext * pParent)
+    : CInstanceMonitor(static_cast<CInstanceMonitor const &>(*pParent)), m_nDepth(pParent->m_nDepth + 1),
+      m_strNamespace(texts.strNamespace), m_strName(texts.strName), m_strWrittenAlias(texts.strWrittenAlias),
+      m_pParent(pParent), m_pScope(pParent->m_pScope)
 {
     pParent->m_pChild = this;
 }
 
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(CTexts & texts, std::unique_ptr<CScope> spScope)
+    : CInstanceMonitor(u"CXmlWriterContext"), m_strNamespace(texts.strNamespace), m_strName(texts.strName),
+      m_strWrittenAlias(texts.strWrittenAlias), m_pParent(nullptr), m_pScope(this), m_spScope(std::move(spScope))
+{
+}
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::unique_ptr<CTexts> spTexts, CXmlWriterContext * pParent)
+    : CXmlWriterContext(*spTexts, pParent)
+{
+    m_spTexts = std::move(spTexts);
+}
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::unique_ptr<CTexts> spTexts, std::unique_ptr<CScope> spScope)
+    : CXmlWriterContext(*spTexts, std::move(spScope))
+{
+    m_spTexts = std::move(spTexts);
+}
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(
+    std::u16string const & strName, std::u16string const & strNamespace, CXmlWriterContext * pParent)
+    : CXmlWriterContext(std::unique_ptr<CTexts>(new CTexts{strNamespace, strName, std::u16string()}), pParent)
+{
+}
+
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::u16string const & strName, std::u16string const & strNamespace,
     std::u16string const & strDefaultNamespace, CNamespaceMap const & namespaces, CXmlWriterContext * pParent)
-    : CInstanceMonitor(u"CXmlWriterContext"), m_strNamespace(strNamespace), m_strName(strName), m_pParent(pParent),
-      m_pScope(this), m_spNamespaces(std::make_unique<CNamespaceMap>(namespaces)),
-      m_strDefaultNamespace(strDefaultNamespace)
+    : CXmlWriterContext(std::unique_ptr<CTexts>(new CTexts{strNamespace, strName, std::u16string()}),
+          std::unique_ptr<CScope>(new CScope{strDefaultNamespace, namespaces}))
 {
+    m_pParent = pParent;
     if (pParent != nullptr)
         pParent->m_pChild = this;
 }
@@ -108,18 +132,18 @@ CXmlWriter::CXmlWriterContext * CXmlWriter::CXmlWriterContext::DetachParent() no
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::u16string const & strUri)
 {
     OwnScope(false);
-    m_strDefaultNamespace = strUri;
+    m_spScope->strDefaultNamespace = strUri;
 }
 
 void CXmlWriter::CXmlWriterContext::AddNamespace(std::u16string const & strUri, std::u16string const & strAlias)
 {
     OwnScope(true);
-    (*m_spNamespaces)[strUri] = strAlias;
+    m_spScope->namespaces[strUri] = strAlias;
 }
 
 std::u16string const & CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::u16string const & strNamespace)
 {
-    return (*m_pScope->m_spNamespaces)[strNamespace];
+    return m_pScope->m_spScope->namespaces[strNamespace];
 }
 
 /// Gives the record declarations of its own, which begin as a copy of those that it reads.
@@ -127,10 +151,7 @@ void CXmlWriter::CXmlWriterContext::OwnScope(bool bCopyDefaultNamespace)
 {
     if (!Inherits())
         return;
-    auto spCopy = std::make_unique<CNamespaceMap>(GetNamespaces());
-    if (bCopyDefaultNamespace)
-        m_strDefaultNamespace = GetDefaultNamespace();
-    m_spNamespaces = std::move(spCopy);
+    m_spScope.reset(new CScope{bCopyDefaultNamespace ? GetDefaultNamespace() : std::u16string(), GetNamespaces()});
     CXmlWriterContext const * const pOldScope = m_pScope;
     for (CXmlWriterContext * p = this; p != nullptr && p->m_pScope == pOldScope; p = p->m_pChild)
         p->m_pScope = this;
@@ -213,19 +234,17 @@ CXmlWriter::CXmlWriterContext & CXmlWriter::PushContext(std::u16string const & s
     if (m_nSlotsUsed == m_slots.size())
         m_slots.push_back(std::make_unique<Slot>());
     Slot & slot = *m_slots[m_nSlotsUsed];
-    // Built without its texts, which go into the strings of the storage.
-    std::u16string const strNone;
+    slot.texts.strName.assign(strName);
+    slot.texts.strNamespace.assign(strUri);
+    slot.texts.strWrittenAlias.clear();
     CXmlWriterContext * const pRecord =
-        m_pContext != nullptr ? new (slot.abyRecord) CXmlWriterContext(strNone, strNone, m_pContext)
-                              : new (slot.abyRecord)
-                                    CXmlWriterContext(strNone, strNone, m_strDefaultNamespace, m_mapNamespaces);
+        m_pContext != nullptr ? new (slot.abyRecord) CXmlWriterContext(slot.texts, m_pContext)
+                              : new (slot.abyRecord) CXmlWriterContext(slot.texts,
+                                    std::unique_ptr<CXmlWriterContext::CScope>(
+                                        new CXmlWriterContext::CScope{m_strDefaultNamespace, m_mapNamespaces}));
     pRecord->m_bPooled = true;
     ++m_nSlotsUsed;
     m_pContext = pRecord;
-    pRecord->m_strName = std::move(slot.strName);
-    pRecord->m_strNamespace = std::move(slot.strNamespace);
-    pRecord->m_strName.assign(strName);
-    pRecord->m_strNamespace.assign(strUri);
     return *pRecord;
 }
 
@@ -236,11 +255,7 @@ void CXmlWriter::PopContext() noexcept
     if (!pRecord->Inherits())
         ++m_nScopeGeneration;
     if (pRecord->m_bPooled)
-    {
-        Slot & slot = *m_slots[--m_nSlotsUsed];
-        slot.strName = std::move(pRecord->m_strName);
-        slot.strNamespace = std::move(pRecord->m_strNamespace);
-    }
+        --m_nSlotsUsed;
     CXmlWriterContext::Destroy(pRecord);
 }
 

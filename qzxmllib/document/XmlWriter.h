@@ -50,8 +50,8 @@ public:
         /// Gives the parent, which this record owns no longer.
         CXmlWriterContext * DetachParent() noexcept;
 
-        std::u16string const & GetDefaultNamespace() const noexcept { return m_pScope->m_strDefaultNamespace; }
-        CNamespaceMap const & GetNamespaces() const noexcept { return *m_pScope->m_spNamespaces; }
+        std::u16string const & GetDefaultNamespace() const noexcept { return m_pScope->m_spScope->strDefaultNamespace; }
+        CNamespaceMap const & GetNamespaces() const noexcept { return m_pScope->m_spScope->namespaces; }
         /// Holds for this element and its descendants.
         void SetDefaultNamespace(std::u16string const & strUri);
         void AddNamespace(std::u16string const & strUri, std::u16string const & strAlias);
@@ -61,14 +61,33 @@ public:
         std::uint32_t m_nChildCount = 0; ///< child elements started in this one
         bool m_bStartTagOpen = true;     ///< whether the start tag can still take attributes
         std::int32_t m_nDepth = 0;       ///< 0 for the root
-        std::u16string m_strNamespace;
-        std::u16string m_strName;
-        bool m_bContentFlag = false;      ///< free for the concrete writer
-        std::int32_t m_eArrayState = 0;   ///< see CXmlWriter::SetArrayState
-        std::u16string m_strWrittenAlias; ///< prefix of the start tag, for the end tag; may be empty
+        std::u16string & m_strNamespace;
+        std::u16string & m_strName;
+        bool m_bContentFlag = false;        ///< free for the concrete writer
+        std::int32_t m_eArrayState = 0;     ///< see CXmlWriter::SetArrayState
+        std::u16string & m_strWrittenAlias; ///< prefix of the start tag, for the end tag; may be empty
 
     private:
         friend class CXmlWriter;
+
+        /// What the references above point to. Kept by the writer from record to record, with its capacity.
+        struct CTexts
+        {
+            std::u16string strNamespace;
+            std::u16string strName;
+            std::u16string strWrittenAlias;
+        };
+        /// Declarations of the record's own.
+        struct CScope
+        {
+            std::u16string strDefaultNamespace;
+            CNamespaceMap namespaces;
+        };
+
+        CXmlWriterContext(CTexts & texts, CXmlWriterContext * pParent);
+        CXmlWriterContext(CTexts & texts, std::unique_ptr<CScope> spScope);
+        CXmlWriterContext(std::unique_ptr<CTexts> spTexts, CXmlWriterContext * pParent);
+        CXmlWriterContext(std::unique_ptr<CTexts> spTexts, std::unique_ptr<CScope> spScope);
 
         bool Inherits() const noexcept { return m_pScope != this; }
         void OwnScope(bool bCopyDefaultNamespace);
@@ -78,8 +97,8 @@ public:
         CXmlWriterContext * m_pChild = nullptr;
         /// This record, or the nearest ancestor that has declarations of its own.
         CXmlWriterContext * m_pScope;
-        std::unique_ptr<CNamespaceMap> m_spNamespaces;
-        std::u16string m_strDefaultNamespace;
+        std::unique_ptr<CScope> m_spScope;
+        std::unique_ptr<CTexts> m_spTexts; ///< null while the texts belong to the writer
         /// Lies in storage of the writer, which is not to be freed by delete.
         bool m_bPooled = false;
     };

@@ -1,9 +1,9 @@
 #include "qzxmllib/support/FormatString.h"
 
+#include "qzxmllib/support/FormatStringInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <cstdio>
-#include <locale.h>
 
 namespace QzXmlLib16
 {
@@ -90,13 +90,6 @@ void AppendInteger(std::u16string & strResult, Directive const & directive, Form
         std::u16string_view(pFirst, static_cast<std::size_t>(pEnd - pFirst)), true);
 }
 
-/// The locale in which numbers are printed and read, whatever the process has set. Lives as long as the process.
-locale_t CLocale()
-{
-    static locale_t const s_locale = newlocale(LC_ALL_MASK, "C", nullptr);
-    return s_locale;
-}
-
 void AppendDouble(std::u16string & strResult, Directive const & directive, double dValue)
 {
     int const nPrecision = directive.nPrecision < 0 ? 6 : directive.nPrecision;
@@ -137,6 +130,12 @@ void AppendArg(std::u16string & strResult, Directive const & directive, FormatAr
 }
 
 } // namespace
+
+locale_t CLocale()
+{
+    static locale_t const s_locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return s_locale;
+}
 
 std::u16string FormatStringArgs(char16_t const * format, FormatArg const * pArgs, std::size_t nArgs)
 {

@@ -305,8 +305,12 @@ std::u16string CBinaryData::GetAsBase64() const
 
 void CBinaryData::SetAsBase64(char16_t const * pText)
 {
+    SetAsBase64(std::u16string_view(pText != nullptr ? pText : u""));
+}
+
+void CBinaryData::SetAsBase64(std::u16string_view text)
+{
     Clear();
-    std::u16string_view const text(pText != nullptr ? pText : u"");
     if (text.empty())
         return;
     std::size_t const nRoom = text.size() / 4 * 3 + 3;
@@ -341,9 +345,14 @@ std::u16string CBinaryData::GetAsHexString(unsigned char const * pOctets, std::u
 
 void CBinaryData::SetAsHexString(char16_t const * pText)
 {
+    SetAsHexString(std::u16string_view(pText != nullptr ? pText : u""));
+}
+
+void CBinaryData::SetAsHexString(std::u16string_view text)
+{
     Clear();
     unsigned char * pOctets = nullptr;
-    std::uint32_t const nOctets = ConvertToHexData(pText, &pOctets);
+    std::uint32_t const nOctets = DecodeHex(text, &pOctets);
     std::unique_ptr<unsigned char[]> held(pOctets);
     if (nOctets == 0)
         return;
@@ -369,8 +378,12 @@ unsigned HexDigit(char16_t c)
 
 std::uint32_t CBinaryData::ConvertToHexData(char16_t const * pText, unsigned char ** ppOctets)
 {
+    return DecodeHex(std::u16string_view(pText != nullptr ? pText : u""), ppOctets);
+}
+
+std::uint32_t CBinaryData::DecodeHex(std::u16string_view text, unsigned char ** ppOctets)
+{
     *ppOctets = nullptr;
-    std::u16string_view const text(pText != nullptr ? pText : u"");
     if (text.size() % 2 != 0)
         throw CQzException(u"Invalid length in hex string");
     std::size_t const nOctets = text.size() / 2;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace QzXmlLib16
 {
@@ -57,11 +58,13 @@ public:
     std::u16string GetAsBase64() const;
     /// Padding and white space are skipped wherever they stand. A text with any other character gives an empty value.
     void SetAsBase64(char16_t const * pText);
+    void SetAsBase64(std::u16string_view text);
     /// Two upper-case digits for each octet.
     std::u16string GetAsHexString() const;
     static std::u16string GetAsHexString(unsigned char const * pOctets, std::uint32_t nOctets);
     /// Throws CQzException for an odd length or a character that is no hexadecimal digit; the value is empty then.
     void SetAsHexString(char16_t const * pText);
+    void SetAsHexString(std::u16string_view text);
 
     friend bool operator==(CBinaryData const & a, CBinaryData const & b) noexcept { return a.Equals(b); }
     friend bool operator!=(CBinaryData const & a, CBinaryData const & b) noexcept { return !a.Equals(b); }
@@ -72,6 +75,7 @@ protected:
     static std::uint32_t ConvertToHexData(char16_t const * pText, unsigned char ** ppOctets);
 
 private:
+    static std::uint32_t DecodeHex(std::u16string_view text, unsigned char ** ppOctets);
     bool Equals(CBinaryData const & other) const noexcept;
     void Unshare();
     void AppendWide(char16_t const * pText, std::size_t nUnits);

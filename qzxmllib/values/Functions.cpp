@@ -46,6 +46,8 @@ CPrimitiveRestrictions::CPrimitiveRestrictions(char16_t const * pattern, std::in
 {
 }
 
+void CheckPrimitiveVariant(char16_t const *, QzVariant const &, ItemType, CPrimitiveRestrictions const &) {}
+
 bool IsNamespaceAllowed(
     std::u16string const & strNamespace, std::u16string const & strList, std::u16string const & strTarget)
 {

@@ -13,7 +13,7 @@ class QZXMLLIB_API CWhitespaceUtils
 {
 public:
     /// The numbers are part of the interface: generated code stores them.
-    enum WhitespaceRule
+    enum WhitespaceRule : int
     {
         WhitespaceRule_None = 0,     ///< the text as it is
         WhitespaceRule_Preserve = 1, ///< Preserve

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+/// Octets by which the peak of resident memory grows while a job runs, above what is resident after its preparation.
+/// Both run in child processes of their own, so that nothing else counts and no memory is left over from before.
+/// A child that fails gives -1.
+std::int64_t PeakGrowth(std::function<void()> const & prepare, std::function<void()> const & job);

@@ -1,0 +1,144 @@
+#include "examples/gpx/Summary.h"
+#include "examples/gpx/Survey.h"
+#include "examples/support/Utf8.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+/// Reads GPX files, tells what is in them, and takes each through every form that the library writes and back.
+
+namespace
+{
+
+using namespace QzXmlLib16;
+
+/// One way to write an object as octets.
+struct Form
+{
+    char const * pszName;
+    CBinaryData (*pfnWrite)(Gpx::CGpx const & gpx);
+};
+
+template <CompressionType eCompression>
+CBinaryData WriteXml(Gpx::CGpx const & gpx)
+{
+    return gpx.ToXmlStream(
+        true, true, XmlEncoding_UTF8, EOLType_LF, CSerializationContext::GetDefaultContext(), eCompression);
+}
+
+constexpr Form kForms[] = {
+    {"XML", &WriteXml<CompressionType_None>},
+    {"XML, gzip", &WriteXml<CompressionType_GZip>},
+};
+
+/// The options under which files are read: what GPX has no place for is left out.
+CSerializationContext ReadContext()
+{
+    CSerializationContext ctx;
+    ctx.SetIgnoreUnknownElements(true);
+    return ctx;
+}
+
+template <class F>
+double Milliseconds(F && call)
+{
+    auto const start = std::chrono::steady_clock::now();
+    call();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+void PrintSummary(Gpx::Summary const & summary, Gpx::Survey const & survey)
+{
+    std::printf("  points   %d way points, %d in %d routes, %d in %d tracks of %d segments\n", summary.nWayPoints,
+        summary.nRoutePoints, summary.nRoutes, summary.nTrackPoints, summary.nTracks, summary.nSegments);
+    if (summary.GetPointCount() > 0)
+        std::printf("  bounds   latitude %.6f to %.6f, longitude %.6f to %.6f\n", summary.minLat, summary.maxLat,
+            summary.minLon, summary.maxLon);
+    std::printf("  length   %.3f km of tracks, %.3f km of routes\n", summary.trackKm, summary.routeKm);
+    if (!summary.strFirst.empty())
+        std::printf("  time     %s to %s\n", Narrow(summary.strFirst).c_str(), Narrow(summary.strLast).c_str());
+    if (survey.nExtensions > 0)
+        std::printf("  left out %d extensions elements\n", survey.nExtensions);
+    if (survey.nPoints != summary.GetPointCount())
+        std::printf("  left out %d points that stand where GPX has no place for them\n",
+            survey.nPoints - summary.GetPointCount());
+}
+
+/// Writes the object in one form, reads it back and prints a line of the table. False if the copy differs.
+bool PrintForm(Form const & form, Gpx::CGpx & gpx)
+{
+    CBinaryData data;
+    double const writeMs = Milliseconds([&] { data = form.pfnWrite(gpx); });
+    CSmartPtr<Gpx::CGpx> spCopy(new Gpx::CGpx);
+    double const readMs = Milliseconds([&] { spCopy->FromXmlStream(data, ReadContext()); });
+    bool const bAgrees = Generated::Agree(gpx, *spCopy);
+    double const megabytes = data.GetLength() / 1e6;
+    std::printf("  %-12s %10u %10.2f %8.1f %10.2f %8.1f  %s\n", form.pszName, data.GetLength(), writeMs,
+        megabytes / (writeMs / 1e3), readMs, megabytes / (readMs / 1e3), bAgrees ? "same" : "DIFFERS");
+    return bAgrees;
+}
+
+/// The cause of a failure and the place where it was found, as one line.
+std::string Explain(CQzException const & failure)
+{
+    CQzException const * pCause = &failure;
+    std::u16string strPath = failure.GetPath();
+    while (pCause->GetInnerException() != nullptr)
+    {
+        pCause = pCause->GetInnerException();
+        if (!pCause->GetPath().empty())
+            strPath = pCause->GetPath();
+    }
+    std::string strText = Narrow(pCause->GetMessageW());
+    strText = strText.substr(0, strText.find("\nPath: "));
+    return strPath.empty() ? strText : strText + " Path: " + Narrow(strPath);
+}
+
+bool Process(char const * pszFile)
+{
+    std::u16string const strFile = Widen(pszFile);
+    Gpx::Survey const survey = Gpx::SurveyFile(strFile);
+    CSmartPtr<Gpx::CGpx> spGpx(new Gpx::CGpx);
+    double const ms = Milliseconds([&] { spGpx->FromXmlFile(strFile.c_str(), ReadContext()); });
+
+    std::printf("%s, written by %s, read in %.2f ms\n", pszFile, Narrow(spGpx->m_strCreator).c_str(), ms);
+    PrintSummary(Gpx::Summarize(*spGpx), survey);
+    std::printf(
+        "  %-12s %10s %10s %8s %10s %8s  %s\n", "form", "octets", "write ms", "MB/s", "read ms", "MB/s", "read back");
+    bool bAgrees = true;
+    for (Form const & form : kForms)
+        bAgrees = PrintForm(form, *spGpx) && bAgrees;
+    return bAgrees;
+}
+
+} // namespace
+
+int main(int argc, char ** argv)
+{
+    if (argc < 2 || std::strcmp(argv[1], "--help") == 0)
+    {
+        std::fprintf(argc < 2 ? stderr : stdout,
+            "usage: gpx FILE...\n"
+            "Reads GPX 1.1 files, plain or compressed, tells what is in them, and "
+            "writes and reads them in every form.\n"
+            "Exit: 0 all is well, 1 a file fails or comes back changed, 2 usage.\n");
+        return argc < 2 ? 2 : 0;
+    }
+    int nResult = 0;
+    for (int n = 1; n < argc; ++n)
+    {
+        try
+        {
+            if (!Process(argv[n]))
+                nResult = 1;
+        }
+        catch (CQzException const & failure)
+        {
+            std::fflush(stdout);
+            std::fprintf(stderr, "%s: %s\n", argv[n], Explain(failure).c_str());
+            nResult = 1;
+        }
+    }
+    return nResult;
+}

@@ -1,0 +1,125 @@
+#include "qzxmllib/document/BlockMemoryInternal.h"
+
+#include <cstdint>
+#include <new>
+#include <sys/mman.h>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+constexpr std::size_t kSpareBlocks = 16;
+constexpr std::size_t kLargestSpareBlock = 512 * 1024;
+constexpr std::size_t kMostSpareOctets = 1024 * 1024 + 64 * 1024;
+
+constexpr std::size_t kLargeOctets = 2 * 1024 * 1024; // the size of a large page as well
+constexpr std::uintptr_t kPage = 4096;
+
+/// Outlives the blocks below, as outputs may still be destroyed when the thread has dropped them.
+thread_local bool t_bSparesGone = false;
+
+struct SpareBlocks
+{
+    struct Spare
+    {
+        void * pBlock;
+        std::size_t nOctets;
+    };
+
+    ~SpareBlocks()
+    {
+        t_bSparesGone = true;
+        for (std::size_t nIndex = 0; nIndex < nCount; ++nIndex)
+            ::operator delete(aSpares[nIndex].pBlock);
+    }
+
+    Spare aSpares[kSpareBlocks];
+    std::size_t nCount = 0;
+    std::size_t nOctetsHeld = 0;
+};
+
+thread_local SpareBlocks t_spares;
+
+constexpr std::uintptr_t RoundUp(std::uintptr_t n, std::uintptr_t nUnit)
+{
+    return (n + nUnit - 1) & ~(nUnit - 1);
+}
+
+/// A block straight from the platform, placed so that it can consist of large pages.
+void * MapLargeBlock(std::size_t nOctets)
+{
+    std::size_t const nSize = RoundUp(nOctets, kPage);
+    void * const pMapped =
+        ::mmap(nullptr, nSize + kLargeOctets, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pMapped == MAP_FAILED)
+        throw std::bad_alloc();
+    auto const nMapped = reinterpret_cast<std::uintptr_t>(pMapped);
+    std::uintptr_t const nBlock = RoundUp(nMapped, kLargeOctets);
+    if (nBlock != nMapped)
+        ::munmap(pMapped, nBlock - nMapped);
+    if (std::size_t const nBehind = nMapped + kLargeOctets - nBlock)
+        ::munmap(reinterpret_cast<void *>(nBlock + nSize), nBehind);
+    auto * const pBlock = reinterpret_cast<void *>(nBlock);
+    AdviseLargePages(pBlock, nSize);
+    return pBlock;
+}
+
+} // namespace
+
+void * TakeBlock(std::size_t nOctets)
+{
+    if (nOctets >= kLargeOctets)
+        return MapLargeBlock(nOctets);
+    if (!t_bSparesGone)
+    {
+        SpareBlocks & spares = t_spares;
+        for (std::size_t nIndex = spares.nCount; nIndex-- > 0;)
+        {
+            if (spares.aSpares[nIndex].nOctets != nOctets)
+                continue;
+            void * const pBlock = spares.aSpares[nIndex].pBlock;
+            spares.aSpares[nIndex] = spares.aSpares[--spares.nCount];
+            spares.nOctetsHeld -= nOctets;
+            return pBlock;
+        }
+    }
+    return ::operator new(nOctets);
+}
+
+void GiveBackBlock(void * pBlock, std::size_t nOctets) noexcept
+{
+    if (nOctets >= kLargeOctets)
+    {
+        ::munmap(pBlock, RoundUp(nOctets, kPage));
+        return;
+    }
+    if (!t_bSparesGone && nOctets <= kLargestSpareBlock)
+    {
+        SpareBlocks & spares = t_spares;
+        if (spares.nCount < kSpareBlocks && nOctets <= kMostSpareOctets - spares.nOctetsHeld)
+        {
+            spares.aSpares[spares.nCount++] = {pBlock, nOctets};
+            spares.nOctetsHeld += nOctets;
+            return;
+        }
+    }
+    ::operator delete(pBlock);
+}
+
+void AdviseLargePages(void * p, std::size_t nOctets) noexcept
+{
+#if defined(MADV_HUGEPAGE)
+    if (nOctets < kLargeOctets)
+        return;
+    auto const nFirst = reinterpret_cast<std::uintptr_t>(p) & ~(kPage - 1);
+    auto const nEnd = RoundUp(reinterpret_cast<std::uintptr_t>(p) + nOctets, kPage);
+    static_cast<void>(::madvise(reinterpret_cast<void *>(nFirst), nEnd - nFirst, MADV_HUGEPAGE));
+#else
+    static_cast<void>(p);
+    static_cast<void>(nOctets);
+#endif
+}
+
+} // namespace QzXmlLib16

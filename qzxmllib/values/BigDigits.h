@@ -1,0 +1,85 @@
+#pragma once
+
+#include "qzxmllib/support/Export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace QzXmlLib16
+{
+
+/// Magnitude of a number of any length: the storage and the unsigned arithmetic under CBigInteger. Works on chunks of
+/// nine decimal digits, least significant first, so that text converts digit by digit and a power of ten only moves
+/// digits. Up to 54 digits lie in the object itself. There are never zero chunks at the high end; zero has none.
+class QZXMLLIB_API CBigDigits
+{
+public:
+    static constexpr std::uint32_t kChunkBase = 1000000000;
+    static constexpr unsigned kChunkDigits = 9;
+
+    constexpr CBigDigits() noexcept : m_nSize(0), m_nCapacity(kInline), m_aInline{} {}
+    /// Looks at chunks that outlive the object and does not copy them. For constants only: the object must not change.
+    constexpr CBigDigits(std::uint32_t const * pChunks, std::uint32_t nChunks) noexcept
+        : m_nSize(nChunks), m_nCapacity(kBorrowed), m_pChunks(pChunks)
+    {
+    }
+    explicit CBigDigits(std::uint64_t nValue) noexcept;
+    /// Takes the digits of the text and skips whatever else stands between them.
+    explicit CBigDigits(std::u16string_view text);
+    CBigDigits(CBigDigits const & other);
+    CBigDigits(CBigDigits && other) noexcept;
+    CBigDigits & operator=(CBigDigits const & other);
+    CBigDigits & operator=(CBigDigits && other) noexcept;
+    ~CBigDigits();
+
+    bool IsZero() const noexcept { return m_nSize == 0; }
+    /// The number of decimal digits, 0 for zero.
+    std::size_t CountDigits() const noexcept;
+    /// The number of zero digits at the low end, 0 for zero.
+    std::size_t CountTrailingZeros() const noexcept;
+    /// False, and nValue untouched, if the number does not fit.
+    bool ToUInt64(std::uint64_t & nValue) const noexcept;
+    /// Writes the nDigits lowest digits, padded with zeros in front, to pText. Gives the position behind them.
+    char16_t * Write(char16_t * pText, std::size_t nDigits) const noexcept;
+
+    /// -1, 0 or 1.
+    static int Compare(CBigDigits const & a, CBigDigits const & b) noexcept;
+    static CBigDigits Pow10(std::size_t nExponent);
+    static CBigDigits Multiply(CBigDigits const & a, CBigDigits const & b);
+    /// Leaves the remainder in dividend and gives the quotient. The divisor must not be 0.
+    static CBigDigits Divide(CBigDigits & dividend, CBigDigits const & divisor);
+
+    void Add(CBigDigits const & other);
+    /// The other must not be greater.
+    void Subtract(CBigDigits const & other);
+    /// Takes this number from the other, which must not be less.
+    void SubtractFrom(CBigDigits const & other);
+    void MultiplyPow10(std::size_t nExponent);
+    /// Cuts the nExponent lowest digits off and gives them.
+    CBigDigits CutPow10(std::size_t nExponent);
+
+private:
+    static constexpr std::uint32_t kInline = 6;
+    static constexpr std::uint32_t kBorrowed = 0;
+
+    std::uint32_t const * Chunks() const noexcept { return m_nCapacity == kInline ? m_aInline : m_pChunks; }
+    std::uint32_t * Chunks() noexcept;
+    void Reserve(std::size_t nChunks);
+    void Take(CBigDigits & other) noexcept;
+    void Free() noexcept;
+    void Trim() noexcept;
+    void MultiplySmall(std::uint32_t nFactor);
+    std::uint32_t DivideSmall(std::uint32_t nDivisor) noexcept;
+
+    std::uint32_t m_nSize;
+    std::uint32_t m_nCapacity; // kInline, kBorrowed, or the size of the array that is owned
+    union
+    {
+        std::uint32_t m_aInline[kInline];
+        std::uint32_t const * m_pChunks;
+    };
+};
+
+} // namespace QzXmlLib16

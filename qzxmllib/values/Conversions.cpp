@@ -1,0 +1,678 @@
+#include "qzxmllib/values/Conversions.h"
+
+#include "qzxmllib/support/FormatStringInternal.h"
+#include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/BigInteger.h"
+#include "qzxmllib/values/BinaryData.h"
+#include "qzxmllib/values/ConversionsInternal.h"
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/Decimal.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <initializer_list>
+#include <iterator>
+#include <limits>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+[[noreturn]] void ThrowNoNumber(std::u16string_view text, char16_t const * pszKind)
+{
+    throw CQzInvalidValueException(FormatString(u"The value [%s] can not be converted to a %s", text, pszKind));
+}
+
+[[noreturn]] void ThrowTooLarge(std::u16string_view text, char16_t const * pszKind)
+{
+    throw CQzInvalidValueException(FormatString(u"The value [%s] is to large to fit in a %s", text, pszKind));
+}
+
+/// The white space that the C library skips in front of a number, in its "C" locale.
+bool IsNumberSpace(char16_t c)
+{
+    return c == u' ' || (c >= 9 && c <= 13);
+}
+
+bool IsDigit(char16_t c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+/// Digits at the start of a text.
+struct Digits
+{
+    std::uint64_t nValue = 0;
+    std::size_t nUnits = 0;
+    bool bOverflow = false;
+};
+
+Digits ReadDigits(std::u16string_view text)
+{
+    static constexpr std::uint64_t kMax = std::numeric_limits<std::uint64_t>::max();
+    Digits digits;
+    for (; digits.nUnits < text.size() && IsDigit(text[digits.nUnits]); ++digits.nUnits)
+    {
+        std::uint64_t const nDigit = static_cast<std::uint64_t>(text[digits.nUnits] - u'0');
+        if (digits.nValue >= kMax / 10 && (digits.nValue > kMax / 10 || nDigit > kMax % 10))
+            digits.bOverflow = true;
+        digits.nValue = digits.nValue * 10 + nDigit;
+    }
+    return digits;
+}
+
+/// A whole number as strtol and strtoul of the width of T take it: white space and a sign may stand in front, a minus
+/// before an unsigned number wraps, and a number out of range is told before a rest behind it.
+template <class T>
+T ParseInteger(std::u16string_view given, CConversions::WhitespaceRule eRule, char16_t const * pszKind)
+{
+    std::u16string strScratch;
+    std::u16string_view const text = CWhitespaceUtils::ApplyRule(eRule, given, strScratch);
+    std::size_t nPos = 0;
+    while (nPos < text.size() && IsNumberSpace(text[nPos]))
+        ++nPos;
+    bool const bMinus = nPos < text.size() && text[nPos] == u'-';
+    if (bMinus || (nPos < text.size() && text[nPos] == u'+'))
+        ++nPos;
+    Digits const digits = ReadDigits(text.substr(nPos));
+    if (digits.nUnits == 0)
+        ThrowNoNumber(text, pszKind);
+    std::uint64_t const nLargest = static_cast<std::uint64_t>(std::numeric_limits<T>::max());
+    if (digits.bOverflow || digits.nValue > nLargest + (std::is_signed_v<T> && bMinus ? 1 : 0))
+        ThrowTooLarge(text, pszKind);
+    if (nPos + digits.nUnits != text.size())
+        ThrowNoNumber(text, pszKind);
+    return static_cast<T>(bMinus ? 0 - digits.nValue : digits.nValue);
+}
+
+/// The 8-bit and 16-bit integers go through the 32-bit one and quote the text as handed in.
+template <class T, class Wide>
+T Narrow(Wide nWide, std::u16string_view given, char16_t const * pszKind)
+{
+    if (nWide < std::numeric_limits<T>::min() || nWide > std::numeric_limits<T>::max())
+        ThrowTooLarge(given, pszKind);
+    return static_cast<T>(nWide);
+}
+
+/// The text as a double, as strtod takes it. False if it is not a number to its end.
+bool ReadDouble(std::u16string_view text, double & dValue)
+{
+    static constexpr std::size_t kRoom = 64;
+    char aRoom[kRoom];
+    std::string strLong;
+    char * pFirst = aRoom;
+    if (text.size() >= kRoom)
+    {
+        strLong.resize(text.size());
+        pFirst = strLong.data();
+    }
+    for (std::size_t i = 0; i < text.size(); ++i)
+    {
+        if (text[i] > 127)
+            return false;
+        pFirst[i] = static_cast<char>(text[i]);
+    }
+    char * const pLast = pFirst + text.size();
+    if (text.size() < kRoom)
+        *pLast = 0;
+    // from_chars leaves these forms to strtod: blanks and a plus in front, hexadecimal, and what it finds out of range.
+    if (IsDigit(text[0]) || text[0] == u'-' || text[0] == u'.')
+    {
+        auto const result = std::from_chars(pFirst, pLast, dValue);
+        if (result.ec == std::errc() && result.ptr == pLast)
+            return true;
+    }
+    char * pEnd = nullptr;
+    dValue = strtod_l(pFirst, &pEnd, CLocale());
+    return pEnd == pLast;
+}
+
+double ParseDouble(std::u16string_view given, CConversions::WhitespaceRule eRule, char16_t const * pszKind)
+{
+    // "INF" and "-INF" are among the forms that ReadDouble knows.
+    static constexpr std::u16string_view kNoNumbers[] = {u"NaN", u"1.#QNAN", u"-NAN"};
+    std::u16string strScratch;
+    std::u16string_view const text = CWhitespaceUtils::ApplyRule(eRule, given, strScratch);
+    double dValue = 0;
+    bool const bNumber = !text.empty() && ReadDouble(text, dValue);
+    if (bNumber && !std::isnan(dValue))
+        return dValue;
+    if (std::find(std::begin(kNoNumbers), std::end(kNoNumbers), text) != std::end(kNoNumbers))
+        return std::numeric_limits<double>::quiet_NaN();
+    if (!bNumber)
+        ThrowNoNumber(text, pszKind);
+    return dValue;
+}
+
+void Widen(char const * pFirst, char const * pLast, std::u16string & strOut)
+{
+    strOut.resize(static_cast<std::size_t>(pLast - pFirst));
+    std::copy(pFirst, pLast, strOut.begin());
+}
+
+/// Where the one conversion of a caller's format for a double lies, and the text around it.
+struct DoubleFormat
+{
+    std::u16string strBefore;
+    std::string strDirective;
+    std::u16string strAfter;
+};
+
+/// Passes the units that stand in the set and keeps them for the directive.
+void TakeAll(std::u16string_view format, std::size_t & nPos, std::u16string_view set, std::string & strDirective)
+{
+    for (; nPos < format.size() && set.find(format[nPos]) != std::u16string_view::npos; ++nPos)
+        strDirective.push_back(static_cast<char>(format[nPos]));
+}
+
+DoubleFormat SplitDoubleFormat(std::u16string_view format)
+{
+    static constexpr std::u16string_view kDigits = u"0123456789";
+    DoubleFormat parts;
+    for (std::size_t nPos = 0; nPos < format.size();)
+    {
+        std::u16string & strText = parts.strDirective.empty() ? parts.strBefore : parts.strAfter;
+        if (format[nPos] != u'%' || format.substr(nPos, 2) == u"%%")
+        {
+            strText.push_back(format[nPos]);
+            nPos += format[nPos] == u'%' ? 2 : 1;
+            continue;
+        }
+        bool bValid = parts.strDirective.empty();
+        parts.strDirective.push_back('%');
+        TakeAll(format, ++nPos, u"-+ #0", parts.strDirective);
+        TakeAll(format, nPos, kDigits, parts.strDirective);
+        if (nPos < format.size() && format[nPos] == u'.')
+        {
+            parts.strDirective.push_back('.');
+            TakeAll(format, ++nPos, kDigits, parts.strDirective);
+        }
+        bValid = bValid && nPos < format.size() && std::u16string_view(u"eEfFgGaA").find(format[nPos]) < 8;
+        if (!bValid)
+            throw CQzException(FormatString(u"Invalid format [%s] for a floating point number.", format));
+        parts.strDirective.push_back(static_cast<char>(format[nPos++]));
+    }
+    if (parts.strDirective.empty())
+        throw CQzException(FormatString(u"Invalid format [%s] for a floating point number.", format));
+    return parts;
+}
+
+void PrintFormatted(double dValue, std::u16string_view format, std::u16string & strOut)
+{
+    DoubleFormat const parts = SplitDoubleFormat(format);
+    locale_t const previous = uselocale(CLocale());
+    // The directive was put together above: one conversion of a double.
+    int const nUnits = std::snprintf(nullptr, 0, parts.strDirective.c_str(), dValue);
+    std::string strNumber(nUnits < 0 ? 0 : static_cast<std::size_t>(nUnits) + 1, '\0');
+    if (nUnits >= 0)
+        std::snprintf(strNumber.data(), strNumber.size(), parts.strDirective.c_str(), dValue);
+    uselocale(previous);
+    if (nUnits < 0)
+        throw CQzException(FormatString(u"Invalid format [%s] for a floating point number.", format));
+    strNumber.pop_back();
+    strOut = parts.strBefore;
+    strOut.append(strNumber.begin(), strNumber.end());
+    strOut.append(parts.strAfter);
+}
+
+void PrintDouble(double dValue, std::u16string_view format, int nDigits, std::u16string & strOut)
+{
+    if (std::isnan(dValue))
+    {
+        strOut = u"NaN";
+    }
+    else if (std::isinf(dValue))
+    {
+        strOut = dValue < 0 ? u"-INF" : u"INF";
+    }
+    else if (!format.empty())
+    {
+        PrintFormatted(dValue, format, strOut);
+    }
+    else
+    {
+        // Gives what printf gives for %.7g and %.16g.
+        char aText[64];
+        auto const result = std::to_chars(aText, aText + sizeof(aText), dValue, std::chars_format::general, nDigits);
+        Widen(aText, result.ptr, strOut);
+    }
+}
+
+/// A number below 100 in two digits behind hyphens.
+void PrintTwoDigits(std::u16string_view hyphens, std::uint8_t nValue, std::u16string & strOut)
+{
+    strOut = hyphens;
+    if (nValue >= 100)
+        strOut.push_back(static_cast<char16_t>(u'0' + nValue / 100));
+    strOut.push_back(static_cast<char16_t>(u'0' + nValue / 10 % 10));
+    strOut.push_back(static_cast<char16_t>(u'0' + nValue % 10));
+}
+
+/// Compares without regard to the case of ASCII letters. The second text is in lower case.
+bool EqualsLower(std::u16string_view text, std::u16string_view lower)
+{
+    return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
+        [](char16_t a, char16_t b) { return (a >= u'A' && a <= u'Z' ? a + 32 : a) == b; });
+}
+
+/// The whole number at the start of a format, as atoi takes it: 0 without one, and the nearest int beyond the range.
+int ReadPlaces(std::u16string_view format)
+{
+    while (!format.empty() && IsNumberSpace(format[0]))
+        format.remove_prefix(1);
+    bool const bMinus = !format.empty() && format[0] == u'-';
+    if (bMinus || (!format.empty() && format[0] == u'+'))
+        format.remove_prefix(1);
+    Digits const digits = ReadDigits(format);
+    std::uint64_t const nLargest = static_cast<std::uint64_t>(std::numeric_limits<int>::max());
+    int const nPlaces = static_cast<int>(digits.bOverflow ? nLargest : std::min(digits.nValue, nLargest));
+    return bMinus ? -nPlaces : nPlaces;
+}
+
+/// A date of a kind; pfnParse is the operation of CDateTime that reads its text.
+CDateTime ParseDate(std::u16string_view given, CConversions::WhitespaceRule eRule, CDateTime::DTType eType,
+    void (CDateTime::*pfnParse)(std::u16string_view) = &CDateTime::ParseXSDDate)
+{
+    std::u16string strScratch;
+    CDateTime value(eType);
+    (value.*pfnParse)(CWhitespaceUtils::ApplyRule(eRule, given, strScratch));
+    return value;
+}
+
+template <class Value>
+std::u16string Printed(void (*pfnPrint)(Value const &, std::u16string_view, std::u16string &), Value value,
+    std::u16string_view format = {})
+{
+    std::u16string strText;
+    pfnPrint(value, format, strText);
+    return strText;
+}
+
+} // namespace
+
+void PrintDigits(std::uint64_t nMagnitude, bool bMinus, std::u16string & strOut)
+{
+    char aText[24];
+    aText[0] = '-';
+    auto const result = std::to_chars(aText + 1, aText + sizeof(aText), nMagnitude);
+    Widen(bMinus ? aText : aText + 1, result.ptr, strOut);
+}
+
+void PrintR4(float const & fValue, std::u16string_view format, std::u16string & strOut)
+{
+    PrintDouble(static_cast<double>(fValue), format, 7, strOut);
+}
+
+void PrintR8(double const & dValue, std::u16string_view format, std::u16string & strOut)
+{
+    PrintDouble(dValue, format, 16, strOut);
+}
+
+void PrintMonth(std::uint8_t const & nValue, std::u16string_view, std::u16string & strOut)
+{
+    PrintTwoDigits(u"--", nValue, strOut);
+}
+
+void PrintDay(std::uint8_t const & nValue, std::u16string_view, std::u16string & strOut)
+{
+    PrintTwoDigits(u"---", nValue, strOut);
+}
+
+void PrintChar(char16_t const & cValue, std::u16string_view, std::u16string & strOut)
+{
+    strOut.assign(1, cValue);
+}
+
+void PrintString(std::u16string const & strValue, std::u16string_view, std::u16string & strOut)
+{
+    strOut = strValue;
+}
+
+void PrintBoolean(bool const & bValue, std::u16string_view, std::u16string & strOut)
+{
+    strOut = bValue ? u"true" : u"false";
+}
+
+void PrintDecimal(CDecimal const & value, std::u16string_view format, std::u16string & strOut)
+{
+    strOut = format.empty() ? value.ToString() : value.ToString(ReadPlaces(format));
+}
+
+std::u16string CConversions::hexBinaryToString(CBinaryData const & value)
+{
+    return value.GetAsHexString();
+}
+
+std::u16string CConversions::base64BinaryToString(CBinaryData const & value)
+{
+    return value.GetAsBase64();
+}
+
+std::u16string CConversions::i1ToString(std::int8_t nValue)
+{
+    return Printed(PrintInteger<std::int8_t>, nValue);
+}
+
+std::u16string CConversions::i2ToString(std::int16_t nValue)
+{
+    return Printed(PrintInteger<std::int16_t>, nValue);
+}
+
+std::u16string CConversions::i4ToString(std::int32_t nValue)
+{
+    return Printed(PrintInteger<std::int32_t>, nValue);
+}
+
+std::u16string CConversions::i8ToString(std::int64_t nValue)
+{
+    return Printed(PrintInteger<std::int64_t>, nValue);
+}
+
+std::u16string CConversions::ui1ToString(std::uint8_t nValue)
+{
+    return Printed(PrintInteger<std::uint8_t>, nValue);
+}
+
+std::u16string CConversions::ui2ToString(std::uint16_t nValue)
+{
+    return Printed(PrintInteger<std::uint16_t>, nValue);
+}
+
+std::u16string CConversions::ui4ToString(std::uint32_t nValue)
+{
+    return Printed(PrintInteger<std::uint32_t>, nValue);
+}
+
+std::u16string CConversions::ui8ToString(std::uint64_t nValue)
+{
+    return Printed(PrintInteger<std::uint64_t>, nValue);
+}
+
+std::u16string CConversions::r4ToString(float fValue)
+{
+    return Printed(PrintR4, fValue);
+}
+
+std::u16string CConversions::r4ToString(float fValue, std::u16string_view format)
+{
+    return Printed(PrintR4, fValue, format);
+}
+
+std::u16string CConversions::r8ToString(double dValue)
+{
+    return Printed(PrintR8, dValue);
+}
+
+std::u16string CConversions::r8ToString(double dValue, std::u16string_view format)
+{
+    return Printed(PrintR8, dValue, format);
+}
+
+std::u16string CConversions::durationToString(CDateTimeSpan const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::yearMonthToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::monthDayToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::yearToString(std::uint16_t nValue)
+{
+    return Printed(PrintInteger<std::uint16_t>, nValue);
+}
+
+std::u16string CConversions::monthToString(std::uint8_t nValue)
+{
+    return Printed(PrintMonth, nValue);
+}
+
+std::u16string CConversions::dayToString(std::uint8_t nValue)
+{
+    return Printed(PrintDay, nValue);
+}
+
+std::u16string CConversions::dateToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::datetimeToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::timeToString(CDateTime const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::charToString(char16_t cValue)
+{
+    return std::u16string(1, cValue);
+}
+
+std::u16string CConversions::stringToString(std::u16string_view text)
+{
+    return std::u16string(text);
+}
+
+std::u16string CConversions::booleanToString(bool bValue)
+{
+    return Printed(PrintBoolean, bValue);
+}
+
+std::u16string CConversions::decimalToString(CDecimal const & value)
+{
+    return value.ToString();
+}
+
+std::u16string CConversions::decimalToString(CDecimal const & value, std::u16string_view format)
+{
+    return Printed(PrintDecimal, value, format);
+}
+
+std::u16string CConversions::integerToString(CBigInteger const & value)
+{
+    return value.ToString();
+}
+
+CBinaryData CConversions::hexBinaryFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    CBinaryData value;
+    value.SetAsHexString(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+    return value;
+}
+
+CBinaryData CConversions::base64BinaryFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    CBinaryData value;
+    value.SetAsBase64(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+    return value;
+}
+
+std::int8_t CConversions::i1FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return Narrow<std::int8_t>(i4FromString(text, eRule), text, u"i1");
+}
+
+std::int16_t CConversions::i2FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return Narrow<std::int16_t>(i4FromString(text, eRule), text, u"i2");
+}
+
+std::int32_t CConversions::i4FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseInteger<std::int32_t>(text, eRule, u"i4");
+}
+
+std::int64_t CConversions::i8FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseInteger<std::int64_t>(text, eRule, u"i8");
+}
+
+std::uint8_t CConversions::ui1FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return Narrow<std::uint8_t>(ui4FromString(text, eRule), text, u"ui1");
+}
+
+std::uint16_t CConversions::ui2FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return Narrow<std::uint16_t>(ui4FromString(text, eRule), text, u"ui2");
+}
+
+std::uint32_t CConversions::ui4FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseInteger<std::uint32_t>(text, eRule, u"ui4");
+}
+
+std::uint64_t CConversions::ui8FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseInteger<std::uint64_t>(text, eRule, u"ui8");
+}
+
+float CConversions::r4FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return static_cast<float>(ParseDouble(text, eRule, u"r4"));
+}
+
+double CConversions::r8FromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDouble(text, eRule, u"r8");
+}
+
+CDateTimeSpan CConversions::durationFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    CDateTimeSpan value;
+    value.ParseXSDDuration(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+    return value;
+}
+
+CDateTime CConversions::yearMonthFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gYearMonth);
+}
+
+CDateTime CConversions::monthDayFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gMonthDay);
+}
+
+std::uint16_t CConversions::yearFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return static_cast<std::uint16_t>(ParseDate(text, eRule, CDateTime::dt_gYear).GetYear());
+}
+
+std::uint8_t CConversions::monthFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gMonth).GetMonth();
+}
+
+std::uint8_t CConversions::dayFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_gDay).GetDay();
+}
+
+CDateTime CConversions::dateFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_date);
+}
+
+CDateTime CConversions::datetimeFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_dateTime, &CDateTime::ParseXSDDateTime);
+}
+
+CDateTime CConversions::timeFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return ParseDate(text, eRule, CDateTime::dt_time, &CDateTime::ParseXSDTime);
+}
+
+char16_t CConversions::charFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    std::u16string_view const changed = CWhitespaceUtils::ApplyRule(eRule, text, strScratch);
+    if (changed.size() != 1)
+        throw CQzInvalidValueException(FormatString(
+            u"The value [%s] can not be a char as it is either empty of greater than 1 char long", changed));
+    return changed[0];
+}
+
+std::u16string CConversions::stringFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    return CWhitespaceUtils::ApplyRule(eRule, text);
+}
+
+bool CConversions::booleanFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    std::u16string_view const changed = CWhitespaceUtils::ApplyRule(eRule, text, strScratch);
+    if (EqualsLower(changed, u"true") || changed == u"1")
+        return true;
+    if (EqualsLower(changed, u"false") || changed == u"0")
+        return false;
+    throw CQzInvalidValueException(FormatString(u"A Boolean Value read from an XML document was invalid [%s]. Valid "
+                                                u"values are 'true', 'false', '1', or '0'",
+        text));
+}
+
+CDecimal CConversions::decimalFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    return CDecimal(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+}
+
+CBigInteger CConversions::integerFromString(std::u16string_view text, WhitespaceRule eRule)
+{
+    std::u16string strScratch;
+    return CBigInteger(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
+}
+
+std::u16string FormatZeroPadded(std::uint32_t nValue, int nWidth)
+{
+    std::u16string strText;
+    PrintDigits(nValue, false, strText);
+    std::size_t const nUnits = static_cast<std::size_t>(std::clamp(nWidth, 0, 255));
+    if (strText.size() < nUnits)
+        strText.insert(0, nUnits - strText.size(), u'0');
+    return strText;
+}
+
+std::u16string TrimTrailingZeros(std::u16string strText)
+{
+    while (strText.size() > 1 && strText.back() == u'0')
+        strText.pop_back();
+    return strText;
+}
+
+std::u16string FormatFractionOfSecond(std::uint32_t nMilli, std::uint32_t nMicro, std::uint32_t nNano)
+{
+    char16_t aText[] = u".000000000";
+    char16_t * pLast = aText;
+    for (std::uint32_t const nField : {nMilli, nMicro, nNano})
+    {
+        *++pLast = static_cast<char16_t>(u'0' + nField / 100);
+        *++pLast = static_cast<char16_t>(u'0' + nField / 10 % 10);
+        *++pLast = static_cast<char16_t>(u'0' + nField % 10);
+    }
+    while (*pLast == u'0')
+        --pLast;
+    return pLast == aText ? std::u16string() : std::u16string(aText, pLast + 1);
+}
+
+} // namespace QzXmlLib16

@@ -1,0 +1,113 @@
+#pragma once
+
+#include "qzxmllib/support/Export.h"
+#include "qzxmllib/values/BigInteger.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace QzXmlLib16
+{
+
+/// Exact decimal number of any length: the value of the XML Schema type decimal. Held as an integer part and the digits
+/// behind the point. What is parsed, multiplied or divided keeps at most GetMaxDecimalPlaces() places; the rest is
+/// rounded off, an exact half towards zero.
+class QZXMLLIB_API CDecimal
+{
+public:
+    CDecimal() noexcept = default;
+    CDecimal(int nValue) noexcept : m_integerPart(nValue) {}
+    CDecimal(unsigned nValue) noexcept : m_integerPart(nValue) {}
+    CDecimal(long nValue) noexcept : m_integerPart(nValue) {}
+    CDecimal(unsigned long nValue) noexcept : m_integerPart(nValue) {}
+    CDecimal(long long nValue) noexcept : m_integerPart(nValue) {}
+    CDecimal(unsigned long long nValue) noexcept : m_integerPart(nValue) {}
+    CDecimal(CBigInteger const & value) : m_integerPart(value) {}
+    /// Keeps thirteen decimal places. Throws CQzInvalidValueException for infinity and NaN.
+    CDecimal(double dValue);
+    /// Reads digits with an optional point and an optional exponent behind "e" or "E". Signs and white space may stand
+    /// anywhere among the digits of the integer part; the last sign counts. Any missing part is 0, so an empty text is
+    /// 0, and null counts as empty. Throws CQzInvalidValueException for any other character, and if an exponent makes
+    /// an integer part of more than 10000 digits.
+    CDecimal(char16_t const * pText);
+    explicit CDecimal(std::u16string_view text);
+    CDecimal(CDecimal const & other) = default;
+    CDecimal(CDecimal && other) noexcept = default;
+    CDecimal & operator=(CDecimal const & other) = default;
+    CDecimal & operator=(CDecimal && other) noexcept = default;
+    virtual ~CDecimal();
+
+    /// Part before the point, with the sign of the value.
+    CBigInteger GetIntegerPart() const { return m_integerPart; }
+    /// Digits behind the point, read as a whole number with the sign of the value.
+    CBigInteger GetFractionPart() const { return m_fractionPart; }
+    /// The number of decimal places that the fraction part stands for: 1.05 holds 1, 5 and 2.
+    int GetFractionDivider() const noexcept { return m_nFractionDivider; }
+    /// The limit of decimal places is one for the process, 30 at the start. It is not guarded: set it before other
+    /// threads use decimals. A negative limit counts as 0.
+    static int GetMaxDecimalPlaces() noexcept;
+    static void SetMaxDecimalPlaces(int nPlaces) noexcept;
+
+    void Negate() noexcept;
+    CDecimal GetNegative() const;
+
+    CDecimal operator+(CDecimal const & other) const;
+    CDecimal operator-(CDecimal const & other) const;
+    CDecimal operator*(CDecimal const & other) const;
+    /// A divisor of 0 throws CQzInvalidValueException.
+    CDecimal operator/(CDecimal const & other) const;
+    CDecimal & operator+=(CDecimal const & other);
+    CDecimal & operator-=(CDecimal const & other);
+    CDecimal & operator*=(CDecimal const & other);
+    CDecimal & operator/=(CDecimal const & other);
+    CDecimal & operator++();
+    CDecimal operator++(int);
+    CDecimal & operator--();
+    CDecimal operator--(int);
+
+    bool operator==(CDecimal const & other) const { return CompareTo(other) == 0; }
+    bool operator!=(CDecimal const & other) const { return CompareTo(other) != 0; }
+    bool operator<(CDecimal const & other) const { return CompareTo(other) < 0; }
+    bool operator>(CDecimal const & other) const { return CompareTo(other) > 0; }
+    bool operator<=(CDecimal const & other) const { return CompareTo(other) <= 0; }
+    bool operator>=(CDecimal const & other) const { return CompareTo(other) >= 0; }
+
+    /// All digits, and no point if the fraction is 0. Zeros at the end of the fraction are shown only where rounding to
+    /// the limit of places has left them.
+    std::u16string ToString() const;
+    /// Rounds half away from zero and always has a point. May be shorter than asked if the rounded fraction ends in
+    /// zeros: 1.995 to 2 places is "2.0". A negative number of places counts as 0.
+    std::u16string ToString(int nPlaces) const;
+    /// Rounds to the nearest integer, an exact half towards zero. Throws CQzOverFlowException outside 32 bits.
+    long ToLong() const;
+    /// Rounds to one decimal place, then cuts the fraction off. Throws CQzOverFlowException outside 64 bits.
+    long long ToLongLong() const;
+    /// Throws CQzOverFlowException if the integer part lies outside -1.7E+308 to 1.7E+308.
+    double ToDouble() const;
+    /// Rounds to the nearest integer, an exact half towards zero.
+    CBigInteger ToBigInteger() const;
+
+private:
+    CDecimal(CBigInteger integerPart, CBigInteger fractionPart, int nFractionDivider) noexcept;
+
+    static CDecimal FromScaled(std::int32_t nSign, CBigDigits digits, int nPlaces);
+    static void Normalize(CDecimal & a, CDecimal & b);
+    void Parse(std::u16string_view text);
+    void ApplyExponent(bool bMinus, std::int64_t nExponent, std::u16string_view text);
+    void Rationalise();
+    void LimitPlaces();
+    void ChangeFractionalDivider(int nPlaces);
+    void Carry();
+    CBigDigits GetScaled(int nPlaces) const;
+    bool IsNegative() const noexcept;
+    int CompareTo(CDecimal const & other) const;
+
+    CBigInteger m_integerPart;
+    CBigInteger m_fractionPart;
+    std::int32_t m_nFractionDivider = 1;
+
+    static std::int32_t m_nMaxDivider;
+};
+
+} // namespace QzXmlLib16

@@ -1,0 +1,303 @@
+#include "qzxmllib/values/QzVariant.h"
+
+#include "qzxmllib/binding/XmlCollectionBase.h"
+#include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/BigInteger.h"
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/Decimal.h"
+#include "qzxmllib/values/ItemTraitsInternal.h"
+#include "qzxmllib/values/QzVariantInternal.h"
+
+#include <cstring>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+template <class Value>
+constexpr bool kIsInline = std::is_arithmetic_v<Value>;
+
+template <class Value>
+constexpr bool kIsPlain = std::is_same_v<Value, std::u16string> || std::is_same_v<Value, CBinaryData>;
+
+template <class Value>
+std::uint64_t ToBits(Value value) noexcept
+{
+    std::uint64_t nBits = 0;
+    static_assert(sizeof(value) <= sizeof(nBits), "an inline value has at most 64 bits");
+    std::memcpy(&nBits, &value, sizeof(value));
+    return nBits;
+}
+
+template <class Value>
+Value FromBits(std::uint64_t nBits) noexcept
+{
+    Value value;
+    std::memcpy(&value, &nBits, sizeof(value));
+    return value;
+}
+
+} // namespace
+
+QzVariant::QzVariant() noexcept = default;
+
+QzVariant::QzVariant(QzVariant const & other) : m_isNil(other.m_isNil), m_type(other.m_type)
+{
+    if (!m_isNil)
+        m_value = other.m_value;
+}
+
+QzVariant::QzVariant(QzVariant && other) noexcept : QzVariant()
+{
+    *this = std::move(other);
+}
+
+QzVariant & QzVariant::operator=(QzVariant const & other)
+{
+    if (this != &other)
+        *this = QzVariant(other);
+    return *this;
+}
+
+QzVariant & QzVariant::operator=(QzVariant && other) noexcept
+{
+    if (this == &other)
+        return *this;
+    if (other.m_isNil)
+        m_value = std::monostate();
+    else
+        m_value = std::move(other.m_value);
+    m_type = other.m_type;
+    m_isNil = other.m_isNil;
+    other.m_value = std::monostate();
+    other.m_type = ItemType_Invalid;
+    other.m_isNil = false;
+    return *this;
+}
+
+QzVariant::~QzVariant() = default;
+
+void QzVariant::Clear()
+{
+    if (m_type == ItemType_Invalid)
+        return;
+    m_isNil = false;
+    m_type = ItemType_Invalid;
+    m_value = std::monostate();
+}
+
+void QzVariant::SetInvalid()
+{
+    Clear();
+}
+
+void QzVariant::SetNil()
+{
+    ItemType const eType = m_type;
+    Clear();
+    m_type = eType;
+    m_isNil = true;
+}
+
+void QzVariant::CheckType(ItemType eType) const
+{
+    if (m_type != eType)
+        throw CQzException(FormatString(u"Invalid Type %d", m_type));
+}
+
+std::u16string QzVariant::GetType() const
+{
+    std::u16string strName;
+    if (!VisitItemType(m_type, [&](auto tag) { strName = ItemTraits<tag.value>::pszName; }))
+        throw CQzException(FormatString(u"Invalid Type %d", m_type));
+    return strName;
+}
+
+/// Stores a value over what is held. What can throw comes first; the nil mark of a variant without a kind stays, as
+/// Clear leaves it.
+template <ItemType eType, class Value>
+void QzVariant::Set(Value && value)
+{
+    using Held = std::decay_t<Value>;
+    if constexpr (kIsInline<Held>)
+        m_value = Inline{ToBits(value)};
+    else if constexpr (kIsPlain<Held>)
+        m_value = Held(std::forward<Value>(value));
+    else
+        m_value = COwned<Held>(std::forward<Value>(value));
+    if (m_type != ItemType_Invalid)
+        m_isNil = false;
+    m_type = eType;
+}
+
+template <ItemType eType>
+auto QzVariant::Get() const
+{
+    using Value = typename ItemTraits<eType>::Value;
+    CheckType(eType);
+    if constexpr (kIsInline<Value>)
+    {
+        Inline const * const pHeld = std::get_if<Inline>(&m_value);
+        return pHeld != nullptr && !m_isNil ? FromBits<Value>(pHeld->nBits) : Value();
+    }
+    else if constexpr (kIsPlain<Value>)
+    {
+        Value const * const pHeld = std::get_if<Value>(&m_value);
+        return pHeld != nullptr && !m_isNil ? *pHeld : Value();
+    }
+    else
+    {
+        COwned<Value> const * const pHeld = std::get_if<COwned<Value>>(&m_value);
+        return pHeld != nullptr && !m_isNil ? pHeld->Get() : Value();
+    }
+}
+
+// clang-format off
+void QzVariant::SetHexBinary(CBinaryData const & value) { Set<ItemType_hexBinary>(value); }
+void QzVariant::SetBase64Binary(CBinaryData const & value) { Set<ItemType_base64Binary>(value); }
+void QzVariant::SetI1(std::int8_t nValue) { Set<ItemType_i1>(nValue); }
+void QzVariant::SetI2(std::int16_t nValue) { Set<ItemType_i2>(nValue); }
+void QzVariant::SetI4(std::int32_t nValue) { Set<ItemType_i4>(nValue); }
+void QzVariant::SetI8(std::int64_t nValue) { Set<ItemType_i8>(nValue); }
+void QzVariant::SetUI1(std::uint8_t nValue) { Set<ItemType_ui1>(nValue); }
+void QzVariant::SetUI2(std::uint16_t nValue) { Set<ItemType_ui2>(nValue); }
+void QzVariant::SetUI4(std::uint32_t nValue) { Set<ItemType_ui4>(nValue); }
+void QzVariant::SetUI8(std::uint64_t nValue) { Set<ItemType_ui8>(nValue); }
+void QzVariant::SetR4(float fValue) { Set<ItemType_r4>(fValue); }
+void QzVariant::SetR8(double dValue) { Set<ItemType_r8>(dValue); }
+void QzVariant::SetDuration(CDateTimeSpan const & value) { Set<ItemType_duration>(value); }
+void QzVariant::SetYearMonth(CDateTime const & value) { Set<ItemType_yearMonth>(value); }
+void QzVariant::SetMonthDay(CDateTime const & value) { Set<ItemType_monthDay>(value); }
+void QzVariant::SetYear(std::uint16_t nValue) { Set<ItemType_year>(nValue); }
+void QzVariant::SetMonth(std::uint8_t nValue) { Set<ItemType_month>(nValue); }
+void QzVariant::SetDay(std::uint8_t nValue) { Set<ItemType_day>(nValue); }
+void QzVariant::SetDate(CDateTime const & value) { Set<ItemType_date>(value); }
+void QzVariant::SetDateTime(CDateTime const & value) { Set<ItemType_datetime>(value); }
+void QzVariant::SetTime(CDateTime const & value) { Set<ItemType_time>(value); }
+void QzVariant::SetChar(char16_t cValue) { Set<ItemType_char>(cValue); }
+void QzVariant::SetString(std::u16string strValue) { Set<ItemType_string>(std::move(strValue)); }
+void QzVariant::SetBoolean(bool bValue) { Set<ItemType_boolean>(bValue); }
+void QzVariant::SetDecimal(CDecimal const & value) { Set<ItemType_decimal>(value); }
+void QzVariant::SetInteger(CBigInteger const & value) { Set<ItemType_integer>(value); }
+
+CBinaryData QzVariant::GetHexBinary() const { return Get<ItemType_hexBinary>(); }
+CBinaryData QzVariant::GetBase64Binary() const { return Get<ItemType_base64Binary>(); }
+std::int8_t QzVariant::GetI1() const { return Get<ItemType_i1>(); }
+std::int16_t QzVariant::GetI2() const { return Get<ItemType_i2>(); }
+std::int32_t QzVariant::GetI4() const { return Get<ItemType_i4>(); }
+std::int64_t QzVariant::GetI8() const { return Get<ItemType_i8>(); }
+std::uint8_t QzVariant::GetUI1() const { return Get<ItemType_ui1>(); }
+std::uint16_t QzVariant::GetUI2() const { return Get<ItemType_ui2>(); }
+std::uint32_t QzVariant::GetUI4() const { return Get<ItemType_ui4>(); }
+std::uint64_t QzVariant::GetUI8() const { return Get<ItemType_ui8>(); }
+float QzVariant::GetR4() const { return Get<ItemType_r4>(); }
+double QzVariant::GetR8() const { return Get<ItemType_r8>(); }
+CDateTimeSpan QzVariant::GetDuration() const { return Get<ItemType_duration>(); }
+CDateTime QzVariant::GetYearMonth() const { return Get<ItemType_yearMonth>(); }
+CDateTime QzVariant::GetMonthDay() const { return Get<ItemType_monthDay>(); }
+std::uint16_t QzVariant::GetYear() const { return Get<ItemType_year>(); }
+std::uint8_t QzVariant::GetMonth() const { return Get<ItemType_month>(); }
+std::uint8_t QzVariant::GetDay() const { return Get<ItemType_day>(); }
+CDateTime QzVariant::GetDate() const { return Get<ItemType_date>(); }
+CDateTime QzVariant::GetDateTime() const { return Get<ItemType_datetime>(); }
+CDateTime QzVariant::GetTime() const { return Get<ItemType_time>(); }
+char16_t QzVariant::GetChar() const { return Get<ItemType_char>(); }
+std::u16string QzVariant::GetString() const & { return Get<ItemType_string>(); }
+bool QzVariant::GetBoolean() const { return Get<ItemType_boolean>(); }
+CDecimal QzVariant::GetDecimal() const { return Get<ItemType_decimal>(); }
+CBigInteger QzVariant::GetInteger() const { return Get<ItemType_integer>(); }
+// clang-format on
+
+std::u16string QzVariant::GetString() &&
+{
+    CheckType(ItemType_string);
+    std::u16string * const pHeld = std::get_if<std::u16string>(&m_value);
+    return pHeld != nullptr && !m_isNil ? std::move(*pHeld) : std::u16string();
+}
+
+void QzVariant::SetXmlObject(CXmlObjectBase * pValue)
+{
+    m_value = CSmartPtr<CXmlObjectBase>(pValue);
+    if (m_type != ItemType_Invalid)
+        m_isNil = false;
+    m_type = ItemType_XmlObjectBase;
+}
+
+void QzVariant::SetXmlCollection(CXmlCollectionBase * pValue)
+{
+    SetXmlObject(pValue);
+    m_type = ItemType_XmlCollection;
+}
+
+CSmartPtr<CXmlObjectBase> QzVariant::GetXmlObject() const
+{
+    if (m_type != ItemType_XmlCollection)
+        CheckType(ItemType_XmlObjectBase);
+    auto const * const pHeld = std::get_if<CSmartPtr<CXmlObjectBase>>(&m_value);
+    return pHeld != nullptr && !m_isNil ? *pHeld : CSmartPtr<CXmlObjectBase>();
+}
+
+CSmartPtr<CXmlCollectionBase> QzVariant::GetXmlCollection() const
+{
+    CheckType(ItemType_XmlCollection);
+    // Only SetXmlCollection gives this kind, so the object is a collection.
+    return static_cast<CXmlCollectionBase *>(GetXmlObject().Get());
+}
+
+std::u16string_view CVariantText::View(QzVariant const & value, char16_t const * pszFormat, std::u16string & strScratch)
+{
+    if (value.m_type == ItemType_string && !value.m_isNil)
+        return *std::get_if<std::u16string>(&value.m_value);
+    std::u16string_view const format(pszFormat != nullptr ? pszFormat : u"");
+    auto const print = [&](auto tag)
+    {
+        using Traits = ItemTraits<tag.value>;
+        using Value = typename Traits::Value;
+        if constexpr (kIsInline<Value>)
+            Traits::ToText(FromBits<Value>(std::get<QzVariant::Inline>(value.m_value).nBits), format, strScratch);
+        else if constexpr (kIsPlain<Value>)
+            Traits::ToText(std::get<Value>(value.m_value), format, strScratch);
+        else
+            Traits::ToText(std::get<COwned<Value>>(value.m_value).Get(), format, strScratch);
+    };
+    if (value.m_isNil || !VisitItemType(value.m_type, print))
+        throw CQzException(FormatString(u"Invalid Type %d to convert to string", value.m_type));
+    return strScratch;
+}
+
+void CVariantText::Assign(
+    QzVariant & value, std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule)
+{
+    if (eType == ItemType_string)
+    {
+        std::u16string strScratch;
+        std::u16string_view const changed = CWhitespaceUtils::ApplyRule(eRule, text, strScratch);
+        if (changed.data() == strScratch.data())
+            value.Set<ItemType_string>(std::move(strScratch));
+        else
+            value.Set<ItemType_string>(std::u16string(changed));
+        return;
+    }
+    auto const assign = [&](auto tag) { value.Set<tag.value>(ItemTraits<tag.value>::FromText(text, eRule)); };
+    if (!VisitItemType(eType, assign))
+        throw CQzException(FormatString(u"Invalid Type %d to convert to string", eType));
+}
+
+std::u16string QzVariant::ToString(char16_t const * pszFormat) const
+{
+    std::u16string strScratch;
+    std::u16string_view const text = CVariantText::View(*this, pszFormat, strScratch);
+    if (text.data() != strScratch.data())
+        strScratch.assign(text);
+    return strScratch;
+}
+
+void QzVariant::FromString(std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule)
+{
+    CVariantText::Assign(*this, text, eType, eRule);
+}
+
+} // namespace QzXmlLib16

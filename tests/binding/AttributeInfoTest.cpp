@@ -1,0 +1,131 @@
+#include "tests/support/TableClass.h"
+#include "tests/support/TestText.h"
+
+#include <gtest/gtest.h>
+
+using namespace QzXmlLib16;
+using namespace QzXmlLib16Data;
+
+namespace
+{
+
+char16_t const * SizeText(int nValue)
+{
+    return nValue == 1 ? u"small" : u"large";
+}
+
+int SizeNumber(char16_t const * pText)
+{
+    return std::u16string_view(pText) == u"small" ? 1 : 2;
+}
+
+/// p: optional number with default 5; e: optional enumeration with default small; f: mandatory enumeration.
+void AddTables(CTableSchema & schema)
+{
+    schema.Attribute<CAttributeInfoPrimitive>(
+        u"p", true, ItemType_i4, u"", CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), u"5");
+    schema.Attribute<CAttributeInfoEnum>(u"e", true, SizeText, SizeNumber, u"small");
+    schema.Attribute<CAttributeInfoEnum>(u"f", false, SizeText, SizeNumber, u"small");
+}
+
+struct Case
+{
+    char const * pszName;
+    char const * pszDocument;
+    bool bLeaveDefaults;
+    bool bIgnoreNamespaces;
+    char const * pszExpected;
+};
+
+Case const kCases[] = {
+    {"AllThere", "<r p=' 7 ' e='large' f='large'/>", false, false, "<r p=\"7\" e=\"large\" f=\"large\"/>"},
+    {"OptionalAbsent", "<r f='large'/>", false, false, "<r f=\"large\"/>"},
+    {"DefaultsWritten", "<r p='5' e='small' f='small'/>", false, false, "<r p=\"5\" e=\"small\" f=\"small\"/>"},
+    {"DefaultsLeftOut", "<r p='5' e='small' f='small'/>", true, false, "<r f=\"small\"/>"},
+    {"MandatoryAbsent", "<r/>", false, false, "Failed to process the element.\nPath: /r"},
+    {"ForeignNamespace", "<r xmlns:x='urn:x' x:e='large' f='large'/>", false, false,
+        "Unexpected Attribute found.\nPath: /r/x:@e"},
+    {"ForeignEnumIgnored", "<r xmlns:x='urn:x' x:e='large' f='large'/>", false, true, "<r e=\"large\" f=\"large\"/>"},
+    // A primitive compares its namespace all the same.
+    {"ForeignPrimitive", "<r xmlns:x='urn:x' x:p='7' f='large'/>", false, true,
+        "Unexpected Attribute found.\nPath: /r/x:@p"},
+    {"LastOfTwoWins", "<r xmlns:x='urn:x' f='small' x:f='large'/>", false, true, "<r f=\"large\"/>"},
+};
+
+class AttributeTest : public testing::TestWithParam<Case>
+{
+};
+
+TEST_P(AttributeTest, ReadsAndWrites)
+{
+    CTableSchema schema;
+    AddTables(schema);
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    CSerializationContext ctx;
+    ctx.SetNoOptionalAttributeDefaultOutput(GetParam().bLeaveDefaults);
+    ctx.SetIgnoreNamespaces(GetParam().bIgnoreNamespaces);
+    std::string strResult;
+    try
+    {
+        spObject->FromXml(GetParam().pszDocument, ctx);
+        strResult = Utf8(spObject->ToXml(false, false, EOLType_LF, ctx));
+    }
+    catch (CQzException const & e)
+    {
+        strResult = Utf8(e.GetMessageW());
+    }
+    EXPECT_EQ(strResult, GetParam().pszExpected);
+}
+
+std::string CaseName(testing::TestParamInfo<Case> const & info)
+{
+    return info.param.pszName;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, AttributeTest, testing::ValuesIn(kCases), CaseName);
+
+TEST(AttributeInfoTest, NilIsNoValue)
+{
+    CTableSchema schema;
+    AddTables(schema);
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    (*spObject)[0].SetNil();
+    (*spObject)[1].SetNil();
+    (*spObject)[2].SetI4(2);
+    EXPECT_EQ(Utf8(spObject->ToXml(false, false)), "<r f=\"large\"/>");
+    (*spObject)[2].SetNil();
+    try
+    {
+        spObject->ToXml();
+        ADD_FAILURE();
+    }
+    catch (CQzException const & e)
+    {
+        CQzException const * const pCause = e.GetInnerException()->GetInnerException();
+        EXPECT_NE(dynamic_cast<CQzInvalidParamException const *>(pCause), nullptr);
+        EXPECT_EQ(Utf8(pCause->GetMessageW()), "The Property [f] is mandatory, it may not be NULL");
+    }
+}
+
+TEST(AttributeInfoTest, PropertyFailures)
+{
+    CTableSchema schema;
+    AddTables(schema);
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    spObject->m_hook = [](int, bool) { throw CQzException(u"refused"); };
+    ExpectThrows<CQzException>(
+        [&] { spObject->FromXml("<r p='7' f='small'/>"); }, u"Failed to set the property value [7].", u"/r/@p");
+    try
+    {
+        spObject->ToXml();
+        ADD_FAILURE();
+    }
+    catch (CQzException const & e)
+    {
+        EXPECT_EQ(Utf8(e.GetFullMessage()),
+            "Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nFailed to get the property "
+            "value for [p].\nrefused");
+    }
+}
+
+} // namespace

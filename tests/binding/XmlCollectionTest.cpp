@@ -1,0 +1,164 @@
+#include "tests/support/TableClass.h"
+#include "tests/support/TestText.h"
+
+#include <gtest/gtest.h>
+
+using namespace QzXmlLib16;
+
+namespace
+{
+
+/// Writes down what it hears: "add", "added", "remove", "removed", "change", with the index of a removal.
+class CListener : public IEventSink
+{
+public:
+    void OnEvent(CXmlObjectBase * pMsgSource, MsgType msgType, void * pData) override
+    {
+        static char const * const kNames[] = {"change", "add", "added", "remove", "removed"};
+        m_strLog += kNames[msgType];
+        if ((msgType == MsgType_CollectionRemove || msgType == MsgType_CollectionRemoveComplete) && pData != nullptr)
+            m_strLog += std::to_string(*static_cast<int *>(pData));
+        m_strLog += ' ';
+        m_pSource = pMsgSource;
+        if (m_bRefuse)
+            throw CQzException(u"refused");
+        if (m_action)
+            m_action();
+    }
+
+    std::string m_strLog;
+    CXmlObjectBase * m_pSource = nullptr;
+    bool m_bRefuse = false;
+    std::function<void()> m_action;
+};
+
+class XmlCollectionTest : public testing::Test
+{
+protected:
+    std::string Order() const
+    {
+        std::string strOrder;
+        for (int i = 0; i < m_spCol->GetCount(); ++i)
+            strOrder += Utf8(static_cast<CTableClass *>(m_spCol->GetNodeAtIndex(i)->m_spItem.Get())->GetElementName());
+        return strOrder;
+    }
+    CTableClass * New(char16_t const * name) { return new CTableClass(m_schema, name); }
+
+    CTableSchema m_schema;
+    CSmartPtr<CTableCol> m_spCol{new CTableCol(m_schema, u"c", 2, 3)};
+};
+
+TEST_F(XmlCollectionTest, EveryPlaceToAdd)
+{
+    CTableClass * const pB = New(u"b");
+    m_spCol->AppendItem(pB);
+    m_spCol->PrependItem(New(u"a"));
+    m_spCol->AddAfterItem(pB, New(u"d"));
+    m_spCol->AddBeforeItem(pB, New(u"x"));
+    m_spCol->AddItemAt(4, New(u"e"));
+    m_spCol->AddItemAt(3, New(u"c"));
+    m_spCol->AddAfterItem(nullptr, New(u"0"));
+    m_spCol->AddBeforeItem(nullptr, New(u"9"));
+    EXPECT_EQ(Order(), "0axbcde9");
+    m_spCol->Remove(2);
+    m_spCol->Remove(6);
+    m_spCol->Remove(0);
+    EXPECT_EQ(Order(), "abcde");
+    ExpectThrows<CQzInvalidParamException>([&] { m_spCol->Remove(5); }, u"Index 5 is out of range, use 0 - 4");
+    CSmartPtr<CTableClass> const spLate(New(u"z"));
+    ExpectThrows<CQzInvalidParamException>([&] { m_spCol->AddItemAt(6, spLate); }, u"Index out of range");
+    ExpectThrows<CQzInvalidParamException>(
+        [&] { m_spCol->AddAfterItem(spLate, New(u"y")); }, u"The object was not found in the collection");
+    EXPECT_EQ(Order(), "abcde");
+    m_spCol->Clear();
+    ExpectThrows<CQzInvalidParamException>([&] { m_spCol->Remove(0); }, u"Index 0 is out of range, use 0 - -1");
+}
+
+TEST_F(XmlCollectionTest, LimitsAreTestedOnDemand)
+{
+    CSerializationContext ctx;
+    m_spCol->Add();
+    ExpectThrows<CQzValidationException>(
+        [&] { m_spCol->ValidateCount(ctx); }, u"The Minimum number of [c] elements allowed in this collection is 2");
+    m_spCol->Add();
+    m_spCol->ValidateCount(ctx);
+    m_spCol->Add();
+    m_spCol->Add();
+    ExpectThrows<CQzValidationException>(
+        [&] { m_spCol->ValidateCount(ctx); }, u"The Maximum number of [c] elements allowed in this collection is 3");
+    EXPECT_FALSE(m_spCol->IsValidCount(ctx));
+    ctx.SetIgnoreInvalidCollectionCounts(true);
+    m_spCol->ValidateCount(ctx);
+    EXPECT_TRUE(m_spCol->IsValidCount(ctx));
+}
+
+TEST_F(XmlCollectionTest, EventsComeInOrder)
+{
+    CListener listener;
+    m_spCol->AddEventListener(&listener);
+    m_spCol->Add();
+    EXPECT_EQ(listener.m_strLog, "add added change ");
+    EXPECT_EQ(listener.m_pSource, m_spCol.Get());
+    m_spCol->Add();
+    m_spCol->Add();
+    listener.m_strLog.clear();
+    m_spCol->Clear();
+    EXPECT_EQ(listener.m_strLog, "remove removed change remove removed change remove removed change ");
+    m_spCol->Add();
+    listener.m_bRefuse = true;
+    EXPECT_THROW(m_spCol->Add(), CQzException);
+    EXPECT_THROW(m_spCol->Remove(0), CQzException);
+    EXPECT_EQ(m_spCol->GetCount(), 1);
+    listener.m_bRefuse = false;
+    listener.m_strLog.clear();
+    m_spCol->AddEventListener(&listener);
+    m_spCol->Remove(0);
+    EXPECT_EQ(listener.m_strLog, "remove remove removed removed change change ");
+    m_spCol->RemoveEventListener(&listener);
+    m_spCol->Add();
+    EXPECT_EQ(listener.m_strLog, "remove remove removed removed change change ");
+}
+
+TEST_F(XmlCollectionTest, ListenersMayLeaveDuringAnEvent)
+{
+    CListener first;
+    CListener second;
+    m_spCol->AddEventListener(&first);
+    m_spCol->AddEventListener(&second);
+    first.m_action = [&]
+    {
+        m_spCol->RemoveEventListener(&first);
+        m_spCol->RemoveEventListener(&second);
+    };
+    m_spCol->Add();
+    EXPECT_EQ(first.m_strLog, "add ");
+    EXPECT_EQ(second.m_strLog, "");
+}
+
+TEST_F(XmlCollectionTest, LastReleaseFiresWithTheSourceAlive)
+{
+    CListener listener;
+    m_spCol->AddEventListener(&listener);
+    m_spCol->Add();
+    // Taking and dropping a count of the source inside the event must not destroy it a second time.
+    listener.m_action = [&] { CSmartPtr<CXmlObjectBase> const spHeld(listener.m_pSource); };
+    m_spCol = nullptr;
+    EXPECT_EQ(listener.m_strLog, "add added change remove removed change ");
+}
+
+TEST_F(XmlCollectionTest, ItemsOutliveTheCollection)
+{
+    CSmartPtr<CTableClass> const spItem(New(u"a"));
+    m_spCol->AppendItem(spItem);
+    m_spCol = nullptr;
+    EXPECT_EQ(spItem->AddRef(), 2);
+    EXPECT_EQ(spItem->Release(), 1);
+}
+
+TEST_F(XmlCollectionTest, HasNoTargetNamespace)
+{
+    ExpectThrows<CQzException>([&] { m_spCol->ToXml(); },
+        u"CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic error)");
+}
+
+} // namespace

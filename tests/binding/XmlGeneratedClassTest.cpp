@@ -1,0 +1,213 @@
+#include "tests/support/TableClass.h"
+#include "tests/support/TestText.h"
+
+#include <gtest/gtest.h>
+
+using namespace QzXmlLib16;
+using namespace QzXmlLib16Data;
+
+namespace
+{
+
+CPrimitiveRestrictions const kNoFacets;
+constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
+
+/// An optional string attribute "id" (property 0) and an optional number "n" (property 1).
+void AddSmallTables(CTableSchema & schema)
+{
+    schema.Attribute<CAttributeInfoPrimitive>(u"id", true, ItemType_string, u"", kNone, kNoFacets, u"");
+    schema.Element<CElementInfoSeqPrimOpt>(u"n", false, ItemType_i4, u"", kCollapse, kNoFacets, u"");
+}
+
+std::string Xml(CXmlObjectBase const & object, CSerializationContext const & ctx = CSerializationContext())
+{
+    return Utf8(object.ToXml(false, false, EOLType_LF, ctx));
+}
+
+/// The whole chain of messages of what the call throws.
+template <class F>
+std::string FullMessage(F && call)
+{
+    try
+    {
+        call();
+    }
+    catch (CQzException const & e)
+    {
+        return std::string(typeid(e) == typeid(CQzException)             ? "plain: "
+                           : typeid(e) == typeid(CQzValidationException) ? "validation: "
+                                                                         : "other: ") +
+               Utf8(e.GetFullMessage());
+    }
+    return "nothing thrown";
+}
+
+CParentElementInfo Info(XmlElementGroupType eGroup, XmlElementType eType, char16_t const * name, bool hasBaseClasses,
+    int textIndex = -1, ItemType eText = ItemType_Invalid, bool asText = false)
+{
+    return CParentElementInfo(eGroup, eType, name, u"urn:t", true, hasBaseClasses, textIndex, eText, u"", asText);
+}
+
+TEST(XmlGeneratedClassTest, RootIsWrittenInItsOrder)
+{
+    CTableSchema pseudo(XmlElementGroupType_Sequence, XmlElementType_Pseudo, false);
+    pseudo.Attribute<CAttributeInfoPrimitive>(u"q", true, ItemType_string, u"", kNone, kNoFacets, u"");
+    static CTableSchema * s_pPseudo;
+    s_pPseudo = &pseudo;
+    CTableSchema schema(Info(XmlElementGroupType_Sequence, XmlElementType_Element, u"baseType", true));
+    AddSmallTables(schema);
+    schema.Element<CElementInfoSeqClsMnd>(
+        u"g", XmlElementType_Pseudo, [](int, char16_t const *) { return CSmartPtr<CXmlObjectBase>(); }, 0, false);
+    schema.OnInit(
+        [](CTableClass & object)
+        {
+            auto * const pChild = new CTableClass(*s_pPseudo, u"");
+            (*pChild)[0].SetString(u"second");
+            object[2].SetXmlObject(pChild);
+        });
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    (*spObject)[0].SetString(u"first");
+    (*spObject)[1].SetI4(7);
+    CSerializationContext ctx;
+    ctx.GetProcessingInstructions().push_back(u"<?one?>");
+    ctx.GetNamespaceAliases().Add(u"t", u"urn:t");
+    ctx.SetDefaultNamespaceURI(u"urn:d");
+    ctx.SetInLineSchema(u"schema='x'");
+    EXPECT_EQ(Xml(*spObject, ctx),
+        "<?one?>\n\n<r xmlns=\"urn:d\" xmlns:t=\"urn:t\" "
+        "xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"t:baseType\" id=\"first\" q=\"second\" "
+        "\nschema='x'\n><n>7</n></r>");
+    ctx = CSerializationContext();
+    ctx.SetWriteTypeAttribute(false);
+    EXPECT_EQ(Xml(*spObject, ctx), "<r id=\"first\" q=\"second\"><n>7</n></r>");
+    CSmartPtr<CTableClass> const spNamed(new CTableClass(schema, u"baseType"));
+    EXPECT_EQ(Xml(*spNamed), "<baseType q=\"second\"/>") << "a tag that equals the class name needs no xsi:type";
+}
+
+TEST(XmlGeneratedClassTest, NilObject)
+{
+    CTableSchema schema;
+    AddSmallTables(schema);
+    schema.Element<CElementInfoSeqPrimMnd>(u"m", false, ItemType_i4, u"", kCollapse, kNoFacets, u"");
+    CSmartPtr<CNillableTableClass> const spObject(new CNillableTableClass(schema));
+    char const * const pszNil =
+        "<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil='TRUE' id='1'><what/></x>";
+    spObject->FromXml(pszNil);
+    EXPECT_TRUE(spObject->IsNil());
+    EXPECT_EQ(Xml(*spObject), "<x id=\"1\" xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>");
+    spObject->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil='0'><m>1</m></x>");
+    EXPECT_EQ(Xml(*spObject), "<x><m>1</m></x>");
+
+    CSmartPtr<CTableClass> const spPlain(new CTableClass(schema));
+    EXPECT_EQ(
+        FullMessage([&] { spPlain->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil='0'/>"); }),
+        "plain: Invalid use of 'nil' attribute in non-nillable element.\nPath: /x");
+    EXPECT_EQ(FullMessage([&]
+                  { spObject->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil=' true '/>"); }),
+        "plain: Unexpected Value [ true ] for 'nil' Attribute found.\nPath: /x/i:@nil");
+}
+
+TEST(XmlGeneratedClassTest, TextProperty)
+{
+    CTableSchema number(Info(XmlElementGroupType_Sequence, XmlElementType_Element, u"r", false, 0, ItemType_i4));
+    number.TextProperty();
+    CSmartPtr<CTableClass> const spNumber(new CTableClass(number));
+    spNumber->FromXml("<r>42</r>");
+    EXPECT_EQ((*spNumber)[0].GetI4(), 42);
+    EXPECT_EQ(Xml(*spNumber), "<r>42</r>");
+    (*spNumber)[0].SetNil();
+    EXPECT_EQ(Xml(*spNumber), "<r xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>");
+    EXPECT_EQ(FullMessage([&] { spNumber->FromXml("<r>42 </r>"); }),
+        "validation: Failed to process the element.\nPath: /r\nThe value [42 ] can not be converted to a i4")
+        << "no white space rule applies";
+    (*spNumber)[0].SetInvalid();
+    EXPECT_EQ(FullMessage([&] { spNumber->ToXml(); }),
+        "validation: Failed to convert the element [r] to XML\nInvalid Type 0 to convert to string");
+
+    CTableSchema text(Info(XmlElementGroupType_Sequence, XmlElementType_Element, u"r", false, 0, ItemType_i4, true));
+    text.TextProperty();
+    CSmartPtr<CTableClass> const spText(new CTableClass(text));
+    spText->FromXml("<r> x </r>");
+    EXPECT_EQ(Utf8((*spText)[0].GetString()), " x ");
+}
+
+TEST(XmlGeneratedClassTest, UnknownGroupType)
+{
+    CTableSchema schema(Info(static_cast<XmlElementGroupType>(3), XmlElementType_Element, u"r", false));
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    EXPECT_EQ(FullMessage([&] { spObject->FromXml("<r/>"); }),
+        "validation: Failed to process the element.\nPath: /r\nUnknown Group Type");
+    EXPECT_EQ(FullMessage([&] { spObject->ToXml(); }),
+        "validation: Failed to convert the element [r] to XML\nUnknown XML Group Type");
+}
+
+TEST(XmlGeneratedClassTest, Attributes)
+{
+    CTableSchema schema;
+    schema.Attribute<CAttributeInfoPrimitive>(u"m", false, ItemType_i4, u"", kNone, kNoFacets, u"");
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    EXPECT_EQ(FullMessage([&] { spObject->FromXml("<r/>"); }),
+        "validation: Failed to process the element.\nPath: /r\nFailed to find the required Attribute [m].");
+    EXPECT_EQ(
+        FullMessage([&] { spObject->FromXml("<r m='1' x='2'/>"); }), "plain: Unexpected Attribute found.\nPath: /r/@x");
+    CSerializationContext ctx;
+    ctx.SetIgnoreUnknownAttributes(true);
+    spObject->FromXml("<r x='2' m='1' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='t'/>", ctx);
+    EXPECT_EQ(Xml(*spObject), "<r m=\"1\"/>");
+    (*spObject)[0].SetInvalid();
+    EXPECT_EQ(FullMessage([&] { spObject->ToXml(); }),
+        "validation: Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nInvalid Type 0 to "
+        "convert to string");
+}
+
+TEST(XmlGeneratedClassTest, DeepObjectsAreReadAndWritten)
+{
+#if !defined(__OPTIMIZE__) || defined(__SANITIZE_ADDRESS__)
+    constexpr int kLevels = 500;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+    constexpr int kLevels = 500;
+#else
+    constexpr int kLevels = 9999;
+#endif
+#else
+    constexpr int kLevels = 9999;
+#endif
+    static CTableSchema s_schema;
+    if (s_schema.m_nProperties == 0)
+        s_schema.Element<CElementInfoSeqClsOpt>(
+            u"r", XmlElementType_Element,
+            [](int, char16_t const *) { return CSmartPtr<CXmlObjectBase>(new CTableClass(s_schema)); }, 0);
+    std::string strXml;
+    for (int i = 0; i < kLevels; ++i)
+        strXml += "<r>";
+    strXml += "<r/>";
+    for (int i = 0; i < kLevels; ++i)
+        strXml += "</r>";
+    CSmartPtr<CTableClass> const spObject(new CTableClass(s_schema));
+    spObject->FromXml(strXml.c_str());
+    EXPECT_EQ(Xml(*spObject), strXml);
+    if (kLevels == 9999)
+        ExpectThrows<CQzException>([&] { spObject->FromXml(("<r>" + strXml + "</r>").c_str()); },
+            u"Elements are nested deeper than 10000 levels at line 1");
+}
+
+TEST(XmlGeneratedClassTest, CleanMetaData)
+{
+    CParentElementInfo * pParent =
+        new CParentElementInfo(Info(XmlElementGroupType_Sequence, XmlElementType_Element, u"r", false));
+    CElementInfo ** ppElements = new CElementInfo * [2] { new CElementInfoSeqCol(u"c", u"", 0), nullptr };
+    CAttributeInfo ** ppAttributes = new CAttributeInfo * [1] { nullptr };
+    struct Access : CTableClass
+    {
+        using CXmlGeneratedClass::CleanMetaData;
+    };
+    Access::CleanMetaData(pParent, ppElements, ppAttributes);
+    EXPECT_EQ(pParent, nullptr);
+    EXPECT_EQ(ppElements, nullptr);
+    EXPECT_EQ(ppAttributes, nullptr);
+    Access::CleanMetaData(pParent, ppElements, ppAttributes);
+}
+
+} // namespace

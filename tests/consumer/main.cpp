@@ -1,0 +1,22 @@
+#include "Person.h" // one class of a schema, see tests/consumer/Person.h
+
+int main()
+{
+    using namespace QzXmlLib16;
+
+    CSmartPtr<CPerson> spAda(new CPerson);
+    spAda->m_nId = 7;
+    spAda->m_strName = u"Ada";
+    std::u16string const strXml = spAda->ToXml(); // <?xml version="1.0"?><person id="7" xmlns=...
+
+    CSmartPtr<CPerson> spCopy(new CPerson);
+    try
+    {
+        spCopy->FromXml(strXml.c_str()); // also FromXmlFile, FromXmlStream
+    }
+    catch (CQzException const &) // tells what is wrong and the XPath of the node
+    {
+        return 1;
+    }
+    return spCopy->m_nId == 7 && spCopy->m_strName == u"Ada" ? 0 : 1;
+}

@@ -1,0 +1,235 @@
+#include "qzxmllib/values/QzVariant.h"
+
+#include "qzxmllib/binding/XmlCollectionBase.h"
+#include "qzxmllib/values/BigInteger.h"
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/Decimal.h"
+#include "tests/support/TestText.h"
+
+using namespace QzXmlLib16;
+
+namespace
+{
+
+constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
+
+TEST(QzVariantTest, StartsWithoutAKind)
+{
+    QzVariant const value;
+    EXPECT_FALSE(value.IsValid());
+    EXPECT_FALSE(value.IsNil());
+    EXPECT_EQ(value.GetTypeAsEnum(), ItemType_Invalid);
+    ExpectThrows<CQzException>([&] { value.GetType(); }, u"Invalid Type 0");
+    ExpectThrows<CQzException>([&] { value.ToString(); }, u"Invalid Type 0 to convert to string");
+}
+
+TEST(QzVariantTest, NilKeepsTheKindAndDropsTheValue)
+{
+    QzVariant value;
+    value.SetI4(5);
+    value.SetNil();
+    EXPECT_TRUE(value.IsNil() && value.IsValid());
+    EXPECT_EQ(value.GetTypeAsEnum(), ItemType_i4);
+    EXPECT_EQ(value.GetI4(), 0);
+    ExpectThrows<CQzException>([&] { value.ToString(); }, u"Invalid Type 5 to convert to string");
+    value.SetI4(6);
+    EXPECT_FALSE(value.IsNil());
+    EXPECT_EQ(value.GetI4(), 6);
+}
+
+TEST(QzVariantTest, NilWithoutAKindOutlivesClear)
+{
+    QzVariant value;
+    value.SetNil();
+    value.Clear();
+    EXPECT_TRUE(value.IsNil() && value.IsValid());
+    value.SetI4(1);
+    EXPECT_TRUE(value.IsNil());
+    EXPECT_EQ(value.GetI4(), 0);
+    value.SetString(u"a");
+    EXPECT_FALSE(value.IsNil());
+    EXPECT_EQ(Utf8(value.GetString()), "a");
+}
+
+TEST(QzVariantTest, EveryKindHasANameItsOwnNilAndNoOtherGetter)
+{
+    static constexpr struct
+    {
+        ItemType eType;
+        char const * pszName;
+        char16_t const * pszText;
+    } kKinds[] = {
+        {ItemType_hexBinary, "hexBinary", u"0A"},
+        {ItemType_base64Binary, "base64Binary", u"QQ=="},
+        {ItemType_i1, "i1", u"-1"},
+        {ItemType_i2, "i2", u"-2"},
+        {ItemType_i4, "i4", u"-4"},
+        {ItemType_i8, "i8", u"-8"},
+        {ItemType_ui1, "ui1", u"1"},
+        {ItemType_ui2, "ui2", u"2"},
+        {ItemType_ui4, "ui4", u"4"},
+        {ItemType_ui8, "ui8", u"8"},
+        {ItemType_r4, "r4", u"1.5"},
+        {ItemType_r8, "r8", u"2.5"},
+        {ItemType_duration, "duration", u"P1D"},
+        {ItemType_yearMonth, "yearMonth", u"2001-05"},
+        {ItemType_monthDay, "monthDay", u"--05-31"},
+        {ItemType_year, "year", u"2001"},
+        {ItemType_month, "month", u"--05"},
+        {ItemType_day, "day", u"---31"},
+        {ItemType_date, "date", u"2001-05-31"},
+        {ItemType_datetime, "datetime", u"2001-05-31T01:02:03"},
+        {ItemType_time, "time", u"01:02:03"},
+        {ItemType_char, "char", u"c"},
+        {ItemType_string, "string", u"some text that is longer than a short one"},
+        {ItemType_boolean, "boolean", u"true"},
+        {ItemType_decimal, "decimal", u"12.5"},
+        {ItemType_integer, "integer", u"123456789012345678901234567890"},
+    };
+    QzVariant reused;
+    for (auto const & kind : kKinds)
+    {
+        SCOPED_TRACE(kind.pszName);
+        reused.FromString(kind.pszText, kind.eType, kNone);
+        EXPECT_EQ(Utf8(reused.GetType()), kind.pszName);
+        QzVariant copy(reused);
+        EXPECT_EQ(Utf8(copy.ToString()), Utf8(kind.pszText));
+        QzVariant moved(std::move(copy));
+        EXPECT_FALSE(copy.IsValid());
+        copy = moved;
+        moved.SetNil();
+        EXPECT_EQ(moved.GetTypeAsEnum(), kind.eType);
+        EXPECT_EQ(Utf8(copy.ToString()), Utf8(kind.pszText));
+        copy = moved;
+        EXPECT_TRUE(copy.IsNil());
+        std::u16string const strMessage = FormatString(u"Invalid Type %d", kind.eType);
+        if (kind.eType != ItemType_i8)
+            ExpectThrows<CQzException>([&] { reused.GetI8(); }, strMessage);
+        if (kind.eType != ItemType_date)
+            ExpectThrows<CQzException>([&] { reused.GetDate(); }, strMessage);
+        if (kind.eType != ItemType_string)
+            ExpectThrows<CQzException>([&] { std::move(reused).GetString(); }, strMessage);
+    }
+}
+
+/// A collection that only counts how often one was destroyed.
+class CEmptyCol : public CXmlCollectionBase
+{
+public:
+    ~CEmptyCol() override { ++s_nDestroyed; }
+    int GetCount() const override { return 0; }
+    void Clear() override {}
+    void Remove(int) override {}
+    static int s_nDestroyed;
+
+protected:
+    void ToXml_Int(CXmlWriter *, bool, char16_t const *, CSerializationContext const &, bool) const override {}
+    CXmlElement * FromXml_Int(CXmlElement *, CXmlElement * pChild, CSerializationContext const &, bool) override
+    {
+        return pChild;
+    }
+};
+int CEmptyCol::s_nDestroyed = 0;
+
+TEST(QzVariantTest, SharesAndCountsObjects)
+{
+    CEmptyCol::s_nDestroyed = 0;
+    CSmartPtr<CEmptyCol> spCol = new CEmptyCol;
+    QzVariant value;
+    value.SetXmlCollection(spCol);
+    value.SetXmlCollection(spCol);
+    QzVariant copy(value);
+    EXPECT_EQ(spCol->AddRef(), 4);
+    EXPECT_EQ(spCol->Release(), 3);
+    EXPECT_EQ(copy.GetXmlCollection().Get(), spCol.Get());
+    EXPECT_EQ(copy.GetXmlObject().Get(), spCol.Get());
+    copy.SetXmlObject(spCol);
+    ExpectThrows<CQzException>([&] { copy.GetXmlCollection(); }, u"Invalid Type 27");
+    ExpectThrows<CQzException>([&] { copy.GetType(); }, u"Invalid Type 27");
+    ExpectThrows<CQzException>([&] { value.ToString(); }, u"Invalid Type 28 to convert to string");
+    copy.SetNil();
+    EXPECT_EQ(copy.GetXmlObject().Get(), nullptr);
+    copy = std::move(value);
+    spCol = nullptr;
+    EXPECT_EQ(CEmptyCol::s_nDestroyed, 0);
+    copy.SetI4(1);
+    EXPECT_EQ(CEmptyCol::s_nDestroyed, 1);
+    copy.SetXmlCollection(nullptr);
+    EXPECT_TRUE(copy.IsValid());
+    EXPECT_EQ(copy.GetXmlCollection().Get(), nullptr);
+}
+
+TEST(QzVariantTest, NilVariantsGiveEmptyValues)
+{
+    QzVariant value;
+    value.SetString(u"a");
+    value.SetNil();
+    EXPECT_EQ(Utf8(value.GetString()), "");
+    EXPECT_EQ(Utf8(std::move(value).GetString()), "");
+    value.SetHexBinary(Octets("a"));
+    value.SetNil();
+    EXPECT_EQ(value.GetHexBinary().GetLength(), 0u);
+}
+
+TEST(QzVariantTest, ANilOfAnotherKindLeavesNoOldBits)
+{
+    QzVariant nil;
+    nil.SetString(u"a");
+    nil.SetNil();
+    QzVariant value;
+    value.SetI8(-1);
+    value = nil;
+    EXPECT_EQ(Utf8(value.GetString()), "");
+    value.Clear();
+    EXPECT_FALSE(value.IsValid());
+}
+
+TEST(QzVariantTest, AssigningItselfKeepsTheValue)
+{
+    QzVariant value;
+    value.SetString(u"a text that does not fit into the object");
+    QzVariant & same = value;
+    value = same;
+    EXPECT_EQ(Utf8(value.GetString()), "a text that does not fit into the object");
+    value = std::move(same);
+    EXPECT_EQ(Utf8(value.GetString()), "a text that does not fit into the object");
+}
+
+TEST(QzVariantTest, UnknownKindsAreRefused)
+{
+    QzVariant value;
+    value.SetI4(7);
+    for (int const nType : {0, 27, 28, 29})
+        ExpectThrows<CQzException>([&] { value.FromString(u"1", static_cast<ItemType>(nType), kNone); },
+            FormatString(u"Invalid Type %d to convert to string", nType));
+    EXPECT_EQ(value.GetI4(), 7);
+}
+
+TEST(QzVariantTest, AFormatCountsForFloatsAndDecimalsOnly)
+{
+    QzVariant value;
+    value.SetR4(1.5f);
+    EXPECT_EQ(Utf8(value.ToString(u"%.3f")), "1.500");
+    value.SetI4(5);
+    EXPECT_EQ(Utf8(value.ToString(u"%.3f")), "5");
+    value.SetString(u"a");
+    EXPECT_EQ(Utf8(value.ToString(u"%.3f")), "a");
+    value.FromString(u"12.55", ItemType_decimal, kNone);
+    EXPECT_EQ(Utf8(value.ToString(u" +1x")), "12.6");
+    EXPECT_EQ(Utf8(value.ToString(u"x")), "13.");
+    EXPECT_EQ(Utf8(value.ToString(u"-99999999999")), "13.");
+}
+
+TEST(QzVariantTest, GettersHandOutCopies)
+{
+    QzVariant value;
+    value.SetBase64Binary(Octets("abc"));
+    CBinaryData data = value.GetBase64Binary();
+    data.Append(static_cast<unsigned char>('d'));
+    EXPECT_EQ(TextOf(value.GetBase64Binary()), "abc");
+    value.SetBase64Binary(value.GetBase64Binary());
+    EXPECT_EQ(Utf8(value.ToString()), "YWJj");
+}
+
+} // namespace
