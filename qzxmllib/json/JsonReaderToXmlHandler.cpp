@@ -30,7 +30,8 @@ bool IsHarmlessName(std::u16string_view name) noexcept
     if (name.empty() || name[0] == u'!' || name[0] == u'?')
         return false;
     return std::none_of(name.begin(), name.end(),
-        [](char16_t c) { return c < 33 || (c < 64 && std::u16string_view(u"<>&\"'/=").find(c) != name.npos); });
+        [](char16_t c)
+        { return c < 33 || (c < 64 && std::u16string_view(u"<>&\"'/=").find(c) != std::u16string_view::npos); });
 }
 
 } // namespace
@@ -242,6 +243,9 @@ void CJsonReaderToXmlHandler::StartObject()
 
 void CJsonReaderToXmlHandler::EndObject()
 {
+    // Only the root's name that comes from the options can be without a value.
+    if (m_eTarget == Target_Element)
+        Null();
     bool const bElementOpen = m_objects.back().bElementOpen;
     m_objects.pop_back();
     if (bElementOpen)

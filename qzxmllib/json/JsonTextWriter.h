@@ -89,7 +89,6 @@ private:
     void WriteEscaped(std::u16string_view text);
     std::u16string const & RequireAlias(
         CXmlWriterContext const & context, std::u16string const & strUri, std::u16string const & strName) const;
-    CXmlWriterContext * Parent(CXmlWriterContext const & context) const noexcept { return context.GetParent(); }
     void OpenArrayOf(CXmlWriterContext & item);
     void CloseArray(CXmlWriterContext & holder);
     void FinishArray(CXmlWriterContext & holder, bool bElementFollows);
