@@ -98,6 +98,11 @@ inline void CJsonTextWriter::Put(std::u16string_view text)
     m_pStream->Write(text.data(), text.size());
 }
 
+inline void CJsonTextWriter::Put(char16_t c)
+{
+    m_pStream->Write(c);
+}
+
 inline void CJsonTextWriter::PutEOL()
 {
     if (m_bFormat)
@@ -137,7 +142,7 @@ void CJsonTextWriter::PutName(
     if (pAlias != nullptr)
     {
         PutRaw(*pAlias);
-        Put(u":");
+        Put(u':');
     }
     PutRaw(strName);
     Put(u"\": ");
@@ -152,12 +157,12 @@ void CJsonTextWriter::PutDeclaration(
     Put(u"\"@xmlns");
     if (pAlias != nullptr)
     {
-        Put(u":");
+        Put(u':');
         PutRaw(*pAlias);
     }
     Put(u"\": \"");
     PutRaw(strUri);
-    Put(u"\"");
+    Put(u'"');
     m_bObjectPending = false;
 }
 
@@ -208,9 +213,9 @@ void CJsonTextWriter::WriteValue(std::u16string_view text, ItemType eType)
         Put(text);
         return;
     }
-    Put(u"\"");
+    Put(u'"');
     WriteEscaped(text);
-    Put(u"\"");
+    Put(u'"');
 }
 
 void CJsonTextWriter::StartDocument()
@@ -227,7 +232,7 @@ void CJsonTextWriter::EndDocument()
 
 void CJsonTextWriter::WriteDocumentStart()
 {
-    Put(u"{");
+    Put(u'{');
     PutEOL();
     FlushIfFull();
 }
@@ -235,7 +240,7 @@ void CJsonTextWriter::WriteDocumentStart()
 void CJsonTextWriter::WriteDocumentEnd()
 {
     PutEOL();
-    Put(u"}");
+    Put(u'}');
 }
 
 void CJsonTextWriter::WriteComment(std::u16string const & strText)
@@ -265,7 +270,7 @@ void CJsonTextWriter::OpenArrayOf(CXmlWriterContext & item)
     if (pHolder == nullptr || pHolder->m_eArrayState != ArrayState_Announced)
         return;
     pHolder->m_eArrayState = ArrayState_Open;
-    Put(u"[");
+    Put(u'[');
     if (m_bFormat)
     {
         ++pHolder->m_nDepth;
@@ -289,7 +294,7 @@ void CJsonTextWriter::CloseArray(CXmlWriterContext & holder)
         PutIndent(holder.m_nDepth);
         --holder.m_nDepth;
     }
-    Put(u"]");
+    Put(u']');
     --m_nArrays;
 }
 
@@ -317,11 +322,11 @@ void CJsonTextWriter::WriteSeparator(CXmlWriterContext & context)
     if (m_bObjectPending)
     {
         OpenArrayOf(context);
-        Put(u"{");
+        Put(u'{');
     }
     else
     {
-        Put(u",");
+        Put(u',');
     }
     PutEOL();
 }
@@ -412,7 +417,7 @@ void CJsonTextWriter::WriteTextView(std::u16string_view text, ItemType eType)
     {
         if (!m_bObjectPending)
         {
-            Put(u",");
+            Put(u',');
             PutEOL();
             PutIndent(context.m_nDepth + 1);
             Put(m_eRoundTrip != JsonRoundTrip_None ? u"\"#text\": " : u"\"\": ");
@@ -431,7 +436,7 @@ void CJsonTextWriter::WriteEndElement()
     {
         PutEOL();
         PutIndent(context.m_nDepth);
-        Put(u"}");
+        Put(u'}');
     }
     else if (!context.m_bContentFlag)
     {

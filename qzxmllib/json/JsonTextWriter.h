@@ -77,6 +77,7 @@ private:
     };
 
     void Put(std::u16string_view text);
+    void Put(char16_t c);
     void PutEOL();
     void PutIndent(std::int32_t nDepth);
     void PutRaw(std::u16string_view text);
