@@ -52,17 +52,17 @@ std::string Value(int n)
 
 } // namespace
 
-Document Ordinary()
+Document Ordinary(int nElements)
 {
     std::string strXml = kRoot;
-    for (int n = 0; n < 20000; ++n)
+    for (int n = 0; n < nElements / 11; ++n)
     {
         strXml += "<n" + Value(n) + '>';
         for (int m = 0; m < 10; ++m)
             strXml += "<n" + Value(m) + "/>";
         strXml += "</n>";
     }
-    return {"ordinary tree", strXml + "</n>"};
+    return {"ordinary tree", nElements, strXml + "</n>"};
 }
 
 Document MillionSiblings()
@@ -70,7 +70,7 @@ Document MillionSiblings()
     std::string strXml = kRoot;
     for (int n = 0; n < 1000000; ++n)
         strXml += "<n" + Value(n) + "/>";
-    return {"million siblings", strXml + "</n>"};
+    return {"million siblings", 1000000, strXml + "</n>"};
 }
 
 Document Deep()
@@ -83,7 +83,7 @@ Document Deep()
         for (int n = 0; n < 1999; ++n)
             strXml += "</n>";
     }
-    return {"depth 2000", strXml + "</n>"};
+    return {"depth 2000", 100000, strXml + "</n>"};
 }
 
 Document ThousandAliases()
@@ -94,7 +94,7 @@ Document ThousandAliases()
     strXml += " v=\"root\">";
     for (int n = 0; n < 200000; ++n)
         strXml += "<p" + std::to_string(n % 1000) + ":n" + Value(n) + "/>";
-    return {"thousand aliases", strXml + "</n>"};
+    return {"thousand aliases", 200000, strXml + "</n>"};
 }
 
 } // namespace Odd

@@ -29,15 +29,15 @@ public:
     QzXmlLib16::CSmartPtr<CTreeCol> m_spChildren;
 };
 
-/// A document of about the same number of octets for each shape.
 struct Document
 {
     char const * pszName;
+    int nElements;
     std::string strXml;
 };
 
-/// Children and grandchildren in even measure: what the others are compared with.
-Document Ordinary();
+/// Children and grandchildren in even measure: what documents of the same number of elements are compared with.
+Document Ordinary(int nElements);
 Document MillionSiblings();
 /// Depth 2000, again and again.
 Document Deep();

@@ -218,9 +218,6 @@ void OddRows(Options const & options)
         spTree->FromXmlStream(Octets(strXml), strXml.size(), ctx);
         return spTree;
     };
-    Odd::Document ordinary = Odd::Ordinary();
-    CSmartPtr<Odd::CTree> const spOrdinary = read(ordinary.strXml);
-    std::size_t const nOrdinaryOut = spOrdinary->ToXmlStream(true, false).GetLength();
     CSerializationContext aliases;
     for (int n = 0; n < 1000; ++n)
         aliases.GetNamespaceAliases().Add(
@@ -231,6 +228,9 @@ void OddRows(Options const & options)
     for (auto make : {&Odd::MillionSiblings, &Odd::Deep, &Odd::ThousandAliases})
     {
         Odd::Document odd = make();
+        Odd::Document ordinary = Odd::Ordinary(odd.nElements);
+        CSmartPtr<Odd::CTree> const spOrdinary = read(ordinary.strXml);
+        std::size_t const nOrdinaryOut = spOrdinary->ToXmlStream(true, false).GetLength();
         CSmartPtr<Odd::CTree> const spOdd = read(odd.strXml);
         CSerializationContext const & writeCtx =
             make == &Odd::ThousandAliases ? aliases : CSerializationContext::GetDefaultContext();

@@ -1,14 +1,13 @@
 #!/bin/bash
 # Installs what is missing of the Debian packages that the project needs, as root or by sudo.
-# usage: install-deps.sh [GROUP...]   groups: build test bench ci docs (default: build)
+# usage: install-deps.sh [GROUP...]   groups: build test bench ci (default: build)
 set -euo pipefail
 
 declare -A packages=(
     [build]="g++ make cmake ninja-build pkg-config libexpat1-dev zlib1g-dev libpcre2-dev python3"
     [test]="libgtest-dev libgmock-dev googletest libgmp-dev jq python3"
     [bench]="libbenchmark-dev libexpat1-dev"
-    [ci]="clang libclang-rt-14-dev clang-format binutils"
-    [docs]="doxygen"
+    [ci]="clang libclang-rt-14-dev clang-format binutils doxygen"
 )
 
 wanted=()

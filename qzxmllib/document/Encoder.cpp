@@ -8,10 +8,6 @@
 #include <limits>
 #include <memory>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace QzXmlLib16
 {
 
@@ -281,7 +277,7 @@ std::size_t CountUtf8(std::u16string_view text, std::size_t nFirst)
     return nOctets;
 }
 
-std::u16string_view UpToZero(std::u16string_view text) noexcept
+std::u16string_view CutAtZero(std::u16string_view text) noexcept
 {
     std::size_t nAt = 0;
 #if defined(__SSE2__)

@@ -39,7 +39,7 @@ struct CXmlName
 
 /// Text of a node. It lies in the memory of the document while it is short; a long one, and one that was asked for as
 /// a string object, is a string of its own.
-class CXmlText
+class QZXMLLIB_API CXmlText
 {
 public:
     CXmlText() noexcept : m_pUnits(nullptr), m_nUnits(0), m_nCapacity(0), m_bString(0), m_bMark(0) {}
@@ -91,7 +91,7 @@ public:
     /// The next attribute of the same element in document order, or null.
     CXmlAttribute * GetNextAttribute() const { return m_pNext; }
 
-    /// Path from the root, as in /root/item[2]/@id. The alias of a namespace stands in front of the "@".
+    /// Path from the root, as in `/root/item[2]/@id`. The alias of a namespace stands in front of the "@".
     std::u16string GetXPath() const;
     /// True for what directs the parser or the binding and is no data: xmlns, type, schemaLocation and
     /// noNamespaceSchemaLocation of the two namespaces http://www.w3.org/2001/XMLSchema-instance and

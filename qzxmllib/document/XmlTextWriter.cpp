@@ -79,20 +79,26 @@ std::size_t FindCare(char16_t const * pText, std::size_t nUnits) noexcept
 {
     std::size_t nAt = 0;
 #if defined(__SSE2__)
-    for (; nUnits - nAt >= 8; nAt += 8)
+    auto const at = [pText](std::size_t n) { return reinterpret_cast<__m128i const *>(pText + n); };
+    auto const position = [](unsigned nBits) { return static_cast<std::size_t>(__builtin_ctz(nBits)) / 2; };
+    if (nUnits >= 8)
     {
-        unsigned const nBits = CareBits<bAttribute>(_mm_loadu_si128(reinterpret_cast<__m128i const *>(pText + nAt)));
-        if (nBits != 0)
-            return nAt + static_cast<std::size_t>(__builtin_ctz(nBits)) / 2;
+        for (; nUnits - nAt >= 8; nAt += 8)
+            if (unsigned const nBits = CareBits<bAttribute>(_mm_loadu_si128(at(nAt))))
+                return nAt + position(nBits);
+        // The last step overlaps the one before it, where nothing was found.
+        unsigned const nBits = CareBits<bAttribute>(_mm_loadu_si128(at(nUnits - 8)));
+        return nBits != 0 ? nUnits - 8 + position(nBits) : nUnits;
     }
-    if (nUnits - nAt >= 4)
+    if (nUnits >= 4)
     {
-        // The upper half of the register is 0, which would count as found.
-        unsigned const nBits =
-            0xFF & CareBits<bAttribute>(_mm_loadl_epi64(reinterpret_cast<__m128i const *>(pText + nAt)));
-        if (nBits != 0)
-            return nAt + static_cast<std::size_t>(__builtin_ctz(nBits)) / 2;
-        nAt += 4;
+        // Both halves in one register; they overlap too.
+        __m128i const units = _mm_unpacklo_epi64(_mm_loadl_epi64(at(0)), _mm_loadl_epi64(at(nUnits - 4)));
+        unsigned const nBits = CareBits<bAttribute>(units);
+        if (nBits == 0)
+            return nUnits;
+        std::size_t const nFound = position(nBits);
+        return nFound < 4 ? nFound : nUnits - 8 + nFound;
     }
 #endif
     constexpr std::uint64_t nMask = CareMask(bAttribute);

@@ -34,16 +34,11 @@ char16_t * WriteBackwards(char16_t * pEnd, std::uint32_t nChunk, std::size_t nDi
 
 } // namespace
 
-CBigDigits::CBigDigits(std::uint64_t nValue) noexcept : CBigDigits()
+void CBigDigits::Parse(std::u16string_view text)
 {
-    for (; nValue != 0; nValue /= kChunkBase)
-        m_aInline[m_nSize++] = static_cast<std::uint32_t>(nValue % kChunkBase);
-}
-
-CBigDigits::CBigDigits(std::u16string_view text) : CBigDigits()
-{
+    m_nSize = 0;
     Reserve(text.size() / kChunkDigits + 1);
-    std::uint32_t * pChunks = Chunks();
+    std::uint32_t * pChunk = Chunks();
     std::uint32_t nChunk = 0;
     std::uint32_t nScale = 1;
     for (std::size_t i = text.size(); i != 0; --i)
@@ -55,53 +50,27 @@ CBigDigits::CBigDigits(std::u16string_view text) : CBigDigits()
         nScale *= 10;
         if (nScale == kChunkBase)
         {
-            pChunks[m_nSize++] = nChunk;
+            *pChunk++ = nChunk;
             nChunk = 0;
             nScale = 1;
         }
     }
     if (nScale != 1)
-        pChunks[m_nSize++] = nChunk;
+        *pChunk++ = nChunk;
+    m_nSize = static_cast<std::uint32_t>(pChunk - Chunks());
     Trim();
-}
-
-CBigDigits::CBigDigits(CBigDigits const & other) : CBigDigits()
-{
-    Reserve(other.m_nSize);
-    std::copy_n(other.Chunks(), other.m_nSize, Chunks());
-    m_nSize = other.m_nSize;
-}
-
-CBigDigits::CBigDigits(CBigDigits && other) noexcept : CBigDigits()
-{
-    Take(other);
 }
 
 CBigDigits & CBigDigits::operator=(CBigDigits const & other)
 {
     if (this != &other)
     {
-        if (other.m_nSize > m_nCapacity)
-            return *this = CBigDigits(other);
+        m_nSize = 0;
+        Reserve(other.m_nSize);
         std::copy_n(other.Chunks(), other.m_nSize, Chunks());
         m_nSize = other.m_nSize;
     }
     return *this;
-}
-
-CBigDigits & CBigDigits::operator=(CBigDigits && other) noexcept
-{
-    if (this != &other)
-    {
-        Free();
-        Take(other);
-    }
-    return *this;
-}
-
-CBigDigits::~CBigDigits()
-{
-    Free();
 }
 
 std::size_t CBigDigits::CountDigits() const noexcept
@@ -243,12 +212,9 @@ CBigDigits CBigDigits::Divide(CBigDigits & dividend, CBigDigits const & divisor)
             nCarry += nGuess * pV[i];
             std::uint32_t nLow = static_cast<std::uint32_t>(nCarry % kChunkBase);
             nCarry /= kChunkBase;
-            if (pU[i] < nLow)
-            {
-                pU[i] += kChunkBase;
-                ++nCarry;
-            }
-            pU[i] -= nLow;
+            std::uint32_t nUnder = pU[i] < nLow ? 1 : 0;
+            pU[i] += nUnder * kChunkBase - nLow;
+            nCarry += nUnder;
         }
         if (pU[n] < nCarry)
         {
@@ -348,15 +314,8 @@ CBigDigits CBigDigits::CutPow10(std::size_t nExponent)
     return rest;
 }
 
-std::uint32_t * CBigDigits::Chunks() noexcept
+void CBigDigits::Grow(std::size_t nChunks)
 {
-    return m_nCapacity == kInline ? m_aInline : const_cast<std::uint32_t *>(m_pChunks);
-}
-
-void CBigDigits::Reserve(std::size_t nChunks)
-{
-    if (nChunks <= m_nCapacity)
-        return;
     std::size_t nCapacity = std::max(nChunks, m_nSize + std::size_t(m_nSize) / 2);
     if (nCapacity > std::numeric_limits<std::uint32_t>::max())
         throw std::bad_alloc();
@@ -365,25 +324,6 @@ void CBigDigits::Reserve(std::size_t nChunks)
     Free();
     m_pChunks = pChunks;
     m_nCapacity = static_cast<std::uint32_t>(nCapacity);
-}
-
-// The chunks of the other, which is zero afterwards. Chunks of this object must have been freed.
-void CBigDigits::Take(CBigDigits & other) noexcept
-{
-    m_nSize = other.m_nSize;
-    m_nCapacity = other.m_nCapacity;
-    if (m_nCapacity == kInline)
-        std::copy_n(other.m_aInline, kInline, m_aInline);
-    else
-        m_pChunks = other.m_pChunks;
-    other.m_nSize = 0;
-    other.m_nCapacity = kInline;
-}
-
-void CBigDigits::Free() noexcept
-{
-    if (m_nCapacity > kInline)
-        delete[] m_pChunks;
 }
 
 void CBigDigits::Trim() noexcept

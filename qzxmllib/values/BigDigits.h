@@ -25,14 +25,35 @@ public:
         : m_nSize(nChunks), m_nCapacity(kBorrowed), m_pChunks(pChunks)
     {
     }
-    explicit CBigDigits(std::uint64_t nValue) noexcept;
+    explicit CBigDigits(std::uint64_t nValue) noexcept : CBigDigits()
+    {
+        for (; nValue != 0; nValue /= kChunkBase)
+            m_aInline[m_nSize++] = static_cast<std::uint32_t>(nValue % kChunkBase);
+    }
     /// Takes the digits of the text and skips whatever else stands between them.
-    explicit CBigDigits(std::u16string_view text);
-    CBigDigits(CBigDigits const & other);
-    CBigDigits(CBigDigits && other) noexcept;
+    explicit CBigDigits(std::u16string_view text) : CBigDigits() { Parse(text); }
+    CBigDigits(CBigDigits const & other) : CBigDigits()
+    {
+        if (other.m_nCapacity == kInline)
+            CopyInline(other);
+        else
+            *this = other;
+    }
+    CBigDigits(CBigDigits && other) noexcept : CBigDigits() { Take(other); }
     CBigDigits & operator=(CBigDigits const & other);
-    CBigDigits & operator=(CBigDigits && other) noexcept;
-    ~CBigDigits();
+    CBigDigits & operator=(CBigDigits && other) noexcept
+    {
+        if (this != &other)
+        {
+            Free();
+            Take(other);
+        }
+        return *this;
+    }
+    ~CBigDigits() { Free(); }
+
+    /// Takes the digits of the text and skips whatever else stands between them.
+    void Parse(std::u16string_view text);
 
     bool IsZero() const noexcept { return m_nSize == 0; }
     /// The number of decimal digits, 0 for zero.
@@ -65,10 +86,43 @@ private:
     static constexpr std::uint32_t kBorrowed = 0;
 
     std::uint32_t const * Chunks() const noexcept { return m_nCapacity == kInline ? m_aInline : m_pChunks; }
-    std::uint32_t * Chunks() noexcept;
-    void Reserve(std::size_t nChunks);
-    void Take(CBigDigits & other) noexcept;
-    void Free() noexcept;
+    std::uint32_t * Chunks() noexcept
+    {
+        return m_nCapacity == kInline ? m_aInline : const_cast<std::uint32_t *>(m_pChunks);
+    }
+    void CopyInline(CBigDigits const & other) noexcept
+    {
+        m_nSize = other.m_nSize;
+        for (std::uint32_t i = 0; i < kInline; ++i)
+            m_aInline[i] = other.m_aInline[i];
+    }
+    /// Leaves zero in the other. Chunks of this object must have been freed.
+    void Take(CBigDigits & other) noexcept
+    {
+        m_nCapacity = other.m_nCapacity;
+        if (m_nCapacity == kInline)
+        {
+            CopyInline(other);
+        }
+        else
+        {
+            m_nSize = other.m_nSize;
+            m_pChunks = other.m_pChunks;
+            other.m_nCapacity = kInline;
+        }
+        other.m_nSize = 0;
+    }
+    void Free() noexcept
+    {
+        if (m_nCapacity > kInline)
+            delete[] m_pChunks;
+    }
+    void Reserve(std::size_t nChunks)
+    {
+        if (nChunks > m_nCapacity)
+            Grow(nChunks);
+    }
+    void Grow(std::size_t nChunks);
     void Trim() noexcept;
     void MultiplySmall(std::uint32_t nFactor);
     std::uint32_t DivideSmall(std::uint32_t nDivisor) noexcept;

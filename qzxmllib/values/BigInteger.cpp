@@ -97,6 +97,13 @@ void CBigInteger::Parse(char16_t const * pText)
 
 void CBigInteger::Parse(std::u16string_view text)
 {
+    std::size_t nSign = !text.empty() && text.front() == u'-' ? 1 : 0;
+    if (std::all_of(text.begin() + static_cast<std::ptrdiff_t>(nSign), text.end(), IsDigit))
+    {
+        m_digits.Parse(text.substr(nSign));
+        m_nSign = nSign != 0 ? -1 : 1;
+        return;
+    }
     if (!std::all_of(text.begin(), text.end(), IsPlain))
     {
         *this = CDecimal(text).ToBigInteger();
@@ -107,7 +114,7 @@ void CBigInteger::Parse(std::u16string_view text)
     std::size_t nStart = text.size();
     while (nStart != 0 && IsDigit(text[nStart - 1]))
         --nStart;
-    m_digits = CBigDigits(text.substr(nStart));
+    m_digits.Parse(text.substr(nStart));
     m_nSign = !text.empty() && text.front() == u'-' ? -1 : 1;
 }
 

@@ -32,6 +32,27 @@ bool IsSign(char16_t c) noexcept
     return c == u'+' || c == u'-';
 }
 
+// Digits met one by one. Short runs are done when they have been read; longer ones are read again from their text.
+struct DigitRun
+{
+    std::size_t nDigits = 0;
+    std::uint64_t nValue = 0;
+
+    // False for what is no digit.
+    bool Take(char16_t c) noexcept
+    {
+        if (!IsDigit(c))
+            return false;
+        nValue = nValue * 10 + static_cast<std::uint64_t>(c - u'0');
+        ++nDigits;
+        return true;
+    }
+    CBigDigits GetDigits(std::u16string_view text) const
+    {
+        return nDigits <= std::numeric_limits<std::uint64_t>::digits10 ? CBigDigits(nValue) : CBigDigits(text);
+    }
+};
+
 // The limit of decimal places, such that sums of it with small numbers stay within int.
 int GetPlacesLimit() noexcept
 {
@@ -270,17 +291,24 @@ void CDecimal::Parse(std::u16string_view text)
     std::size_t const nUnits = text.size();
     std::size_t i = 0;
     bool bMinus = false;
-    for (; i < nUnits && (IsDigit(text[i]) || IsSign(text[i]) || IsBlank(text[i])); ++i)
-        bMinus = IsSign(text[i]) ? text[i] == u'-' : bMinus;
+    DigitRun integerRun;
+    for (; i < nUnits; ++i)
+    {
+        if (integerRun.Take(text[i]) || IsBlank(text[i]))
+            continue;
+        if (!IsSign(text[i]))
+            break;
+        bMinus = text[i] == u'-';
+    }
     std::u16string_view const integer = text.substr(0, i);
 
     std::u16string_view fraction;
-    std::int32_t nPlaces = 0;
+    DigitRun fractionRun;
     if (i < nUnits && text[i] == u'.')
     {
         std::size_t const nFirst = ++i;
-        for (; i < nUnits && (IsDigit(text[i]) || IsBlank(text[i])); ++i)
-            nPlaces += IsDigit(text[i]) ? 1 : 0;
+        while (i < nUnits && (fractionRun.Take(text[i]) || IsBlank(text[i])))
+            ++i;
         fraction = text.substr(nFirst, i - nFirst);
     }
 
@@ -305,9 +333,11 @@ void CDecimal::Parse(std::u16string_view text)
     }
 
     std::int32_t nSign = bMinus ? -1 : 1;
-    m_integerPart = CBigInteger(nSign, CBigDigits(integer));
-    m_fractionPart = CBigInteger(nSign, CBigDigits(fraction));
-    m_nFractionDivider = std::max(nPlaces, 1);
+    m_integerPart.m_digits = integerRun.GetDigits(integer);
+    m_fractionPart.m_digits = fractionRun.GetDigits(fraction);
+    m_integerPart.m_nSign = nSign;
+    m_fractionPart.m_nSign = nSign;
+    m_nFractionDivider = static_cast<std::int32_t>(std::max<std::size_t>(fractionRun.nDigits, 1));
     if (bExponent)
         ApplyExponent(bExponentMinus, nExponent, text);
     Rationalise();
@@ -350,6 +380,8 @@ void CDecimal::Rationalise()
     else
     {
         nZeros = static_cast<int>(std::min(m_fractionPart.m_digits.CountTrailingZeros(), ToCount(nZeros)));
+        if (nZeros == 0)
+            return;
         m_fractionPart.m_digits.CutPow10(ToCount(nZeros));
     }
     m_nFractionDivider -= nZeros;

@@ -116,8 +116,9 @@ TEST(InstanceMonitorDeathTest, ReportsToTheSinkWhenTheLibraryGoesDown)
 {
     auto const run = []
     {
-        new CInstanceMonitor(u"CLeaked");
-        new CInstanceMonitor(std::u16string(500, u'L').c_str());
+        // exit does not unwind, so these are alive when the library goes down.
+        CInstanceMonitor const alive(u"CLeaked");
+        CInstanceMonitor const longName(std::u16string(500, u'L').c_str());
         SetDebugOutput(Listen);
         std::exit(0);
     };

@@ -44,7 +44,8 @@ TEST(QzExceptionTest, CopiesHaveChainsOfTheirOwn)
     EXPECT_NE(first.GetInnerException(), second.GetInnerException());
     first = *first.GetInnerException(); // a part of its own chain
     EXPECT_EQ(Utf8(first.GetFullMessage()), "b\nc");
-    first = first;
+    CQzException const & same = first;
+    first = same;
     EXPECT_EQ(Utf8(first.GetFullMessage()), "b\nc");
     EXPECT_EQ(Utf8(second.GetFullMessage()), "a\nb\nc");
 }

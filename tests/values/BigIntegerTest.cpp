@@ -145,13 +145,14 @@ TEST(BigIntegerTest, OperatesOnItselfAndInPlace)
     CBigInteger value(kForty);
     -value;
     EXPECT_EQ(value.ToString(), u"-" + kForty);
-    value += value;
+    CBigInteger const & self = value;
+    value += self;
     value -= CBigInteger(u"-" + kForty);
     EXPECT_EQ(value.ToString(), u"-" + kForty);
-    value = static_cast<CBigInteger const &>(value);
+    value = self;
     value /= value.GetAbs();
     EXPECT_EQ(value.ToString(), u"-1");
-    value -= value;
+    value -= self;
     EXPECT_EQ(value.ToString(), u"0");
     CBigInteger moved(std::move(value = CBigInteger(kLong)));
     EXPECT_EQ(moved.ToString(), kLong);

@@ -1,0 +1,318 @@
+#include "qzxmllib/document/FileBinaryStream.h"
+#include "qzxmllib/document/FileTextStream.h"
+#include "qzxmllib/document/StringBuffer.h"
+#include "qzxmllib/document/TextStream.h"
+#include "qzxmllib/support/PlatformFileInternal.h"
+#include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/BinaryData.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <unistd.h>
+
+using namespace QzXmlLib16;
+
+namespace
+{
+
+std::string Octets(CBinaryData const & data)
+{
+    return std::string(reinterpret_cast<char const *>(data.GetData()), data.GetLength());
+}
+
+template <class Call>
+std::u16string MessageOf(Call && call)
+{
+    try
+    {
+        call();
+    }
+    catch (CQzException const & exception)
+    {
+        return exception.GetMessageW();
+    }
+    return u"no failure";
+}
+
+/// A file name of the running test.
+class TestFile
+{
+public:
+    TestFile()
+        : m_strName(testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name() +
+                    std::to_string(::getpid()))
+    {
+    }
+    ~TestFile() { ::unlink(m_strName.c_str()); }
+
+    std::u16string Name() const { return std::u16string(m_strName.begin(), m_strName.end()); }
+    std::string Content() const
+    {
+        std::ifstream file(m_strName, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+
+private:
+    std::string m_strName;
+};
+
+TEST(StringBufferTest, BlockBorder)
+{
+    CStringBuffer buffer;
+    EXPECT_EQ(buffer.GetText(), std::u16string());
+    buffer.Append(std::u16string(4095, u'a'));
+    EXPECT_EQ(buffer.GetBlockCount(), 1u);
+    buffer.Append(u'b');
+    EXPECT_EQ(buffer.GetBlockCount(), 2u);
+    EXPECT_EQ(buffer.GetText(), std::u16string(4095, u'a') + u'b');
+    EXPECT_EQ(buffer.GetBlockCount(), 1u);
+    buffer.Reset();
+    EXPECT_EQ(buffer.GetBlockCount(), 1u);
+    EXPECT_EQ(buffer.GetText(), std::u16string());
+}
+
+/// Pieces of all lengths in blocks of all small sizes, with the text looked at on the way.
+TEST(StringBufferTest, PiecesJoinInOrder)
+{
+    for (std::uint32_t nBlockSize = 0; nBlockSize < 12; ++nBlockSize)
+    {
+        CStringBuffer buffer(nBlockSize);
+        std::u16string strExpected;
+        for (std::size_t nPiece = 0; nPiece < 70; ++nPiece)
+        {
+            std::u16string strPiece;
+            for (std::size_t nAt = 0; nAt < nPiece; ++nAt)
+                strPiece += static_cast<char16_t>(u'a' + (nAt + nPiece) % 26);
+            buffer.Append(strPiece);
+            buffer.Append(u'.');
+            buffer.Append(u"..");
+            strExpected += strPiece + u"...";
+            if (nPiece % 20 == 19)
+            {
+                EXPECT_EQ(buffer.GetText(), strExpected);
+            }
+        }
+        EXPECT_EQ(buffer.GetLength(), strExpected.size());
+        EXPECT_EQ(buffer.TakeText(), strExpected);
+        EXPECT_EQ(buffer.GetLength(), 0u);
+    }
+}
+
+TEST(StringBufferTest, GoesOnBehindJoinedText)
+{
+    CStringBuffer buffer;
+    buffer.Append(std::u16string(10000, u'a'));
+    buffer.GetText();
+    buffer.Append(u'b');
+    EXPECT_EQ(buffer.GetLength(), 10001u);
+    EXPECT_EQ(buffer.GetText(), std::u16string(10000, u'a') + u'b');
+    buffer.Append(u'c');
+    buffer.Reset();
+    EXPECT_EQ(buffer.GetBlockCount(), 0u);
+    buffer.Append(std::u16string(u"x\0y", 3));
+    buffer.Append(u'\0');
+    EXPECT_EQ(buffer.GetLength(), 2u);
+    buffer.Set(u"new");
+    EXPECT_EQ(buffer.GetText(), std::u16string(u"new"));
+}
+
+TEST(TextStreamTest, OctetsByEncoding)
+{
+    struct Case
+    {
+        XmlEncoding eEncoding;
+        std::string strOctets;
+    };
+    for (Case const & c : {Case{XmlEncoding_UTF8, "a\xC3\xA9"}, Case{XmlEncoding_UTF16, std::string("a\0\xE9\0", 4)},
+             Case{XmlEncoding_UTF16NoDecl, std::string("a\0\xE9\0", 4)}})
+    {
+        CTextStream stream(c.eEncoding);
+        stream.Write(std::u16string(u"a\xE9"));
+        stream.Write(u'\0');
+        stream.Write(u"behind");
+        EXPECT_EQ(Octets(stream.GetBinary()), c.strOctets);
+    }
+    CTextStream stream;
+    stream.Write(u"x");
+    EXPECT_EQ(MessageOf([&] { stream.GetBinary(); }), u"Unknown Encoding, select UTF-8 (contact our support team)");
+    EXPECT_EQ(stream.GetText(), std::u16string(u"x"));
+}
+
+/// Writes in stretches that put every border between the halves of a pair, flushing as a writer does.
+TEST(TextStreamTest, TextAndOctetsStayWholeAcrossFlushes)
+{
+    std::u16string const strPiece = u"<\xE9\U0001F600\x20AC>";
+    std::string const strPieceOctets = "<\xC3\xA9\xF0\x9F\x98\x80\xE2\x82\xAC>";
+    std::u16string strText;
+    std::string strOctets;
+    CTextStream stream(XmlEncoding_UTF8);
+    for (int nPiece = 0; nPiece < 20000; ++nPiece)
+    {
+        for (char16_t const c : strPiece)
+        {
+            stream.Write(c);
+            if (stream.NeedsFlush())
+                stream.Flush();
+        }
+        strText += strPiece;
+        strOctets += strPieceOctets;
+        if (nPiece == 5000)
+        {
+            EXPECT_EQ(stream.GetText(), strText);
+        }
+    }
+    EXPECT_EQ(stream.GetLength(), strText.size());
+    EXPECT_EQ(Octets(stream.GetBinary()), strOctets);
+    EXPECT_EQ(stream.GetText(), strText);
+    EXPECT_EQ(Octets(stream.TakeBinary()), strOctets);
+    EXPECT_EQ(stream.GetLength(), 0u);
+
+    stream.Write(strText);
+    stream.Flush();
+    stream.Write(u"end");
+    EXPECT_EQ(Octets(stream.GetBinary()), strOctets + "end");
+    EXPECT_EQ(stream.TakeText(), strText + u"end");
+}
+
+TEST(TextStreamTest, WhatCannotBeEncodedWaitsForTheQuestion)
+{
+    CTextStream stream(XmlEncoding_UTF8);
+    std::u16string strText(5000, u'a');
+    stream.Write(strText);
+    stream.Flush();
+    strText += u"b\xD83Dz" + std::u16string(20000, u'c');
+    stream.Write(strText.data() + 5000, strText.size() - 5000);
+    stream.Flush();
+    EXPECT_EQ(MessageOf([&] { stream.GetBinary(); }),
+        u"Failed to convert text to UTF-8. Invalid surrogate [0x0000D83D] at position [5001].");
+    EXPECT_EQ(stream.GetText(), strText);
+
+    stream.Open();
+    stream.Write(u"ab");
+    stream.Flush();
+    stream.Write(u'\0');
+    stream.Write(u"c");
+    stream.Flush();
+    EXPECT_EQ(stream.GetLength(), 4u);
+    EXPECT_EQ(Octets(stream.GetBinary()), "ab");
+    stream.Open();
+    EXPECT_EQ(stream.GetBinary().GetLength(), 0u);
+}
+
+std::string const kMark = "\xFF\xFE";
+
+TEST(FileStreamTest, MarkAndContent)
+{
+    TestFile file;
+    struct Case
+    {
+        XmlEncoding eEncoding;
+        std::string strMark;
+        std::string strText;
+    };
+    for (Case const & c : {Case{XmlEncoding_UTF8, "", "x"}, Case{XmlEncoding_UTF16, kMark, std::string("x\0", 2)},
+             Case{XmlEncoding_UTF16NoDecl, kMark, std::string("x\0", 2)}})
+    {
+        CFileTextStream stream(file.Name(), c.eEncoding);
+        stream.Open();
+        stream.Close();
+        EXPECT_EQ(file.Content(), c.strMark);
+        stream.Open();
+        stream.Write(u"x");
+        stream.Flush();
+        stream.Write(u"x");
+        stream.Close();
+        stream.Close();
+        EXPECT_EQ(file.Content(), c.strMark + c.strText + c.strText);
+        unsigned char const abyData[] = {0, 1};
+        CFileBinaryStream(file.Name(), c.eEncoding, CBinaryData(abyData, 2)).WriteToFile();
+        EXPECT_EQ(file.Content(), c.strMark + std::string("\0\1", 2));
+    }
+}
+
+TEST(FileStreamTest, PairAcrossFlushes)
+{
+    TestFile file;
+    CFileTextStream stream(file.Name(), XmlEncoding_UTF8);
+    stream.Open();
+    stream.Write(u"a\xD83D");
+    stream.Flush();
+    stream.Flush();
+    stream.Write(u'\xDE00');
+    stream.Close();
+    EXPECT_EQ(file.Content(), "a\xF0\x9F\x98\x80");
+    stream.Open();
+    stream.Write(u"ab");
+    stream.Flush();
+    stream.Write(u"c\xD83D");
+    EXPECT_EQ(MessageOf([&] { stream.Close(); }),
+        u"Failed to convert text to UTF-8. Invalid surrogate [0x0000D83D] at position [3].");
+}
+
+TEST(FileStreamTest, FilesThatCannotBeWritten)
+{
+    std::u16string const strMissing = u"/nonexistent/dir/file";
+    auto const message = [](std::u16string const & strName, int nError)
+    { return FormatString(u"Failed to write data to the file [%s] error [0x%08X]", strName, nError); };
+    EXPECT_EQ(MessageOf([&] { CFileTextStream(strMissing, XmlEncoding_UTF8).Open(); }), message(strMissing, ENOENT));
+    EXPECT_EQ(
+        MessageOf([&] { CFileBinaryStream(strMissing, XmlEncoding_UTF8).WriteToFile(); }), message(strMissing, ENOENT));
+
+    std::u16string const strFull = u"/dev/full";
+    EXPECT_EQ(MessageOf([&] { CFileTextStream(strFull, XmlEncoding_UTF16).Open(); }), message(strFull, ENOSPC));
+    unsigned char const byData = 1;
+    EXPECT_EQ(MessageOf([&] { CFileBinaryStream(strFull, XmlEncoding_UTF8, CBinaryData(&byData, 1)).WriteToFile(); }),
+        message(strFull, ENOSPC));
+    CFileTextStream stream(strFull, XmlEncoding_UTF8);
+    stream.Open();
+    stream.Write(u"x");
+    stream.Flush();
+    EXPECT_EQ(
+        MessageOf([&] { stream.Close(); }), FormatString(u"Failed to write data to the file. Error [0x%08X]", ENOSPC));
+    stream.Write(u"more");
+    stream.Close();
+}
+
+int g_nWritesLeft = 0;
+
+/// Each of the writes of a document fails in turn; the failure shows at the next flush or at close, once.
+TEST(FileStreamTest, AnyWriteCanFail)
+{
+    TestFile file;
+    CPlatformFileCalls const calls = {::pread, [](int nFile, void const * pOctets, std::size_t nOctets, off_t nOffset)
+        {
+            if (g_nWritesLeft-- > 0)
+                return ::pwrite(nFile, pOctets, nOctets, nOffset);
+            errno = EDQUOT;
+            return static_cast<ssize_t>(-1);
+        }};
+    SetPlatformFileCalls(&calls);
+    for (int nGood = 0; nGood <= 3; ++nGood)
+    {
+        g_nWritesLeft = nGood;
+        CFileTextStream stream(file.Name(), XmlEncoding_UTF8);
+        stream.Open();
+        std::u16string const strMessage = MessageOf(
+            [&]
+            {
+                for (int nPart = 0; nPart < 3; ++nPart)
+                {
+                    stream.Write(u"part ");
+                    stream.Flush();
+                }
+                stream.Close();
+            });
+        EXPECT_EQ(strMessage,
+            nGood == 3 ? u"no failure" : FormatString(u"Failed to write data to the file. Error [0x%08X]", EDQUOT));
+        EXPECT_EQ(file.Content(), std::string("part part part ", static_cast<std::size_t>(nGood) * 5));
+        EXPECT_EQ(MessageOf([&] { stream.Close(); }), u"no failure");
+    }
+    SetPlatformFileCalls(nullptr);
+}
+
+} // namespace

@@ -1,0 +1,402 @@
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
+
+#include "tests/support/TestText.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+#include <stdlib.h>
+#include <time.h>
+
+using namespace QzXmlLib16;
+using testing::ValuesIn;
+
+namespace
+{
+
+enum class Form
+{
+    Date,
+    Time,
+    DateTime
+};
+
+CDateTime Parse(Form eForm, std::u16string_view text)
+{
+    // The type that the object had before has no influence.
+    CDateTime value(CDateTime::dt_gMonth);
+    if (eForm == Form::Date)
+        value.ParseXSDDate(text);
+    else if (eForm == Form::Time)
+        value.ParseXSDTime(text);
+    else
+        value.ParseXSDDateTime(text);
+    return value;
+}
+
+/// The form told by the text, for rows that are not about parsing.
+CDateTime Parse(std::u16string_view text)
+{
+    bool const bTime = text.size() > 2 && text[2] == u':';
+    return Parse(text.find(u'T') != text.npos ? Form::DateTime : bTime ? Form::Time : Form::Date, text);
+}
+
+CDateTimeSpan Span(std::u16string_view text)
+{
+    CDateTimeSpan span;
+    span.ParseXSDDuration(text);
+    return span;
+}
+
+struct TextRow
+{
+    char const * pszName;
+    Form eForm;
+    std::u16string_view text;
+    CDateTime::DTType eType;
+    std::u16string_view printed;
+};
+
+TextRow const kTexts[] = {
+    {"DateZ", Form::Date, u"2001-01-01Z", CDateTime::dt_date, u"2001-01-01Z"},
+    {"DateWest", Form::Date, u"-2001-01-01-05:00", CDateTime::dt_date, u"-2001-01-01-05:00"},
+    {"DateZoneIgnored", Form::Date, u"2001-01-01x12:30", CDateTime::dt_date, u"2001-01-01"},
+    {"ColonIgnored", Form::Date, u"2001:01:01", CDateTime::dt_gYear, u"2001"},
+    {"Year", Form::Date, u"0012", CDateTime::dt_gYear, u"0012"},
+    {"YearBeforeChrist", Form::Date, u"-0001Z", CDateTime::dt_gYear, u"-0001Z"},
+    {"YearMonth", Form::Date, u"2001-12+14:30", CDateTime::dt_gYearMonth, u"2001-12+14:30"},
+    {"Month", Form::Date, u"--12Z", CDateTime::dt_gMonth, u"--12Z"},
+    {"MonthOldForm", Form::Date, u"--12--", CDateTime::dt_gMonth, u"--12"},
+    {"MonthAnyEnd", Form::Date, u"--12ab-23:59", CDateTime::dt_gMonth, u"--12-23:59"},
+    {"Day", Form::Date, u"---31", CDateTime::dt_gDay, u"---31"},
+    {"MonthDay", Form::Date, u"--02-29", CDateTime::dt_gMonthDay, u"--02-29"},
+    {"TimeNanos", Form::Time, u"23:59:59.123456789", CDateTime::dt_time, u"23:59:59.123456789"},
+    {"TimeFractionTrimmed", Form::Time, u"12:00:00.5000", CDateTime::dt_time, u"12:00:00.5"},
+    {"TimeLastNano", Form::Time, u"12:00:00.000000001", CDateTime::dt_time, u"12:00:00.000000001"},
+    {"TimePoint", Form::Time, u"12:00:00.", CDateTime::dt_time, u"12:00:00"},
+    {"TimeZAndMore", Form::Time, u"12:00:00Zxyz", CDateTime::dt_time, u"12:00:00Z"},
+    {"TimeAndMore", Form::Time, u"12:00:00xyz", CDateTime::dt_time, u"12:00:00"},
+    {"ZoneOf24", Form::Time, u"12:00:00+24:00", CDateTime::dt_time, u"12:00:00+00:00"},
+    {"ZoneSignLost", Form::Time, u"12:00:00-00:30", CDateTime::dt_time, u"12:00:00+00:30"},
+    {"DateTimeAll", Form::DateTime, u"-9999-12-31T23:59:59.999999999-13:59", CDateTime::dt_dateTime,
+        u"-9999-12-31T23:59:59.999999999-13:59"},
+    {"DateTimeZoneOfDate", Form::DateTime, u"2001-01-01ZT12:00:00", CDateTime::dt_dateTime, u"2001-01-01T12:00:00Z"},
+    {"DateTimeZoneOfTimeWins", Form::DateTime, u"2001-01-01+01:00T12:00:00Z", CDateTime::dt_dateTime,
+        u"2001-01-01T12:00:00Z"},
+};
+
+using DateTimeTextTest = testing::TestWithParam<TextRow>;
+
+TEST_P(DateTimeTextTest, TakesTypeFromTextAndPrints)
+{
+    auto const & row = GetParam();
+    CDateTime const value = Parse(row.eForm, row.text);
+    EXPECT_EQ(value.GetType(), row.eType);
+    EXPECT_EQ(Utf8(value.ToString()), Utf8(row.printed));
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, DateTimeTextTest, ValuesIn(kTexts), CaseName);
+
+struct FailureRow
+{
+    char const * pszName;
+    Form eForm;
+    std::u16string_view text;
+    std::u16string_view message;
+};
+
+FailureRow const kFailures[] = {
+    {"DateEmpty", Form::Date, u"", u"Invalid Date (Empty String)"},
+    {"DateT", Form::Date, u"2001-01-01T12:00:00", u"Invalid Date ('T' not allowed)"},
+    {"DateColonAndZ", Form::Date, u"2001-01-01+01:00Z", u"Invalid Date (Bad Zone value)"},
+    {"ZoneLetters", Form::Date, u"2001-01-01+aa:00", u"Invalid XSD Time Zone [+aa:00]."},
+    {"ZoneHour", Form::Date, u"2001-01-01-25:00", u"Invalid TimeZone [-25:0]"},
+    {"ZoneMinute", Form::Date, u"2001-01-01+24:60", u"Invalid TimeZone [0:60]"},
+    {"MonthFirst", Form::Date, u"0000-13-32", u"Invalid Month [13] (1 <= month <= 12)"},
+    {"YearSecond", Form::Date, u"0000-01-32", u"Invalid Year [0] (-9999 <= year <= 9999 && year != 0)"},
+    {"YearZero", Form::Date, u"-0000", u"Invalid Year [0] (-9999 <= year <= 9999 && year != 0)"},
+    {"NoLeapYear", Form::Date, u"1900-02-29", u"Invalid Day [29] (1 <= day <= days in month"},
+    {"DayZero", Form::Date, u"---00", u"Invalid Day [0] (1 <= day <= 31)"},
+    {"MonthDay", Form::Date, u"--02-30", u"Invalid Day [30] (1 <= day <= days in month)"},
+    {"MonthZero", Form::Date, u"--00", u"Invalid Month [0] (1 <= month <= 12)"},
+    {"TimeEmpty", Form::Time, u"", u"Invalid XSD Time (Empty String)"},
+    {"TenDigits", Form::Time, u"12:00:00.1234567890", u"Invalid XSD Time [12:00:00.1234567890] Fraction part too long"},
+    {"ZoneShort", Form::Time, u"12:00:00+01", u"Invalid XSD Time Zone [+01]."},
+    {"ZoneLong", Form::Time, u"12:00:00.5-01:000", u"Invalid XSD Time Zone [-01:000]."},
+    {"NoT", Form::DateTime, u"2001-01-01", u"Invalid XSD DateTime [2001-01-01]."},
+    {"DateTimeEmpty", Form::DateTime, u"", u"Invalid XSD DateTime []."},
+    {"NoDate", Form::DateTime, u"T12:00:00", u"Invalid Date (Empty String)"},
+    {"NoTime", Form::DateTime, u"2001-01-01T", u"Invalid XSD Time (Empty String)"},
+    {"NotADate", Form::DateTime, u"2001-01T12:00:00",
+        u"Invalid XSD DateTime [2001-01T12:00:00] expected CCYY-MM-DDThh:mm:ss[.ff]"},
+    {"TimePartQuoted", Form::DateTime, u"2001-01-01T24:00:00", u"Invalid XSD Time [24:00:00] expected hh:mm:ss[.ff]"},
+};
+
+using DateTimeFailureTest = testing::TestWithParam<FailureRow>;
+
+TEST_P(DateTimeFailureTest, TellsTheFault)
+{
+    auto const & row = GetParam();
+    ExpectThrows<CQzInvalidValueException>([&] { Parse(row.eForm, row.text); }, row.message);
+}
+
+INSTANTIATE_TEST_SUITE_P(Failures, DateTimeFailureTest, ValuesIn(kFailures), CaseName);
+
+void ExpectWrongShape(Form eForm, std::u16string_view text, std::u16string_view start, std::u16string_view end)
+{
+    std::u16string strMessage(start);
+    strMessage.append(text).append(end);
+    ExpectThrows<CQzInvalidValueException>([&] { Parse(eForm, text); }, strMessage);
+}
+
+TEST(DateTimeTest, RefusesOtherShapes)
+{
+    using namespace std::string_view_literals;
+    for (auto const text :
+        {u"12345-01-01"sv, u"-"sv, u"--"sv, u"12:00"sv, u"Z"sv, u"2001-01-01+0100"sv, u"200\uFF11"sv, u"2001/01/01"sv,
+            u"2001-01/01"sv, u"2001-1-1"sv, u"--101"sv, u"--01101"sv, u"--0a"sv, u"2001-01-01\0"sv, u" 2001-01-01"sv})
+        ExpectWrongShape(Form::Date, text, u"Invalid XSD Date [", u"] expected CCYY-MM-DD[Z|[+|-]hh:mm]");
+    for (auto const text : {u"12:00:0"sv, u"24:00:00"sv, u"12:60:00"sv, u"12:00:60"sv, u"1a:00:00"sv, u"12:00-00"sv,
+             u"1:00:000"sv, u"T12:00:00"sv})
+        ExpectWrongShape(Form::Time, text, u"Invalid XSD Time [", u"] expected hh:mm:ss[.ff]");
+}
+
+struct OrderRow
+{
+    char const * pszName;
+    std::u16string_view left;
+    CDateTime::DTCompareResult eResult;
+    std::u16string_view right;
+};
+
+constexpr auto kLess = CDateTime::dt_lessThan;
+constexpr auto kEqual = CDateTime::dt_equal;
+constexpr auto kNone = CDateTime::dt_indeterminate;
+
+OrderRow const kOrders[] = {
+    {"Nano", u"12:00:00.000000001", kLess, u"12:00:00.000000002"},
+    {"SecondBeforeFraction", u"12:00:01.999", kLess, u"12:00:02"},
+    {"ZonesOfOneInstant", u"2001-01-01T00:30:00+01:00", kEqual, u"2000-12-31T23:30:00Z"},
+    {"ZoneOverLeapDay", u"2000-03-01T00:00:00+00:30", kEqual, u"2000-02-29T23:30:00Z"},
+    {"WithinFourteenHours", u"2000-01-01T12:00:00Z", kNone, u"2000-01-01T12:00:00"},
+    {"ExactlyFourteenHours", u"2000-01-01T12:00:00Z", kNone, u"2000-01-02T02:00:00"},
+    {"BeyondFourteenHours", u"2000-01-01T12:00:00Z", kLess, u"2000-01-02T02:00:01"},
+    {"NoZoneFirst", u"1999-12-31T21:59:59", kLess, u"2000-01-01T12:00:00Z"},
+    {"DateZoneAgainstNone", u"2000-01-01Z", kNone, u"2000-01-01"},
+    {"YearUTC", u"2001+00:00", kEqual, u"2001Z"},
+    {"YearEast", u"2001+01:00", kLess, u"2001Z"},
+    {"YearAgainstUTC", u"2001", kNone, u"2001Z"},
+    {"YearEarly", u"2001", kLess, u"2002Z"},
+    {"MonthDayEndOfFebruary", u"--03-01+01:00", kEqual, u"--02-29Z"},
+    {"DateAgainstTime", u"2001-01-01", kNone, u"12:00:00"},
+    {"DateAgainstMidnight", u"2000-01-01", kLess, u"2000-01-01T00:00:00"},
+    {"DateAgainstMorning", u"2000-01-01", kNone, u"2000-01-01T05:00:00"},
+    {"YearMonthAgainstEarlierDate", u"2000-01-31", kLess, u"2000-02"},
+    {"Eras", u"-0001", kNone, u"0001"},
+    {"BeforeChrist", u"-0002", kLess, u"-0001"},
+};
+
+using DateTimeOrderTest = testing::TestWithParam<OrderRow>;
+
+TEST_P(DateTimeOrderTest, HoldsBothWays)
+{
+    auto const & row = GetParam();
+    CDateTime const left = Parse(row.left);
+    CDateTime const right = Parse(row.right);
+    EXPECT_EQ(left.CompareTo(right), row.eResult);
+    EXPECT_EQ(right.CompareTo(left), row.eResult == kLess ? CDateTime::dt_greaterThan : row.eResult);
+    EXPECT_EQ(left == right, row.eResult == kEqual);
+    EXPECT_EQ(left != right, row.eResult != kEqual);
+    EXPECT_EQ(left < right, row.eResult == kLess);
+    EXPECT_EQ(left <= right, row.eResult == kLess || row.eResult == kEqual);
+    EXPECT_EQ(right > left, row.eResult == kLess);
+    EXPECT_EQ(right >= left, row.eResult == kLess || row.eResult == kEqual);
+}
+
+INSTANTIATE_TEST_SUITE_P(Orders, DateTimeOrderTest, ValuesIn(kOrders), CaseName);
+
+struct SumRow
+{
+    char const * pszName;
+    std::u16string_view start;
+    std::u16string_view span;
+    std::u16string_view sum;
+    std::u16string_view difference;
+};
+
+SumRow const kSums[] = {
+    {"Days", u"2001-03-10", u"P10D", u"2001-03-20", u"2001-02-28"},
+    {"LeapDay", u"2000-03-01", u"P1D", u"2000-03-02", u"2000-02-29"},
+    {"MonthKeepsDay", u"2001-01-31", u"P1M", u"2001-02-31", u"2000-12-31"},
+    {"MonthAndDay", u"2001-01-31", u"P1M1D", u"2001-03-04", u"2000-12-30"},
+    {"MonthsOverYears", u"2001-06-15", u"P1Y25M", u"2004-07-15", u"1998-05-15"},
+    {"Time", u"23:59:59.999999999", u"PT0.000000001S", u"00:00:00", u"23:59:59.999999998"},
+    {"TimeIntoDays", u"2000-02-28T23:00:00Z", u"PT90M", u"2000-02-29T00:30:00Z", u"2000-02-28T21:30:00Z"},
+    {"FractionBorrows", u"2001-01-01T00:00:00", u"PT0.001S", u"2001-01-01T00:00:00.001", u"2000-12-31T23:59:59.999"},
+    {"LongSeconds", u"2001-01-01T00:00:00", u"PT4294967295S", u"2137-02-07T06:28:15", u"1864-11-24T17:31:45"},
+    {"Year", u"2001", u"P1Y11M", u"2002", u"1999"},
+    {"YearBelowOne", u"0001", u"P2Y", u"0003", u"-0001"},
+    {"MonthOfNoYear", u"--12", u"P1M", u"--01", u"--11"},
+    {"MonthDay", u"--02-28", u"P1D", u"--02-29", u"--02-27"},
+    {"YearMonth", u"2001-12", u"P31D", u"2002-01", u"2001-10"},
+};
+
+using DateTimeSumTest = testing::TestWithParam<SumRow>;
+
+TEST_P(DateTimeSumTest, AddsAndTakesAway)
+{
+    auto const & row = GetParam();
+    CDateTime const start = Parse(row.start);
+    CDateTimeSpan const span = Span(row.span);
+    EXPECT_EQ(Utf8((start + span).ToString()), Utf8(row.sum));
+    EXPECT_EQ(Utf8((start - span).ToString()), Utf8(row.difference));
+    EXPECT_EQ(Utf8((start + span.GetAsNegative()).ToString()), Utf8(row.difference));
+    // The magnitude of a negative span is taken away all the same.
+    EXPECT_EQ(Utf8((start - span.GetAsNegative()).ToString()), Utf8(row.difference));
+}
+
+INSTANTIATE_TEST_SUITE_P(Sums, DateTimeSumTest, ValuesIn(kSums), CaseName);
+
+TEST(DateTimeTest, DayBeyondItsMonthIsTakenBackOneByOne)
+{
+    CDateTime value(2001, 1, 31);
+    value += Span(u"P1M");
+    value -= Span(u"P1D");
+    EXPECT_EQ(Utf8(value.ToString()), "2001-02-30");
+    value -= Span(u"P30D");
+    EXPECT_EQ(Utf8(value.ToString()), "2001-01-31");
+}
+
+TEST(DateTimeTest, NormalizedDateKeepsTheHourOfItsZone)
+{
+    CDateTime const value = Parse(u"2001-01-01+01:00").GetNormalized();
+    EXPECT_EQ(Utf8(value.ToString()), "2000-12-31+00:00");
+    EXPECT_EQ(value.GetTime(), 978303600);
+    EXPECT_EQ(Utf8(Parse(u"2001-01-01T12:00:00Z").GetNormalized().ToString()), "2001-01-01T12:00:00Z");
+    ExpectThrows<CQzInvalidValueException>([] { CDateTime(CDateTime::dt_time).GetTime(); },
+        u"Failed to GetTime, Date Status must be dateTime or date. Invalid Date Type: time.");
+}
+
+TEST(DateTimeTest, NullTexts)
+{
+    CDateTime value;
+    char16_t const * const pszNull = nullptr;
+    ExpectThrows<CQzInvalidValueException>([&] { value.ParseXSDDate(pszNull); }, u"Invalid Date (Null String)");
+    ExpectThrows<CQzInvalidValueException>([&] { value.ParseXSDTime(pszNull); }, u"Invalid Time (Null String)");
+    ExpectThrows<CQzInvalidValueException>([&] { CDateTime copy(pszNull); }, u"Invalid DateTime (Null String)");
+}
+
+TEST(DateTimeTest, FormatsOtherThanTheLexicalForm)
+{
+    CDateTime const date(2001, 1, 1);
+    EXPECT_EQ(Utf8(date.ToString(nullptr)), "");
+    EXPECT_EQ(Utf8(date.ToString(u"G")), "");
+    EXPECT_EQ(Utf8(date.ToString(u"%s")), "Unknown Format: %s");
+    EXPECT_EQ(Utf8(CDateTime().ToString(nullptr)), "Error: Date Not Set");
+    EXPECT_EQ(Utf8(CDateTime(CDateTime::dt_date).ToString()), "Error: Date Not Set");
+    EXPECT_EQ(Utf8(CDateTime(CDateTime::dt_time).ToString()), "00:00:00");
+}
+
+TEST(DateTimeTest, ConstructorsSwallowAndSettersThrow)
+{
+    std::u16string const strUnset = u"Error: Date Not Set";
+    EXPECT_EQ(CDateTime(2001, 257, 1).ToString(), strUnset);
+    EXPECT_EQ(CDateTime(2001, 1, 1, 24, 0, 0).ToString(), strUnset);
+    EXPECT_EQ(CDateTime(std::numeric_limits<std::int64_t>::max()).ToString(), strUnset);
+    EXPECT_EQ(CDateTime(SYSTEMTIME{2001, 13, 0, 1, 0, 0, 0, 0}).ToString(), strUnset);
+    EXPECT_EQ(CDateTime(FILETIME{0, 0x80000000}).GetType(), CDateTime::dt_yearZero);
+    EXPECT_EQ(Utf8(CDateTime(2001, 1, 2, 3, 4, 5, 6, 7, 8).ToString()), "2001-01-02T03:04:05.006007008");
+
+    CDateTime value;
+    value.SetTime(1, 2, 3);
+    value.SetUTC();
+    ExpectThrows<CQzInvalidValueException>(
+        [&] { value.SetTime(1, 2, 3, 1000, 0, 0); }, u"Invalid Milli-Second [1000] (0 <= milli <= 999)");
+    ExpectThrows<CQzInvalidValueException>([&] { value.SetTime(-1, 0, 0); }, u"Invalid Hour [-1] (0 <= hour <= 23)");
+    ExpectThrows<CQzInvalidStateException>(
+        [&] { value.SetDate(2001, 13, 1); }, u"Failed to copy CDateTime. Invalid Date Type: date, expected: time.");
+    EXPECT_EQ(Utf8(value.ToString()), "01:02:03Z");
+    value.SetFracTime(1, 2, 3);
+    EXPECT_EQ(Utf8(value.ToString()), "00:00:00.001002003");
+    ExpectThrows<CQzInvalidValueException>(
+        [] { CDateTime().SetGYear(65537); }, u"Invalid Year [65537] (-9999 <= year <= 9999 && year != 0)");
+}
+
+TEST(DateTimeTest, PlatformTimes)
+{
+    CDateTime value(std::int64_t(951782400));
+    EXPECT_EQ(Utf8(value.ToString()), "2000-02-29T00:00:00");
+    value = std::int64_t(-1);
+    EXPECT_EQ(Utf8(value.ToString()), "1969-12-31T23:59:59");
+    ExpectThrows<CQzInvalidValueException>(
+        [&] { value = std::int64_t(253402300800); }, u"Invalid Year [10000] (-9999 <= year <= 9999 && year != 0)");
+    // 1601-01-01 and 12.3456789 seconds.
+    value = FILETIME{123456789, 0};
+    EXPECT_EQ(Utf8(value.ToString()), "1601-01-01T00:00:12.345");
+    ExpectThrows<CQzInvalidValueException>(
+        [&] {
+            value = FILETIME{0xFFFFFFFF, 0x7FFFFFFF};
+        },
+        u"Failed to convert FILETIME to SYSTEMTIME");
+    value = SYSTEMTIME{2001, 2, 0, 3, 4, 5, 6, 789};
+    EXPECT_EQ(Utf8(value.ToString()), "2001-02-03T04:05:06.789");
+
+    setenv("TZ", "EST5", 1);
+    tzset();
+    value.SetUTC();
+    SYSTEMTIME const time = value.GetAsSystemTime();
+    EXPECT_EQ(time.wMilliseconds, 789);
+    // Saturday in UTC is still Friday in New York.
+    EXPECT_EQ(time.wDayOfWeek, 5);
+    EXPECT_EQ(value.GetDayOfWeek(), 6);
+    EXPECT_EQ(CDateTime::GetTickCount().GetType(), CDateTime::dt_dateTime);
+    ExpectThrows<CQzInvalidValueException>([] { CDateTime(2001, 1, 1).GetAsSystemTime(); },
+        u"Failed to GetAsSystemTime, Date Status must be dateTime. Invalid Date Type: date.");
+}
+
+TEST(DateTimeTest, FieldsThatATypeLacks)
+{
+    CDateTime time(CDateTime::dt_time);
+    ExpectThrows<CQzInvalidStateException>([&] { time.GetYear(); }, u"Failed to GetYear. Invalid Date Type: time.");
+    ExpectThrows<CQzInvalidStateException>([&] { time.SetMonth(1); }, u"Failed to GetMonth. Invalid Date Type: time.");
+    CDateTime day(CDateTime::dt_gMonthDay);
+    ExpectThrows<CQzInvalidStateException>(
+        [&] { day.GetDayOfYear(); }, u"Failed to GetDayOfYear. Invalid Date Type: gMonthDay.");
+    ExpectThrows<CQzInvalidStateException>(
+        [&] { day.SetNanoSecond(1); }, u"Failed to GetNanoSecond. Invalid Date Type: gMonthDay.");
+    ExpectThrows<CQzInvalidStateException>([&] { day.GetZoneHour(); }, u"TimeZone is not been used");
+    ExpectThrows<CQzInvalidValueException>([&] { day.SetTimeZone(0, 60); }, u"Invalid TimeZone [0:60]");
+    time.SetSecond(200);
+    time.SetMilliSecond(65535);
+    EXPECT_EQ(Utf8(time.ToString()), "00:00:200.65535");
+    EXPECT_DOUBLE_EQ(Parse(u"12:00:01.123456789").GetRealSecond(), 1.123456789);
+}
+
+TEST(DateTimeTest, ConversionNeedsAllFieldsOfTheTarget)
+{
+    // By source and target type from 0 to 8.
+    char const * const kAllowed[] = {"100000000", "111111111", "101110111", "100110010", "100010000", "100001000",
+        "100000100", "100000010", "100000111"};
+    for (int nSource = 0; nSource < 9; ++nSource)
+        for (int nTarget = 0; nTarget < 9; ++nTarget)
+        {
+            CDateTime const source(static_cast<CDateTime::DTType>(nSource));
+            CDateTime target;
+            auto const eTarget = static_cast<CDateTime::DTType>(nTarget);
+            if (kAllowed[nSource][nTarget] == '1')
+                EXPECT_NO_THROW(target.SetDateTime(source, eTarget)) << nSource << " to " << nTarget;
+            else
+                EXPECT_THROW(target.SetDateTime(source, eTarget), CQzInvalidValueException);
+        }
+    CDateTime value(CDateTime::dt_time);
+    value.SetDateTime(Parse(u"2001-02-03T04:05:06+01:00"), CDateTime::dt_gYearMonth);
+    EXPECT_EQ(Utf8(value.ToString()), "2001-02+01:00");
+    ExpectThrows<CQzInvalidValueException>([&] { value.SetDateTime(value, CDateTime::dt_date); },
+        u"Attempting to set a CDateTime of type date using an XmlDateTime of type gYearMonth. The source CDateTime "
+        u"does not contian enough data to allow the conversion.");
+    ExpectThrows<CQzInvalidValueException>([&]
+        { value.SetDateTime(CDateTime(static_cast<CDateTime::DTType>(9)), CDateTime::dt_date); },
+        u"Unknown date type 9.");
+}
+
+} // namespace
