@@ -131,8 +131,7 @@ void CXmlObjectBase::FromJsonStream(
 void CXmlObjectBase::FromJson_Int(CBinaryData const & xml, CSerializationContext const & ctx)
 {
     // Without full round trip the text holds no namespaces that names could be compared with.
-    CFlagGuard const guard(
-        ctx.m_bIgnoreNamespaces, ctx.GetJsonContext().GetSupportRoundtrip() != JsonRoundTrip_Full);
+    CFlagGuard const guard(ctx.m_bIgnoreNamespaces, ctx.GetJsonContext().GetSupportRoundtrip() != JsonRoundTrip_Full);
     try
     {
         FromXmlStream(xml, ctx);

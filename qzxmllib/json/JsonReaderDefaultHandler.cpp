@@ -5,9 +5,7 @@
 namespace QzXmlLib16
 {
 
-IJsonReaderHandler::IJsonReaderHandler() : CInstanceMonitor(u"IJsonReaderHandler")
-{
-}
+IJsonReaderHandler::IJsonReaderHandler() : CInstanceMonitor(u"IJsonReaderHandler") {}
 
 IJsonReaderHandler::~IJsonReaderHandler() = default;
 

@@ -63,9 +63,7 @@ void CJsonReaderToXmlHandler::StartDocument()
     m_pWriter->WriteHeader();
 }
 
-void CJsonReaderToXmlHandler::EndDocument()
-{
-}
+void CJsonReaderToXmlHandler::EndDocument() {}
 
 void CJsonReaderToXmlHandler::Name(std::u16string const & strName)
 {
@@ -228,8 +226,7 @@ void CJsonReaderToXmlHandler::RefuseContainer()
     if (m_eTarget != Target_Attribute && m_eTarget != Target_Text)
         return;
     char16_t const * const pszMark = m_eTarget == Target_Attribute ? u"@" : u"";
-    FailWithPath(FormatString(
-        u"JSON value of [%s%s] must not be an Object or an Array.", pszMark, m_strCurrentName));
+    FailWithPath(FormatString(u"JSON value of [%s%s] must not be an Object or an Array.", pszMark, m_strCurrentName));
 }
 
 void CJsonReaderToXmlHandler::StartObject()
@@ -299,9 +296,8 @@ CBinaryData ConvertJsonToXml(std::u16string_view text, CSerializationContext con
         &writer, options.GetSupportRoundtrip(), reader.GetErrorPathProvider());
     CReadLimits const & limits = ctx.GetReadLimits();
     if (limits.nMaxAmplification != 0 && limits.nMaxAmplifiedUnits != 0)
-        spHandler->SetLimit(
-            stream, std::max<std::uint64_t>(
-                        limits.nMaxAmplifiedUnits, std::uint64_t(limits.nMaxAmplification) * text.size()));
+        spHandler->SetLimit(stream,
+            std::max<std::uint64_t>(limits.nMaxAmplifiedUnits, std::uint64_t(limits.nMaxAmplification) * text.size()));
     reader.SetHandler(spHandler.release());
     reader.m_bAllowComments = options.GetAllowComments();
     reader.m_bStrict = options.GetStrict();

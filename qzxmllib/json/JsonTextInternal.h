@@ -27,8 +27,8 @@ inline std::size_t FindSpecialInJson(char16_t const * pText, std::size_t nUnits)
     {
         __m128i const units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(pText + nAt));
         __m128i const control = _mm_cmpeq_epi16(_mm_subs_epu16(units, lastControl), _mm_setzero_si128());
-        __m128i const found = _mm_or_si128(
-            control, _mm_or_si128(_mm_cmpeq_epi16(units, quote), _mm_cmpeq_epi16(units, backslash)));
+        __m128i const found =
+            _mm_or_si128(control, _mm_or_si128(_mm_cmpeq_epi16(units, quote), _mm_cmpeq_epi16(units, backslash)));
         unsigned const nBits = static_cast<unsigned>(_mm_movemask_epi8(found));
         if (nBits != 0)
             return nAt + static_cast<std::size_t>(__builtin_ctz(nBits)) / 2;

@@ -26,8 +26,7 @@ constexpr char16_t const kEndInArray[] =
     u"Unexpected End of File. Expected Array terminator character ']' at line %d, position %d.";
 constexpr char16_t const kEndInObject[] =
     u"Unexpected End of File. Expected Object terminator character '}' at line %d, position %d.";
-constexpr char16_t const kEndInString[] =
-    u"Unexpected End of File. Expected string value at line %d, position %d.";
+constexpr char16_t const kEndInString[] = u"Unexpected End of File. Expected string value at line %d, position %d.";
 constexpr char16_t const kEndInNumber[] = u"Unexpected End of File. Expected a number at line %d, position %d.";
 constexpr char16_t const kControlCharacter[] = u"Invalid control character in a string at line %d, position %d.";
 
@@ -50,9 +49,7 @@ int HexValue(char16_t c) noexcept
 
 } // namespace
 
-CJsonTextReader::CJsonTextReader(std::u16string_view text) : CInstanceMonitor(u"CJsonTextReader"), m_text(text)
-{
-}
+CJsonTextReader::CJsonTextReader(std::u16string_view text) : CInstanceMonitor(u"CJsonTextReader"), m_text(text) {}
 
 CJsonTextReader::~CJsonTextReader() = default;
 
@@ -251,16 +248,14 @@ void CJsonTextReader::ReadObject(int nDepth)
     for (;;)
     {
         if (m_cCurrent != u'"')
-            FailFound(
-                u"Expected quotation mark character '\"' before Name, found '%c' at line %d, position %d.");
+            FailFound(u"Expected quotation mark character '\"' before Name, found '%c' at line %d, position %d.");
         ReadString();
         m_defaultHandler.Name(m_strToken);
         if (m_bEndOfText)
             Fail(u"Unexpected End of File. Expected Object Name/Value separator character ':' at line %d, position "
                  u"%d.");
         if (m_cCurrent != u':')
-            FailFound(
-                u"Expected Object Name/Value separator character ':', found '%c' at line %d, position %d.");
+            FailFound(u"Expected Object Name/Value separator character ':', found '%c' at line %d, position %d.");
         NextTokenOr(u"Unexpected End of File. Expected Object Value at line %d, position %d.");
         ReadValue(nDepth);
         if (m_bEndOfText)
@@ -300,8 +295,7 @@ void CJsonTextReader::ReadArray(int nDepth)
     }
 }
 
-void CJsonTextReader::ReadLiteral(
-    std::u16string_view rest, char16_t const * pszShort, char16_t const * pszSpelling)
+void CJsonTextReader::ReadLiteral(std::u16string_view rest, char16_t const * pszShort, char16_t const * pszSpelling)
 {
     char16_t const * pChars = nullptr;
     if (!ReadChars(pChars, rest.size()))

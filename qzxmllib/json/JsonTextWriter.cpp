@@ -135,8 +135,7 @@ void CJsonTextWriter::PutRaw(std::u16string_view text)
 }
 
 /// The name of a property and what stands between it and the value.
-void CJsonTextWriter::PutName(
-    std::u16string_view mark, std::u16string const * pAlias, std::u16string const & strName)
+void CJsonTextWriter::PutName(std::u16string_view mark, std::u16string const * pAlias, std::u16string const & strName)
 {
     Put(mark);
     if (pAlias != nullptr)
@@ -197,8 +196,7 @@ void CJsonTextWriter::WriteEscaped(std::u16string_view text)
                 escape = row.text;
         if (escape.empty())
         {
-            char16_t const aHex[] = {
-                u'\\', u'u', u'0', u'0', u"01"[c >> 4], u"0123456789ABCDEF"[c & 15]};
+            char16_t const aHex[] = {u'\\', u'u', u'0', u'0', u"01"[c >> 4], u"0123456789ABCDEF"[c & 15]};
             Put({aHex, 6});
         }
         Put(escape);
@@ -254,13 +252,9 @@ void CJsonTextWriter::WriteComment(std::u16string const & strText)
     FlushIfFull();
 }
 
-void CJsonTextWriter::WriteProcessingInstruction(std::u16string const &)
-{
-}
+void CJsonTextWriter::WriteProcessingInstruction(std::u16string const &) {}
 
-void CJsonTextWriter::WriteInLineSchema(std::u16string const &)
-{
-}
+void CJsonTextWriter::WriteInLineSchema(std::u16string const &) {}
 
 /// The item, the first of a collection, is about to get a value: opens the array in front of it. Does nothing for an
 /// element that is no such item.
@@ -482,9 +476,7 @@ void CJsonTextWriter::WriteXsiType(
     WriteAttribute(s_strName, s_strNamespace, strValue, eType);
 }
 
-void CJsonTextWriter::WriteXsiNil()
-{
-}
+void CJsonTextWriter::WriteXsiNil() {}
 
 void CJsonTextWriter::SetFormat(bool bFormat)
 {
