@@ -119,13 +119,34 @@ inline bool CJsonTextReader::NextChar()
 /// As NextChar, but passes over white space and comments.
 bool CJsonTextReader::NextToken()
 {
-    while (NextChar())
+    std::size_t nAt = m_nPosition;
+    for (; nAt < m_text.size(); ++nAt)
     {
-        if (CWhitespaceUtils::IsWhiteSpace(m_cCurrent))
-            continue;
-        if (m_cCurrent != u'/' || !m_bAllowComments || m_bStrict || !SkipComment())
-            return !m_bEndOfText;
+        char16_t const c = m_text[nAt];
+        if (c > u' ' && c != u'/')
+        {
+            m_nPosition = nAt + 1;
+            m_cCurrent = c;
+            return true;
+        }
+        if (c == u'\n')
+        {
+            ++m_nLine;
+            m_nLineStart = nAt + 1;
+        }
+        else if (!CWhitespaceUtils::IsWhiteSpace(c))
+        {
+            m_nPosition = nAt + 1;
+            m_cCurrent = c;
+            if (c != u'/' || !m_bAllowComments || m_bStrict || !SkipComment())
+                return true;
+            if (m_bEndOfText)
+                return false;
+            nAt = m_nPosition - 1;
+        }
     }
+    m_nPosition = nAt;
+    m_bEndOfText = true;
     return false;
 }
 

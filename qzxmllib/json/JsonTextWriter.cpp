@@ -103,26 +103,23 @@ inline void CJsonTextWriter::Put(char16_t c)
     m_pStream->Write(c);
 }
 
-inline void CJsonTextWriter::PutEOL()
-{
-    if (m_bFormat)
-        Put(m_strEOL);
-}
-
 inline void CJsonTextWriter::FlushIfFull()
 {
     if (m_pStream->NeedsFlush())
         m_pStream->Flush();
 }
 
-void CJsonTextWriter::PutIndent(std::int32_t nDepth)
+/// A line end and, on the new line, the indentation of the depth.
+void CJsonTextWriter::PutBreak(std::int32_t nDepth)
 {
     if (!m_bFormat)
         return;
-    std::size_t const nUnits = static_cast<std::size_t>(nDepth) * m_strIndentChars.size();
-    while (m_strIndentRun.size() < nUnits)
-        m_strIndentRun += m_strIndentChars;
-    Put(std::u16string_view(m_strIndentRun).substr(0, nUnits));
+    std::size_t const nUnits = m_strEOL.size() + static_cast<std::size_t>(nDepth) * m_strIndentChars.size();
+    if (m_strBreak.empty())
+        m_strBreak = m_strEOL;
+    while (m_strBreak.size() < nUnits)
+        m_strBreak += m_strIndentChars;
+    Put(std::u16string_view(m_strBreak.data(), nUnits));
 }
 
 /// A part of a name or a URI, which is not escaped where other tools do not matter.
@@ -152,7 +149,6 @@ void CJsonTextWriter::PutDeclaration(
     CXmlWriterContext & context, std::u16string const * pAlias, std::u16string const & strUri)
 {
     WriteSeparator(context);
-    PutIndent(context.m_nDepth + 1);
     Put(u"\"@xmlns");
     if (pAlias != nullptr)
     {
@@ -205,10 +201,9 @@ void CJsonTextWriter::WriteEscaped(std::u16string_view text)
 
 void CJsonTextWriter::WriteValue(std::u16string_view text, ItemType eType)
 {
-    text = UpToZero(text);
-    if (IsUnquoted(eType) && (!m_bStrict || IsJsonLiteral(text)))
+    if (IsUnquoted(eType) && (!m_bStrict || IsJsonLiteral(UpToZero(text))))
     {
-        Put(text);
+        Put(UpToZero(text));
         return;
     }
     Put(u'"');
@@ -231,13 +226,13 @@ void CJsonTextWriter::EndDocument()
 void CJsonTextWriter::WriteDocumentStart()
 {
     Put(u'{');
-    PutEOL();
+    PutBreak(0);
     FlushIfFull();
 }
 
 void CJsonTextWriter::WriteDocumentEnd()
 {
-    PutEOL();
+    PutBreak(0);
     Put(u'}');
 }
 
@@ -269,8 +264,7 @@ void CJsonTextWriter::OpenArrayOf(CXmlWriterContext & item)
     {
         ++pHolder->m_nDepth;
         ++item.m_nDepth;
-        PutEOL();
-        PutIndent(item.m_nDepth);
+        PutBreak(item.m_nDepth);
     }
     if (m_nArrays == m_arrays.size())
         m_arrays.emplace_back();
@@ -284,8 +278,7 @@ void CJsonTextWriter::CloseArray(CXmlWriterContext & holder)
     holder.m_eArrayState = ArrayState_None;
     if (m_bFormat)
     {
-        PutEOL();
-        PutIndent(holder.m_nDepth);
+        PutBreak(holder.m_nDepth);
         --holder.m_nDepth;
     }
     Put(u']');
@@ -310,7 +303,7 @@ bool CJsonTextWriter::IsNextItem(std::u16string const & strName, std::u16string 
     return strName == first.strName && (m_eRoundTrip != JsonRoundTrip_Full || strUri == first.strUri);
 }
 
-/// Makes the value of the element an object that can take one more property.
+/// Makes the value of the element an object that can take one more property, which begins a new line.
 void CJsonTextWriter::WriteSeparator(CXmlWriterContext & context)
 {
     if (m_bObjectPending)
@@ -322,7 +315,8 @@ void CJsonTextWriter::WriteSeparator(CXmlWriterContext & context)
     {
         Put(u',');
     }
-    PutEOL();
+    // Taken now, as an array that was opened here has raised it.
+    PutBreak(context.m_nDepth + 1);
 }
 
 std::u16string const & CJsonTextWriter::RequireAlias(
@@ -382,8 +376,11 @@ void CJsonTextWriter::WriteStartElement(std::u16string const & strName, std::u16
     }
     CXmlWriterContext & context = PushContext(strName, strUri);
     if (context.GetParent() == nullptr)
+    {
         context.m_nDepth = 1;
-    PutIndent(context.m_nDepth);
+        if (m_bFormat)
+            Put(m_strIndentChars);
+    }
     m_bObjectPending = true;
     if (bNamed)
         WriteElementName(context);
@@ -412,8 +409,7 @@ void CJsonTextWriter::WriteTextView(std::u16string_view text, ItemType eType)
         if (!m_bObjectPending)
         {
             Put(u',');
-            PutEOL();
-            PutIndent(context.m_nDepth + 1);
+            PutBreak(context.m_nDepth + 1);
             Put(m_eRoundTrip != JsonRoundTrip_None ? u"\"#text\": " : u"\"\": ");
         }
         WriteValue(text, eType);
@@ -428,8 +424,7 @@ void CJsonTextWriter::WriteEndElement()
     FinishArray(context, false);
     if (!m_bObjectPending)
     {
-        PutEOL();
-        PutIndent(context.m_nDepth);
+        PutBreak(context.m_nDepth);
         Put(u'}');
     }
     else if (!context.m_bContentFlag)
@@ -452,7 +447,6 @@ void CJsonTextWriter::WriteAttributeView(
 {
     CXmlWriterContext & context = RequireContext();
     WriteSeparator(context);
-    PutIndent(context.m_nDepth + 1);
     std::u16string const * const pAlias =
         m_eRoundTrip == JsonRoundTrip_Full && !strUri.empty() ? &RequireAlias(context, strUri, strName) : nullptr;
     PutName(m_eRoundTrip != JsonRoundTrip_None ? u"\"@" : u"\"", pAlias, strName);
@@ -490,12 +484,13 @@ void CJsonTextWriter::SetEOL(EOLType eEOLType)
         throw CQzException(u"Invalid EOL type.");
     m_strEOL = eEOLType == EOLType_CRLF ? u"\r\n" : u"\n";
     m_eEOLType = eEOLType;
+    m_strBreak.clear();
 }
 
 void CJsonTextWriter::SetIndentChars(char16_t const * pszIndentChars)
 {
     m_strIndentChars = pszIndentChars;
-    m_strIndentRun.clear();
+    m_strBreak.clear();
 }
 
 } // namespace QzXmlLib16

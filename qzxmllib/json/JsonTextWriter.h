@@ -78,8 +78,7 @@ private:
 
     void Put(std::u16string_view text);
     void Put(char16_t c);
-    void PutEOL();
-    void PutIndent(std::int32_t nDepth);
+    void PutBreak(std::int32_t nDepth);
     void PutRaw(std::u16string_view text);
     void PutName(std::u16string_view mark, std::u16string const * pAlias, std::u16string const & strName);
     void PutDeclaration(CXmlWriterContext & context, std::u16string const * pAlias, std::u16string const & strUri);
@@ -105,8 +104,8 @@ private:
     CTextStream * m_pStream;
     /// The name of the innermost element is written, and its value is not an object so far.
     bool m_bObjectPending = false;
-    /// As many repetitions of m_strIndentChars as were needed so far.
-    std::u16string m_strIndentRun;
+    /// The line end and as much indentation as was needed so far.
+    std::u16string m_strBreak;
     /// One for each open array, innermost last. Records behind m_nArrays are kept for their strings.
     std::vector<ItemName> m_arrays;
     std::size_t m_nArrays = 0;
