@@ -236,8 +236,14 @@ std::u16string CXmlWriter::GenerateNamespaceAlias(CNamespaceMap const & namespac
 
 void CXmlWriter::SetArrayState(std::int32_t eState) noexcept
 {
-    if (m_pContext != nullptr)
-        m_pContext->m_eArrayState = eState;
+    if (m_pContext == nullptr)
+        return;
+    std::int32_t & eNow = m_pContext->m_eArrayState;
+    if (eState == 1 && eNow == 3)
+        eState = 4; // the finished array is still to be closed
+    else if (eState == 3 && eNow == 1)
+        eState = 0; // no item has opened the array
+    eNow = eState;
 }
 
 CXmlWriter::CXmlWriterContext & CXmlWriter::PushContext(std::u16string const & strName, std::u16string const & strUri)
