@@ -249,21 +249,21 @@ void MemoryRows(Options const & options)
     std::printf("%-34s %15s\n", "growth of peak memory", "");
     PrintGrowth("UTF-8 XML to objects", PeakGrowth(load, [&] { ReadOrders(strXml); }), octets, "at most 6");
     PrintGrowth(
-        "ToXmlStream", PeakGrowth(loadObjects, [&] { spOrders->ToXmlStream(true, bFormatted); }), octets, "at most 3");
+        "ToXmlStream", PeakGrowth(loadObjects, [&] { spOrders->ToXmlStream(true, true); }), octets, "at most 3");
     CSerializationContext ctx;
     ctx.SetDefaultNamespaceURI(Orders::kNamespace);
     CBinaryData json;
     auto const loadJson = [&]
     {
         loadObjects();
-        json = spOrders->ToJsonStream(bFormatted, XmlEncoding_UTF8, EOLType_LF, ctx);
+        json = spOrders->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx);
         spOrders = nullptr;
     };
     PrintGrowth("JSON to objects",
         PeakGrowth(loadJson, [&] { CSmartPtr<Orders::COrders>(new Orders::COrders)->FromJsonStream(json, ctx); }),
         octets, "at most 12 per octet of JSON");
     PrintGrowth("ToJsonStream",
-        PeakGrowth(loadObjects, [&] { spOrders->ToJsonStream(bFormatted, XmlEncoding_UTF8, EOLType_LF, ctx); }), octets,
+        PeakGrowth(loadObjects, [&] { spOrders->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx); }), octets,
         "at most 12");
     std::u16string const strOut = Widen((std::filesystem::temp_directory_path() / "bench_orders.xml").string());
     PrintGrowth("ToXmlFile, asynchronous",
