@@ -7,6 +7,7 @@
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlTextWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 namespace QzXmlLib16
@@ -94,14 +95,15 @@ void CXmlObjectBase::ToXmlFile(char16_t const * fileName, bool includeHeader, bo
     RefuseZLib(eCompression);
     if (g_bAsyncToXmlFile && eCompression == CompressionType_None)
     {
-        CFileTextStream stream(fileName, eEncoding);
+        CFileTextStream stream(OrEmpty(fileName), eEncoding);
         CXmlTextWriter writer(&stream);
         StartXml(writer, {includeHeader, formatted, eEOL}, ctx);
         WriteTo(writer, ctx);
         writer.EndDocument();
         return;
     }
-    CFileBinaryStream(fileName, eEncoding, ToXmlStream(includeHeader, formatted, eEncoding, eEOL, ctx, eCompression))
+    CFileBinaryStream(
+        OrEmpty(fileName), eEncoding, ToXmlStream(includeHeader, formatted, eEncoding, eEOL, ctx, eCompression))
         .WriteToFile();
 }
 

@@ -1,9 +1,9 @@
 #include "qzxmllib/binding/XmlObjectBase.h"
 
+#include "qzxmllib/binding/XmlObjectEntriesInternal.h"
 #include "qzxmllib/document/FileBinaryStream.h"
-#include "qzxmllib/document/QzZip.h"
 #include "qzxmllib/fastinfoset/FastInfosetWriter.h"
-#include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 
 namespace QzXmlLib16
 {
@@ -18,18 +18,14 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(
     WriteTo(writer, ctx);
     writer.WriteDocumentEnd();
     writer.EndDocument();
-    CBinaryData data = stream.TakeData();
-    if (eCompression != CompressionType_None)
-        CQzZip::Compress(data, eCompression);
-    return data;
+    return Compressed(stream.TakeData(), eCompression);
 }
 
 void CXmlObjectBase::ToFastInfosetFile(
     char16_t const * fileName, FInfoDecl eDecl, CSerializationContext const & ctx, CompressionType eCompression) const
 {
-    if (eCompression == CompressionType_ZLib)
-        throw CQzException(u"ZLIB Compression only available for To Stream methods.");
-    CFileBinaryStream(fileName, XmlEncoding_None, ToFastInfosetStream(eDecl, ctx, eCompression)).WriteToFile();
+    RefuseZLib(eCompression);
+    CFileBinaryStream(OrEmpty(fileName), XmlEncoding_None, ToFastInfosetStream(eDecl, ctx, eCompression)).WriteToFile();
 }
 
 } // namespace QzXmlLib16

@@ -8,6 +8,7 @@
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/json/JsonContext.h"
 #include "qzxmllib/json/JsonTextWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 namespace QzXmlLib16
@@ -86,7 +87,7 @@ void CXmlObjectBase::ToJsonFile(char16_t const * fileName, bool formatted, XmlEn
     RefuseZLib(eCompression);
     if (IsAsyncToXmlFile() && eCompression == CompressionType_None)
     {
-        CFileTextStream stream(fileName, eEncoding);
+        CFileTextStream stream(OrEmpty(fileName), eEncoding);
         CJsonTextWriter writer(stream);
         StartJson(writer, formatted, eEOL, ctx);
         WriteTo(writer, ctx);
@@ -94,7 +95,7 @@ void CXmlObjectBase::ToJsonFile(char16_t const * fileName, bool formatted, XmlEn
         return;
     }
     // JSON files have no byte order mark on this path, whatever their encoding.
-    CFileBinaryStream(fileName, XmlEncoding_UTF8, ToJsonStream(formatted, eEncoding, eEOL, ctx, eCompression))
+    CFileBinaryStream(OrEmpty(fileName), XmlEncoding_UTF8, ToJsonStream(formatted, eEncoding, eEOL, ctx, eCompression))
         .WriteToFile();
 }
 

@@ -1,5 +1,6 @@
 #include "qzxmllib/document/XmlWriter.h"
 
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
 
@@ -22,11 +23,6 @@ constexpr std::size_t kFewestAliasSlots = 16;
 constexpr std::size_t kMostAliasSlots = 4096;
 
 constexpr std::size_t kLetters = 26;
-
-bool SameText(std::u16string const & strA, std::u16string const & strB) noexcept
-{
-    return strA.size() == strB.size() && std::memcmp(strA.data(), strB.data(), strA.size() * sizeof(char16_t)) == 0;
-}
 
 /// URIs differ mostly at their ends.
 std::size_t HashUri(std::u16string const & strUri) noexcept
@@ -278,7 +274,7 @@ void CXmlWriter::PopContext() noexcept
 
 bool CXmlWriter::NeedsNoPrefix(CXmlWriterContext const & context, std::u16string const & strUri) noexcept
 {
-    return strUri.empty() || SameText(strUri, context.GetDefaultNamespace());
+    return strUri.empty() || EqualText(strUri, context.GetDefaultNamespace());
 }
 
 std::u16string const * CXmlWriter::FindKnownPrefix(CXmlWriterContext const & context, std::u16string const & strUri)
@@ -286,7 +282,7 @@ std::u16string const * CXmlWriter::FindKnownPrefix(CXmlWriterContext const & con
     CNamespaceMap const & namespaces = context.GetNamespaces();
     auto const holds = [&](LastAlias const & last) {
         return last.pMap == &namespaces && last.nGeneration == m_nScopeGeneration &&
-               SameText(last.pEntry->first, strUri);
+               EqualText(last.pEntry->first, strUri);
     };
     if (holds(m_lastAlias))
         return &m_lastAlias.pEntry->second;
