@@ -196,6 +196,8 @@ private:
     /// Fills this object from the root of a loaded document.
     void ReadFrom(CXmlDocument & document, CSerializationContext const & ctx);
     void ReadFromRoot(CXmlElement * pRoot, CSerializationContext const & ctx);
+    /// Fills this object from the XML text that was made of JSON. Without full round trip the names alone decide.
+    void FromJson_Int(CBinaryData const & xml, CSerializationContext const & ctx);
     /// The operations that write are constant although the questions they ask of the object are not.
     CXmlObjectBase * Mutable() const { return const_cast<CXmlObjectBase *>(this); }
 

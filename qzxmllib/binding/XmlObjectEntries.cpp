@@ -1,5 +1,6 @@
 #include "qzxmllib/binding/XmlObjectBase.h"
 
+#include "qzxmllib/binding/XmlObjectEntriesInternal.h"
 #include "qzxmllib/document/FileBinaryStream.h"
 #include "qzxmllib/document/FileTextStream.h"
 #include "qzxmllib/document/QzZip.h"
@@ -35,6 +36,13 @@ void StartXml(CXmlTextWriter & writer, TextOptions const & options, CSerializati
         writer.WriteHeader();
 }
 
+} // namespace
+
+bool IsAsyncToXmlFile() noexcept
+{
+    return g_bAsyncToXmlFile;
+}
+
 void RefuseZLib(CompressionType eCompression)
 {
     if (eCompression == CompressionType_ZLib)
@@ -47,8 +55,6 @@ CBinaryData Compressed(CBinaryData data, CompressionType eCompression)
         CQzZip::Compress(data, eCompression);
     return data;
 }
-
-} // namespace
 
 void AsyncToXmlFile(bool bAsync)
 {

@@ -6,6 +6,7 @@
 #include "qzxmllib/document/QzZip.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetReader.h"
+#include "qzxmllib/json/JsonReaderToXmlHandler.h"
 #include "qzxmllib/support/PlatformFileInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BinaryData.h"
@@ -144,7 +145,7 @@ CBinaryData CXmlDocument::LoadJson(char const * pszText)
     Cleanup();
     std::size_t const nOctets = LengthOf(pszText);
     CheckSize(nOctets, u"JSON String");
-    return ConvertJsonToXml(DecodeUtf8(reinterpret_cast<unsigned char const *>(pszText), nOctets));
+    return ConvertJsonToXml(DecodeUtf8(reinterpret_cast<unsigned char const *>(pszText), nOctets), *m_pContext);
 }
 
 CBinaryData CXmlDocument::LoadJson(char16_t const * pszText)
@@ -152,7 +153,7 @@ CBinaryData CXmlDocument::LoadJson(char16_t const * pszText)
     Cleanup();
     std::size_t const nUnits = LengthOf(pszText);
     CheckSize(nUnits, u"JSON String");
-    return ConvertJsonToXml(std::u16string(pszText, nUnits));
+    return ConvertJsonToXml({pszText, nUnits}, *m_pContext);
 }
 
 void CXmlDocument::ReadWholeFile(char16_t const * pszFileName)
@@ -295,12 +296,8 @@ CBinaryData CXmlDocument::ParseJson(unsigned char const * pOctets, std::uint32_t
     Inflate(pOctets, nOctets);
     std::uint32_t constexpr nMark = sizeof kByteOrderMark;
     bool const bMark = nOctets >= nMark && std::equal(kByteOrderMark, kByteOrderMark + nMark, pOctets);
-    return ConvertJsonToXml(bMark ? DecodeUtf8(pOctets + nMark, nOctets - nMark) : DecodeUtf8(pOctets, nOctets));
-}
-
-CBinaryData CXmlDocument::ConvertJsonToXml(std::u16string const &)
-{
-    throw CQzException(u"JSON input is not available.");
+    return ConvertJsonToXml(
+        bMark ? DecodeUtf8(pOctets + nMark, nOctets - nMark) : DecodeUtf8(pOctets, nOctets), *m_pContext);
 }
 
 std::u16string CXmlDocument::LookupNamespaceFromAlias(char16_t const * alias) const

@@ -275,7 +275,6 @@ private:
     bool ReadFastInfoset(unsigned char const * pOctets, std::uint32_t nOctets);
     void Inflate(unsigned char const *& pOctets, std::uint32_t & nOctets);
     CBinaryData ParseJson(unsigned char const * pOctets, std::uint32_t nOctets);
-    CBinaryData ConvertJsonToXml(std::u16string const & strJson);
 
     /// State of a read in chunks.
     struct AsyncRead;
