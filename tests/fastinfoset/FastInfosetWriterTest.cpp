@@ -50,36 +50,26 @@ void Play(Writer & writer, std::u16string strCalls)
         }
         std::size_t const nValue = std::min(strCall.find(u'='), strCall.size());
         std::u16string const strName = strCall.substr(0, nValue);
-        switch (cCall)
-        {
-        case u'<':
+        if (cCall == u'<')
             writer.WriteStartElement(strName, strUri);
-            break;
-        case u'/':
+        else if (cCall == u'/')
             writer.WriteEndElement();
-            break;
-        case u'\'':
+        else if (cCall == u'\'')
             writer.WriteText(strCall, eType);
-            break;
-        case u'@':
+        else if (cCall == u'@')
             writer.WriteAttribute(strName, strUri, strCall.substr(nValue + 1), eType);
-            break;
-        case u'^':
+        else if (cCall == u'^')
             writer.WriteXsiType(strUri, strName, eType);
-            break;
-        case u'!':
+        else if (cCall == u'!')
             writer.WriteXsiNil();
-            break;
-        case u'%':
+        else if (cCall == u'%')
             eType = static_cast<ItemType>(std::stoi(Utf8(strName)));
-            break;
-        case u'=':
+        else if (cCall == u'=')
             writer.AddNamespace(strName, strUri);
-            break;
-        case u'd':
+        else if (cCall == u'd')
             writer.SetDefaultNamespace(strUri);
-            break;
-        default:
+        else
+        {
             writer.WriteComment(strName);
             writer.WriteInLineSchema(strName);
             writer.WriteProcessingInstruction(strName);
