@@ -91,6 +91,8 @@ bool CFIVocabulary::CIndexMap::Find(std::u16string_view key, std::uint32_t & dwI
 
 void CFIVocabulary::CIndexMap::Add(std::u16string_view key)
 {
+    if (m_keys.size() >= kMaxEntries)
+        return;
     if (m_keys.size() >= m_slots.size() / 2)
     {
         std::vector<Slot> slots(m_slots.size() * 2);
@@ -168,18 +170,6 @@ std::u16string CFIVocabulary::NameKey(
     return strKey;
 }
 
-bool CFIVocabulary::FindIndex(CIndexMap const & map, std::u16string_view key, std::uint32_t & dwIndex) noexcept
-{
-    return map.Find(key, dwIndex);
-}
-
-void CFIVocabulary::AddValueToMap(std::u16string_view key, CIndexMap & map)
-{
-    std::uint32_t dwIndex = 0;
-    if (map.Size() < kMaxEntries && !map.Find(key, dwIndex))
-        map.Add(key);
-}
-
 void CFIVocabulary::AddValueToVector(std::u16string_view value, std::vector<std::u16string> & table)
 {
     if (table.size() < kMaxEntries)
@@ -197,7 +187,7 @@ void CFIVocabulary::AddValue(std::u16string const & strValue, CIndexMap & map, C
     std::uint32_t dwIndex = 0;
     if (map.Find(strValue, dwIndex))
         return;
-    AddValueToMap(strValue, map);
+    map.Add(strValue);
     AddValueToVector(strValue, table.m_table);
 }
 
@@ -233,7 +223,7 @@ void CFIVocabulary::AddQName(std::u16string const & strPrefix, std::u16string co
     if (!strNamespace.empty())
         parts.m_dwNamespaceIndex = AddPart(strNamespace, m_mapNamespaceNames, m_namespaceNames);
     parts.m_dwLocalNameIndex = AddPart(strLocalName, m_mapLocalNames, m_localNames);
-    AddValueToMap(strKey, map);
+    map.Add(strKey);
     AddQNameToVector(parts, table.m_table);
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -119,9 +120,8 @@ private:
         std::uint32_t Size() const noexcept { return static_cast<std::uint32_t>(m_keys.size()); }
         /// The key of an index.
         std::u16string const & Key(std::uint32_t dwIndex) const { return m_keys[dwIndex - 1]; }
-        /// Requires that the key is absent.
+        /// Requires that the key is absent. Does nothing when the map is full.
         void Add(std::u16string_view key);
-        std::vector<std::u16string> const & Keys() const noexcept { return m_keys; }
 
     private:
         struct Slot
@@ -134,7 +134,7 @@ private:
         void Place(Slot slot) noexcept;
 
         std::uint64_t m_nSeed;
-        std::vector<std::u16string> m_keys;
+        std::deque<std::u16string> m_keys;
         std::vector<Slot> m_slots;
     };
 
@@ -145,8 +145,6 @@ private:
     /// Key of a qualified name in the maps. No part of a name holds the separator, which XML does not allow.
     static std::u16string NameKey(
         std::u16string_view prefix, std::u16string_view namespaceName, std::u16string_view localName);
-    static bool FindIndex(CIndexMap const & map, std::u16string_view key, std::uint32_t & dwIndex) noexcept;
-    static void AddValueToMap(std::u16string_view key, CIndexMap & map);
     static void AddValueToVector(std::u16string_view value, std::vector<std::u16string> & table);
     static void AddQNameToVector(CQNameParts const & parts, std::vector<CQNameParts> & table);
     static void AddValue(std::u16string const & strValue, CIndexMap & map, CFIStringTable & table);

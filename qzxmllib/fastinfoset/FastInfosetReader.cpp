@@ -270,6 +270,8 @@ std::u16string CFastInfosetReader::Decode(CString const & string) const
     switch (string.eKind)
     {
     case FIStringKind_Utf8:
+        if (IsPlainAscii(string.pOctets, string.nOctets))
+            return std::u16string(string.pOctets, string.pOctets + string.nOctets);
         return DecodeUtf8(string.pOctets, string.nOctets);
     case FIStringKind_Utf16:
     {

@@ -36,9 +36,30 @@ constexpr std::u16string_view kXmlNamespace = u"http://www.w3.org/XML/1998/names
 constexpr std::u16string_view kXsiNamespace = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr std::u16string_view kVocabularyUri = u"http://qzxmllib.example/fastinfoset/vocabulary/1";
 
+/// Four code units.
+std::uint64_t Load(char16_t const * p) noexcept
+{
+    std::uint64_t n;
+    std::memcpy(&n, p, sizeof n);
+    return n;
+}
+
+/// Names are too short for a call.
 bool SameUnits(char16_t const * pA, std::u16string_view b) noexcept
 {
-    return b.empty() || std::memcmp(pA, b.data(), b.size() * sizeof(char16_t)) == 0;
+    std::size_t const n = b.size();
+    char16_t const * const pB = b.data();
+    if (n < 4)
+    {
+        for (std::size_t i = 0; i < n; ++i)
+            if (pA[i] != pB[i])
+                return false;
+        return true;
+    }
+    for (std::size_t i = 0; i + 4 < n; i += 4)
+        if (Load(pA + i) != Load(pB + i))
+            return false;
+    return Load(pA + n - 4) == Load(pB + n - 4);
 }
 
 /// Whether the parts make the key. The two code units between them have their place whatever they are.
@@ -54,10 +75,14 @@ bool IsKeyOf(std::u16string const & strKey, std::u16string_view prefix, std::u16
 /// Names of one document differ mostly in the local name.
 std::size_t LastNameSlot(std::u16string_view uri, std::u16string_view localName) noexcept
 {
-    std::size_t nHash = localName.size() + 31 * uri.size();
-    for (std::size_t i = 0; i < std::min<std::size_t>(localName.size(), 4); ++i)
-        nHash = nHash * 37 + localName[i] + std::size_t(localName[localName.size() - 1 - i]) * 5;
-    return (nHash ^ nHash >> 8) % kLastNames;
+    std::size_t const n = localName.size();
+    std::uint64_t nHash = uri.size() << 8 | n;
+    if (n >= 4)
+        nHash ^= Load(localName.data()) * 3 + Load(localName.data() + n - 4);
+    else
+        for (char16_t const c : localName)
+            nHash = nHash << 16 ^ c;
+    return (nHash * 0x9E3779B97F4A7C15u >> 32) % kLastNames;
 }
 
 } // namespace
@@ -76,6 +101,61 @@ CFastInfosetWriter::~CFastInfosetWriter()
     // The base frees the records from the innermost one on, and the pending one owns all others.
     if (m_pPendingContext != nullptr)
         m_pContext = m_pPendingContext;
+}
+
+/// Makes room for so many octets and gives it. The octets count when m_nUsed is raised.
+inline unsigned char * CFastInfosetWriter::Room(std::size_t nOctets)
+{
+    if (m_nSize - m_nUsed < nOctets)
+    {
+        FlushOctets();
+        if (m_nSize < nOctets)
+        {
+            m_spOctets.reset(new unsigned char[nOctets]);
+            m_nSize = nOctets;
+        }
+    }
+    return m_spOctets.get() + m_nUsed;
+}
+
+inline void CFastInfosetWriter::Put(unsigned dwOctet)
+{
+    *Room(1) = static_cast<unsigned char>(dwOctet);
+    ++m_nUsed;
+}
+
+inline void CFastInfosetWriter::PutNumber(FIForms const & forms, unsigned dwLead, std::uint32_t dwNumber)
+{
+    FIForm const * pForm = forms.begin();
+    while (dwNumber - pForm->dwBase >= pForm->Count())
+        ++pForm;
+    std::uint64_t const nRest = dwNumber - pForm->dwBase;
+    unsigned char * p = Room(kLongestNumber);
+    *p++ = static_cast<unsigned char>(dwLead | pForm->dwLead | nRest >> (8 * pForm->nOctets));
+    for (std::uint32_t n = pForm->nOctets; n-- > 0;)
+        *p++ = static_cast<unsigned char>(nRest >> (8 * n));
+    m_nUsed += 1 + pForm->nOctets;
+}
+
+inline void CFastInfosetWriter::PutLength(FIForms const & forms, unsigned dwLead, std::size_t nOctets)
+{
+    if (nOctets > 0xFFFFFFFF)
+        throw CQzException(u"Binary data too large.");
+    PutNumber(forms, dwLead, static_cast<std::uint32_t>(nOctets));
+}
+
+inline void CFastInfosetWriter::ClosePendingTerminator()
+{
+    if (m_bPendingTerminator)
+        Put(kTerminator);
+    m_bPendingTerminator = false;
+}
+
+inline void CFastInfosetWriter::CloseAttributeList(CXmlWriterContext & context)
+{
+    if (context.m_bStartTagOpen && context.m_bContentFlag)
+        Put(kTerminator);
+    context.m_bStartTagOpen = false;
 }
 
 void CFastInfosetWriter::WriteHeader(FInfoDecl eDecl)
@@ -163,7 +243,7 @@ void CFastInfosetWriter::WriteTextView(std::u16string_view text, ItemType eType)
         return;
     }
     WriteEncodedString(kStringOnBit5, kChunk | kChunkAdd, text, eType);
-    CFIVocabulary::AddValueToMap(text, map);
+    map.Add(text);
 }
 
 void CFastInfosetWriter::WriteEndElement()
@@ -255,20 +335,6 @@ void CFastInfosetWriter::WriteRootNamespaces(unsigned dwLead)
     Put(kTerminator);
 }
 
-void CFastInfosetWriter::ClosePendingTerminator()
-{
-    if (m_bPendingTerminator)
-        Put(kTerminator);
-    m_bPendingTerminator = false;
-}
-
-void CFastInfosetWriter::CloseAttributeList(CXmlWriterContext & context)
-{
-    if (context.m_bStartTagOpen && context.m_bContentFlag)
-        Put(kTerminator);
-    context.m_bStartTagOpen = false;
-}
-
 /// The innermost element, which has begun with the mark that attributes follow.
 CXmlWriter::CXmlWriterContext & CFastInfosetWriter::RequireAttributes()
 {
@@ -305,8 +371,9 @@ void CFastInfosetWriter::WriteName(FINameForm const & form, unsigned dwLead, std
         if (!uri.empty())
             WriteNamePart(m_pVocabulary->m_mapNamespaceNames, uri);
         WriteNamePart(m_pVocabulary->m_mapLocalNames, localName);
-        CFIVocabulary::AddValueToMap(strKey, map);
-        if (!map.Find(strKey, dwIndex))
+        dwIndex = map.Size() + 1;
+        map.Add(strKey);
+        if (map.Size() < dwIndex)
             return;
     }
     last.strKey = std::move(strKey);
@@ -322,7 +389,7 @@ void CFastInfosetWriter::WriteNamePart(CIndexMap & map, std::u16string_view name
         return;
     }
     WriteLiteralName(name);
-    CFIVocabulary::AddValueToMap(name, map);
+    map.Add(name);
 }
 
 void CFastInfosetWriter::WriteLiteralName(std::u16string_view name)
@@ -354,7 +421,7 @@ void CFastInfosetWriter::WriteAttributeValue(std::u16string_view value, ItemType
         return;
     }
     WriteEncodedString(kStringOnBit3, kValueAdd, value, eType);
-    CFIVocabulary::AddValueToMap(value, map);
+    map.Add(value);
 }
 
 void CFastInfosetWriter::WriteEncodedString(
@@ -459,27 +526,6 @@ void CFastInfosetWriter::PackByAlphabet(std::uint32_t dwIndex, std::u16string_vi
     }
 }
 
-/// Makes room for so many octets and gives it. The octets count when m_nUsed is raised.
-unsigned char * CFastInfosetWriter::Room(std::size_t nOctets)
-{
-    if (m_nSize - m_nUsed < nOctets)
-    {
-        FlushOctets();
-        if (m_nSize < nOctets)
-        {
-            m_spOctets.reset(new unsigned char[nOctets]);
-            m_nSize = nOctets;
-        }
-    }
-    return m_spOctets.get() + m_nUsed;
-}
-
-void CFastInfosetWriter::Put(unsigned dwOctet)
-{
-    *Room(1) = static_cast<unsigned char>(dwOctet);
-    ++m_nUsed;
-}
-
 void CFastInfosetWriter::Put(unsigned char const * pOctets, std::size_t nOctets)
 {
     while (nOctets != 0)
@@ -490,26 +536,6 @@ void CFastInfosetWriter::Put(unsigned char const * pOctets, std::size_t nOctets)
         pOctets += nPart;
         nOctets -= nPart;
     }
-}
-
-void CFastInfosetWriter::PutNumber(FIForms const & forms, unsigned dwLead, std::uint32_t dwNumber)
-{
-    FIForm const * pForm = forms.begin();
-    while (dwNumber - pForm->dwBase >= pForm->Count())
-        ++pForm;
-    std::uint64_t const nRest = dwNumber - pForm->dwBase;
-    unsigned char * p = Room(kLongestNumber);
-    *p++ = static_cast<unsigned char>(dwLead | pForm->dwLead | nRest >> (8 * pForm->nOctets));
-    for (std::uint32_t n = pForm->nOctets; n-- > 0;)
-        *p++ = static_cast<unsigned char>(nRest >> (8 * n));
-    m_nUsed += 1 + pForm->nOctets;
-}
-
-void CFastInfosetWriter::PutLength(FIForms const & forms, unsigned dwLead, std::size_t nOctets)
-{
-    if (nOctets > 0xFFFFFFFF)
-        throw CQzException(u"Binary data too large.");
-    PutNumber(forms, dwLead, static_cast<std::uint32_t>(nOctets));
 }
 
 void CFastInfosetWriter::FlushOctets()

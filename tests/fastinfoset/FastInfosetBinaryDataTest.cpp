@@ -58,29 +58,23 @@ TEST_P(AlgorithmTest, Converts)
 
 INSTANTIATE_TEST_SUITE_P(Rows, AlgorithmTest, testing::ValuesIn(kRows), CaseName);
 
-Row const kBadOctets[] = {
-    {"Short", 3, "00 00 00", u"Invalid value for SHORT byte encoding.", false},
-    {"Int", 4, "00 00", u"Invalid value for INT byte encoding.", false},
-    {"Long", 5, "00 00 00 00", u"Invalid value for LONG byte encoding.", false},
-    {"Float", 7, "00", u"Invalid value for FLOAT byte encoding.", false},
-    {"Double", 8, "00 00 00 00", u"Invalid value for DOUBLE byte encoding.", false},
-    {"Uuid", 9, "00 00 00 00 00 00 00 00", u"Invalid value for UUID byte encoding.", false},
-    {"Cdata", 10, "41", u"Unknown byte encoding.", false},
-    {"None", 0, "41", u"Unknown byte encoding.", false},
-    {"Large", 4294967297, "41", u"Unknown byte encoding.", false},
-};
-
-class BadOctetsTest : public testing::TestWithParam<Row>
+TEST(FastInfosetBinaryData, RefusesOctetsThatMakeNoValues)
 {
-};
-
-TEST_P(BadOctetsTest, Throws)
-{
-    CFastInfosetBinaryData const data(OctetsOfHex(GetParam().pszOctets));
-    ExpectThrows<CQzException>([&] { data.GetAsString(GetParam().nIndex); }, GetParam().pszText);
+    static Row const kBadOctets[] = {
+        {"Short", 3, "00 00 00", u"Invalid value for SHORT byte encoding.", false},
+        {"Int", 4, "00 00", u"Invalid value for INT byte encoding.", false},
+        {"Long", 5, "00 00 00 00", u"Invalid value for LONG byte encoding.", false},
+        {"Float", 7, "00", u"Invalid value for FLOAT byte encoding.", false},
+        {"Double", 8, "00 00 00 00", u"Invalid value for DOUBLE byte encoding.", false},
+        {"Uuid", 9, "00 00 00 00 00 00 00 00", u"Invalid value for UUID byte encoding.", false},
+        {"Cdata", 10, "41", u"Unknown byte encoding.", false},
+        {"None", 0, "41", u"Unknown byte encoding.", false},
+        {"Large", 4294967297, "41", u"Unknown byte encoding.", false},
+    };
+    for (Row const & row : kBadOctets)
+        ExpectThrows<CQzException>(
+            [&] { CFastInfosetBinaryData(OctetsOfHex(row.pszOctets)).GetAsString(row.nIndex); }, row.pszText);
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, BadOctetsTest, testing::ValuesIn(kBadOctets), CaseName);
 
 TEST(FastInfosetBinaryData, RefusedTextLeavesNothing)
 {

@@ -2,10 +2,9 @@
 
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "tests/document/TreeText.h"
 #include "tests/support/TestText.h"
 
-#include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,29 +38,9 @@ inline std::string HexOf(std::vector<unsigned char> const & octets)
     return HexOf(octets.data(), octets.size());
 }
 
-inline std::string NameOf(std::u16string const & strUri, std::u16string const & strName)
-{
-    return (strUri.empty() ? "" : "{" + Utf8(strUri) + "}") + Utf8(strName);
-}
-
-/// The tree as XML, with names as {uri}name and all text of an element in front of its children.
-inline std::string TreeOf(QzXmlLib16::CXmlElement const * pElement)
-{
-    std::string const strName = NameOf(pElement->GetNamespaceURI(), pElement->GetLocalName());
-    std::string strOut = "<" + strName;
-    for (auto const * p = pElement->GetFirstAttribute(); p != nullptr; p = p->GetNextAttribute())
-        strOut += " " + NameOf(p->GetNamespaceURI(), p->GetLocalName()) + "=\"" + Utf8(p->GetValue()) + "\"";
-    if (pElement->GetFirstElement() == nullptr && pElement->GetText().empty())
-        return strOut + "/>";
-    strOut += ">" + Utf8(pElement->GetText());
-    for (auto const * p = pElement->GetFirstElement(); p != nullptr; p = p->GetNextSiblingElement())
-        strOut += TreeOf(p);
-    return strOut + "</" + strName + ">";
-}
-
 inline std::string TreeOf(std::vector<unsigned char> const & octets, QzXmlLib16::CSerializationContext const & ctx)
 {
     QzXmlLib16::CXmlDocument document(ctx);
     document.LoadXmlStream(octets.data(), octets.size());
-    return TreeOf(document.GetDocumentElement());
+    return TreeText(document.GetDocumentElement());
 }
