@@ -1,14 +1,15 @@
 #include "qzxmllib/json/JsonTextWriter.h"
 #include "qzxmllib/document/TextStream.h"
-#include "tests/support/TestText.h"
+#include "tests/json/JsonSample.h"
 
 #include <functional>
-#include <gtest/gtest.h>
 
 using namespace QzXmlLib16;
 
 namespace
 {
+
+using JsonSample::Json;
 
 constexpr ItemType kText = ItemType_string;
 
