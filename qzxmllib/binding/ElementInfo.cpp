@@ -194,10 +194,9 @@ bool CElementInfo::ElementToXmlPrim(
     // The check comes first, so that a refused value leaves no part of an element behind. A default is not checked.
     if (!bDefault)
         CheckRestriction(value);
-    pWriter->WriteStartElement(m_strElementName, m_strElementNamespace);
-    if (!bDefault || ctx.GetWriteDefaultElementValues())
-        pWriter->WriteTextView(text, value.GetTypeAsEnum());
-    pWriter->WriteEndElement();
+    bool const bText = !bDefault || ctx.GetWriteDefaultElementValues();
+    pWriter->WriteElementView(
+        m_strElementName, m_strElementNamespace, bText ? text : std::u16string_view(), value.GetTypeAsEnum());
     return true;
 }
 
@@ -214,10 +213,9 @@ bool CElementInfo::ElementToXmlEnum(CSerializationContext const & ctx, CXmlGener
     if (!value.IsValid())
         return false;
     std::u16string_view const text = EnumText(pfnToString, value.GetI4(), m_strElementName);
-    pWriter->WriteStartElement(m_strElementName, m_strElementNamespace);
-    if (m_strDefaultValue.empty() || text != m_strDefaultValue || ctx.GetWriteDefaultElementValues())
-        pWriter->WriteTextView(text, ItemType_string);
-    pWriter->WriteEndElement();
+    bool const bText = m_strDefaultValue.empty() || text != m_strDefaultValue || ctx.GetWriteDefaultElementValues();
+    pWriter->WriteElementView(
+        m_strElementName, m_strElementNamespace, bText ? text : std::u16string_view(), ItemType_string);
     return true;
 }
 

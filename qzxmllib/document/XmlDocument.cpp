@@ -5,6 +5,7 @@
 #include "qzxmllib/document/ExpatReader.h"
 #include "qzxmllib/document/QzZip.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
+#include "qzxmllib/fastinfoset/FastInfosetReader.h"
 #include "qzxmllib/json/JsonReaderToXmlHandler.h"
 #include "qzxmllib/support/PlatformFileInternal.h"
 #include "qzxmllib/support/QzException.h"
@@ -271,9 +272,9 @@ void CXmlDocument::ParseText(unsigned char const * pOctets, std::size_t nOctets,
 }
 
 /// True if the octets are a Fast Infoset document, which then is read.
-bool CXmlDocument::ReadFastInfoset(unsigned char const *, std::uint32_t)
+bool CXmlDocument::ReadFastInfoset(unsigned char const * pOctets, std::uint32_t nOctets)
 {
-    return false;
+    return CFastInfosetReader(m_pContext->GetFIContext(), *this).ReadDocument(pOctets, nOctets);
 }
 
 /// Takes the plain form of compressed octets into the buffer of the document and points the arguments there. Leaves

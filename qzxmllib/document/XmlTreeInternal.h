@@ -1,7 +1,7 @@
 #pragma once
 
-#include "qzxmllib/support/BlockMemoryInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/support/BlockMemoryInternal.h"
 
 #include <cstdint>
 #include <cstring>
