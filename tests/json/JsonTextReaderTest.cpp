@@ -1,9 +1,8 @@
 #include "qzxmllib/json/JsonTextReader.h"
-#include "tests/support/TestText.h"
-
-#include <gtest/gtest.h>
+#include "tests/json/JsonSample.h"
 
 using namespace QzXmlLib16;
+using JsonSample::Json;
 
 namespace
 {
@@ -45,24 +44,15 @@ std::string Events(std::u16string const & strText, Mode eMode)
     reader.SetHandler(new CRecorder(strLog)); // frees the first
     reader.m_bAllowComments = eMode != Mode_NoComments;
     reader.m_bStrict = eMode == Mode_Strict;
-    if (eMode == Mode_Root)
-        reader.m_strRootElementName = u"r";
+    reader.m_strRootElementName = eMode == Mode_Root ? u"r" : u"";
     reader.Read();
     return strLog;
 }
 
-std::u16string Nested(int nLevels, char16_t const * pszInner)
+std::u16string Nested(int nLevels, std::u16string const & strInner)
 {
     auto const nUnits = static_cast<std::size_t>(nLevels);
-    return std::u16string(nUnits, u'[') + pszInner + std::u16string(nUnits, u']');
-}
-
-std::u16string Repeated(int nTimes, char16_t const * pszText)
-{
-    std::u16string strAll;
-    while (nTimes-- > 0)
-        strAll += pszText;
-    return strAll;
+    return std::u16string(nUnits, u'[') + strInner + std::u16string(nUnits, u']');
 }
 
 struct GoodCase
@@ -84,45 +74,45 @@ TEST_P(JsonTextReaderTest, Events)
 
 GoodCase const kGood[] = {
     {"Empty", Mode_Default, u"", "<>"},
-    {"Blanks", Mode_Default, u" \t\r\n", "<>"},
-    {"OnlyComments", Mode_Default, u"/**/ // x", "<>"},
+    {"BlanksAndComments", Mode_Default, u" \t\r\n/**/ // x", "<>"},
     {"EmptyWithRoot", Mode_Root, u"", "<{r:}>"},
-    {"ValueWithRoot", Mode_Root, u"[1]", "<{r:[1 ]}>"},
-    {"EmptyObject", Mode_Default, u"{}", "<{}>"},
-    {"EmptyArray", Mode_Default, u"[ ]", "<[]>"},
-    {"Everything", Mode_Default, u"{\"a\" : [ 1 , \"s\",true,false , null,{} ],\"b\":-0}",
-        "<{a:[1 's' T F N {}]b:-0 }>"},
-    {"TextBehind", Mode_Default, u"{\"a\":1} x", "<{a:1 }>"},
-    {"SpellingOfNumbers", Mode_Default, u"[1.50,1E2,-0,0,10,1e+07,2.0e-3,123456789012345678901234567890]",
-        "<[1.50 1E2 -0 0 10 1e+07 2.0e-3 123456789012345678901234567890 ]>"},
+    {"Everything", Mode_Root, Json("{'a' : [ 1 , 's',true,false , null,{} ],'b':[ ]}x"),
+        "<{r:{a:[1 's' T F N {}]b:[]}}>"},
+    {"Numbers", Mode_Default, u"[1.50,1E2,-0,0,10,1e+07,2.0e-3,12345678901234567890]",
+        "<[1.50 1E2 -0 0 10 1e+07 2.0e-3 12345678901234567890 ]>"},
     {"NumberAtTheEnd", Mode_Default, u"12", "<12 >"},
     {"LeadingZeroAtTheTop", Mode_Default, u"01", "<0 >"},
     {"LineFeedInNumber", Mode_Default, u"1\n2", "<12 >"},
     {"LineFeedInString", Mode_Default, u"\"a\nb\rc\td\x01\"", "<'ab\rc\td\x01' >"},
-    {"Escapes", Mode_Default, u"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00e9\\uD83D\\uDE00\"",
-        "<'\"\\/\b\f\n\r\tA\xC3\xA9\xF0\x9F\x98\x80' >"},
-    {"LoneSurrogateEscape", Mode_Default, u"\"\\uD800\"", "<'<D800>' >"},
-    {"LineFeedInEscape", Mode_Default, u"\"\\\nn\"", "<'\n' >"},
-    {"LongStringAcrossVectors", Mode_Default, u"\"0123456789abcdef0123456\\u004189abcdef\"",
-        "<'0123456789abcdef0123456A89abcdef' >"},
+    {"Escapes", Mode_Default, u"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00e9\\uD83D\\uDE00\\uD800\\\nn\"",
+        "<'\"\\/\b\f\n\r\tA\xC3\xA9\xF0\x9F\x98\x80<D800>\n' >"},
+    {"LongString", Mode_Default, u"\"0123456789abcdef012\\u004156789abcdef\"", "<'0123456789abcdef012A56789abcdef' >"},
     {"Comments", Mode_Default, u"/* a */ /**/[// b\n1 /*/ c */ /* **/,/*\n*/2 // d\n]//", "<[1 2 ]>"},
-    {"UnterminatedComment", Mode_Default, u"1 /* x", "<1 >"},
-    {"UnterminatedStar", Mode_Default, u"/*", "<>"},
-    {"ManyComments", Mode_Default, Nested(1, Repeated(200000, u"/**/").c_str()), "<[]>"},
+    {"UnterminatedComment", Mode_Default, u"1 /*", "<1 >"},
     {"Depth100", Mode_Default, Nested(100, u""), "<" + std::string(100, '[') + std::string(100, ']') + ">"},
     {"StrictWhiteSpace", Mode_Strict, u" [\r\n1\n,\t2\n] \n", "<[1 2 ]>"},
-    {"StrictEscapedControls", Mode_Strict, u"\"\\n\\u0001\x7F\"", "<'\n\x01\x7F' >"},
+    {"StrictEscapes", Mode_Strict, u"\"\\n\\u0001\x7F\"", "<'\n\x01\x7F' >"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Good, JsonTextReaderTest, testing::ValuesIn(kGood), CaseName);
 
+TEST(JsonTextReaderTest, CommentsDoNotNest)
+{
+    std::u16string strComments;
+    for (int n = 0; n < 200000; ++n)
+        strComments += u"/**/";
+    EXPECT_EQ(Events(Nested(1, strComments), Mode_Default), "<[]>");
+}
+
 struct BadCase
 {
     char const * pszName;
-    Mode eMode;
     std::u16string strText;
-    char16_t const * pszMessage;
-    char16_t const * pszPath;
+    std::u16string strWords;
+    int nLine;
+    int nPosition;
+    char16_t const * pszPath = u"$";
+    Mode eMode = Mode_Default;
 };
 
 class JsonTextReaderFailureTest : public testing::TestWithParam<BadCase>
@@ -131,95 +121,79 @@ class JsonTextReaderFailureTest : public testing::TestWithParam<BadCase>
 
 TEST_P(JsonTextReaderFailureTest, Message)
 {
-    ExpectThrows<CQzValidationException>(
-        [] { Events(GetParam().strText, GetParam().eMode); }, GetParam().pszMessage, GetParam().pszPath);
+    BadCase const & row = GetParam();
+    ExpectThrows<CQzValidationException>([&] { Events(row.strText, row.eMode); },
+        FormatString(u"%s at line %d, position %d.", row.strWords, row.nLine, row.nPosition), row.pszPath);
 }
 
-#define VALUE_EXPECTED u"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found "
+std::u16string End(char16_t const * pszExpected)
+{
+    return FormatString(u"Unexpected End of File. Expected %s", pszExpected);
+}
+
+std::u16string Found(char16_t const * pszExpected, char16_t c)
+{
+    return FormatString(u"Expected %s, found '%c'", pszExpected, c);
+}
+
+constexpr char16_t kValue[] = u"Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null'";
+constexpr char16_t kDigit[] = u"a digit '0' to '9'";
+constexpr char16_t kComma[] = u"Array separator character ','";
+constexpr char16_t kBracket[] = u"Array terminator character ']'";
+constexpr char16_t kBrace[] = u"Object terminator character '}'";
+constexpr char16_t kColon[] = u"Object Name/Value separator character ':'";
+std::u16string const kHex = u"Expected 4 hexadecimal digits'\\uxxxx'";
+std::u16string const kControl = u"Invalid control character in a string";
 
 BadCase const kBad[] = {
-    {"Depth101", Mode_Default, Nested(101, u""), u"JSON exceeded depth limit at line 1, position 101.", u"$"},
-    {"DepthOfScalar", Mode_Default, Nested(100, u"1"), u"JSON exceeded depth limit at line 1, position 101.", u"$"},
-    {"NoValue", Mode_Default, u"[\nx", VALUE_EXPECTED u"'x' at line 2, position 1.", u"$"},
-    {"NoValueInPath", Mode_Default, u"{\"a\":{\"b\":[{},{\"c\":x", VALUE_EXPECTED u"'x' at line 1, position 20.",
-        u"$.c.b[1].a"},
-    {"PathBehindClosed", Mode_Default, u"{\"a\":{\"b\":[{}]},\n \"c\":[[1],+]}",
-        VALUE_EXPECTED u"'+' at line 2, position 11.", u"$"},
-    {"PathOfRoot", Mode_Root, u"{\"a\":x}", VALUE_EXPECTED u"'x' at line 1, position 6.", u"$.a.r"},
-    {"CapitalTrue", Mode_Default, u"True", VALUE_EXPECTED u"'T' at line 1, position 1.", u"$"},
-    {"CommaAtEndOfArray", Mode_Default, u"[1,]", VALUE_EXPECTED u"']' at line 1, position 4.", u"$"},
-    {"CommentForbidden", Mode_NoComments, u"/* c */ 1", VALUE_EXPECTED u"'/' at line 1, position 1.", u"$"},
-    {"LoneSlash", Mode_Default, u"[ /", VALUE_EXPECTED u"'/' at line 1, position 3.", u"$"},
-    {"ByteOrderMark", Mode_Default, u"\uFEFF1", VALUE_EXPECTED u"'\uFEFF' at line 1, position 1.", u"$"},
-    {"EndInArray", Mode_Default, u"[ ",
-        u"Unexpected End of File. Expected Array terminator character ']' at line 1, position 2.", u"$"},
-    {"EndBehindItem", Mode_Default, u"{\"a\":[1",
-        u"Unexpected End of File. Expected Array terminator character ']' at line 1, position 7.", u"$"},
-    {"EndBehindArrayComma", Mode_Default, u"[1,\n\n",
-        u"Unexpected End of File. Expected Array terminator character ']' at line 3, position 0.", u"$"},
-    {"NoArrayComma", Mode_Default, u"[01]", u"Expected Array separator character ',', found '1' at line 1, position 3.",
-        u"$"},
-    {"CommentBehindNumber", Mode_Default, u"[1/* c */]",
-        u"Expected Array separator character ',', found '/' at line 1, position 3.", u"$"},
-    {"CommentBehindNumberAndLineFeed", Mode_Default, u"[1\n/* c */]",
-        u"Expected Array separator character ',', found '/' at line 2, position 1.", u"$"},
-    {"EndInObject", Mode_Default, u"{",
-        u"Unexpected End of File. Expected Object terminator character '}}' at line 1, position 1.", u"$"},
-    {"NoQuote", Mode_Default, u"{\"a\":1,}",
-        u"Expected quotation mark character '\"' before Name, found '}' at line 1, position 8.", u"$.a"},
-    {"EndBehindName", Mode_Default, u"{\"a\"",
-        u"Unexpected End of File. Expected Object Name/Value separator character ':' at line 1, position 4.", u"$.a"},
-    {"NoColon", Mode_Default, u"{\"a\" 1",
-        u"Expected Object Name/Value separator character ':', found '1' at line 1, position 6.", u"$.a"},
-    {"EndBehindColon", Mode_Default, u"{\"a\": ",
-        u"Unexpected End of File. Expected Object Value at line 1, position 6.", u"$.a"},
-    {"EndBehindValue", Mode_Default, u"{\"a\":1 ",
-        u"Unexpected End of File. Expected Object terminator character '}' at line 1, position 7.", u"$.a"},
-    {"EndBehindComma", Mode_Default, u"{\"a\":1,",
-        u"Unexpected End of File. Expected Object terminator character '}' at line 1, position 7.", u"$.a"},
-    {"NoObjectComma", Mode_Default, u"{\"a\":1;",
-        u"Expected Object separator character ',', found ';' at line 1, position 7.", u"$.a"},
-    {"NullShort", Mode_Default, u"nul", u"Unexpected End of File. Expected value 'NULL' at line 1, position 3.", u"$"},
-    {"NullSpelling", Mode_Default, u"nulx", u"Expected 'NULL' at line 1, position 4.", u"$"},
-    {"TrueShort", Mode_Default, u"[t", u"Unexpected End of File. Expected value 'true' at line 1, position 2.", u"$"},
-    {"TrueSpelling", Mode_Default, u"tRUE", u"Expected 'true' at line 1, position 4.", u"$"},
-    {"FalseShort", Mode_Default, u"fals", u"Unexpected End of File. Expected value 'false' at line 1, position 4.",
-        u"$"},
-    {"FalseSpelling", Mode_Default, u"falsy", u"Expected 'false' at line 1, position 5.", u"$"},
-    {"Minus", Mode_Default, u"-", u"Unexpected End of File. Expected a number at line 1, position 1.", u"$"},
-    {"ExponentSign", Mode_Default, u"1e+", u"Unexpected End of File. Expected a number at line 1, position 3.", u"$"},
-    {"MinusNoDigit", Mode_Default, u"-x", u"Expected a digit '0' to '9', found 'x' at line 1, position 2.", u"$"},
-    {"PointNoDigit", Mode_Default, u"1.x", u"Expected a digit '0' to '9', found 'x' at line 1, position 3.", u"$"},
-    {"Point", Mode_Default, u"1.", u"Unexpected End of File. Expected a digit '0' to '9' at line 1, position 2.", u"$"},
-    {"Exponent", Mode_Default, u"1e", u"Unexpected End of File. Expected '+', '-' or a number at line 1, position 2.",
-        u"$"},
-    {"ExponentNoDigit", Mode_Default, u"1ex",
-        u"Unexpected End of File. Expected a digit '0' to '9' at line 1, position 3.", u"$"},
-    {"EndInString", Mode_Default, u"\"abc", u"Unexpected End of File. Expected string value at line 1, position 4.",
-        u"$"},
-    {"EndInEscape", Mode_Default, u"[\"a\n\\", u"Unexpected End of File. Expected string value at line 2, position 1.",
-        u"$"},
-    {"HexShort", Mode_Default, u"\"\\u00\"",
-        u"Unexpected End of File. Expected 4 hexadecimal digits'\\uxxxx' at line 1, position 6.", u"$"},
-    {"HexSign", Mode_Default, u"{\"a\":\"\\u+123\"}", u"Expected 4 hexadecimal digits'\\uxxxx' at line 1, position 12.",
-        u"$.a"},
-    {"HexBlank", Mode_Default, u"\"\\u 12a\"", u"Expected 4 hexadecimal digits'\\uxxxx' at line 1, position 7.", u"$"},
-    {"HexPrefix", Mode_Default, u"\"\\u0x1f\"", u"Expected 4 hexadecimal digits'\\uxxxx' at line 1, position 7.", u"$"},
-    {"Escape", Mode_Default, u"\"\\q\"", u"Invalid Escape Character 'q' at line 1, position 3.", u"$"},
-    {"StrictComment", Mode_Strict, u"{\"a\": 1 // c\n}",
-        u"Expected Object separator character ',', found '/' at line 1, position 9.", u"$.a"},
-    {"StrictLineFeedInString", Mode_Strict, u"[\n\"a\nb\"]",
-        u"Invalid control character in a string at line 2, position 3.", u"$"},
-    {"StrictTabInName", Mode_Strict, u"{\"a\t\":1}", u"Invalid control character in a string at line 1, position 4.",
-        u"$"},
-    {"StrictControlInEscape", Mode_Strict, u"\"\\\n", u"Invalid control character in a string at line 1, position 3.",
-        u"$"},
-    {"StrictTextBehind", Mode_Strict, u"{} ]", u"Unexpected text behind the value, found ']' at line 1, position 4.",
-        u"$"},
-    {"StrictNumberInTwoLines", Mode_Strict, u"1\n2",
-        u"Unexpected text behind the value, found '2' at line 2, position 1.", u"$"},
-    {"StrictLeadingZero", Mode_Strict, u"01", u"Unexpected text behind the value, found '1' at line 1, position 2.",
-        u"$"},
+    {"Depth101", Nested(101, u""), u"JSON exceeded depth limit", 1, 101},
+    {"DepthOfScalar", Nested(100, u"1"), u"JSON exceeded depth limit", 1, 101},
+    {"NoValue", u"[\nx", Found(kValue, u'x'), 2, 1},
+    {"NoValueInPath", Json("{'a':{'b':[{},{'c':x"), Found(kValue, u'x'), 1, 20, u"$.c.b[1].a"},
+    {"PathBehindClosed", Json("{'a':{'b':[{}]},\n 'c':[[1],+]}"), Found(kValue, u'+'), 2, 11},
+    {"PathOfRoot", Json("{'a':x}"), Found(kValue, u'x'), 1, 6, u"$.a.r", Mode_Root},
+    {"CommaAtEndOfArray", u"[1,]", Found(kValue, u']'), 1, 4},
+    {"CommentForbidden", u"/* c */ 1", Found(kValue, u'/'), 1, 1, u"$", Mode_NoComments},
+    {"LoneSlash", u"[ /", Found(kValue, u'/'), 1, 3},
+    {"ByteOrderMark", u"\uFEFF1", Found(kValue, u'\uFEFF'), 1, 1},
+    {"EndInArray", u"[ ", End(kBracket), 1, 2},
+    {"EndBehindArrayComma", u"[1,\n\n", End(kBracket), 3, 0},
+    {"NoArrayComma", u"[01]", Found(kComma, u'1'), 1, 3},
+    {"CommentBehindNumber", u"[1/* c */]", Found(kComma, u'/'), 1, 3},
+    {"CommentBehindNumberAndLineFeed", u"[1\n/* c */]", Found(kComma, u'/'), 2, 1},
+    {"EndInObject", u"{", End(u"Object terminator character '}}'"), 1, 1},
+    {"NoQuote", Json("{'a':1,}"), Found(u"quotation mark character '\"' before Name", u'}'), 1, 8, u"$.a"},
+    {"EndBehindName", Json("{'a'"), End(kColon), 1, 4, u"$.a"},
+    {"NoColon", Json("{'a' 1"), Found(kColon, u'1'), 1, 6, u"$.a"},
+    {"EndBehindColon", Json("{'a': "), End(u"Object Value"), 1, 6, u"$.a"},
+    {"EndBehindValue", Json("{'a':1 "), End(kBrace), 1, 7, u"$.a"},
+    {"EndBehindComma", Json("{'a':1,"), End(kBrace), 1, 7, u"$.a"},
+    {"NoObjectComma", Json("{'a':1;"), Found(u"Object separator character ','", u';'), 1, 7, u"$.a"},
+    {"NullShort", u"nul", End(u"value 'NULL'"), 1, 3},
+    {"NullSpelling", u"nulx", u"Expected 'NULL'", 1, 4},
+    {"TrueShort", u"[t", End(u"value 'true'"), 1, 2},
+    {"TrueSpelling", u"tRUE", u"Expected 'true'", 1, 4},
+    {"FalseShort", u"fals", End(u"value 'false'"), 1, 4},
+    {"FalseSpelling", u"falsy", u"Expected 'false'", 1, 5},
+    {"Minus", u"-", End(u"a number"), 1, 1},
+    {"ExponentSign", u"1e+", End(u"a number"), 1, 3},
+    {"MinusNoDigit", u"-x", Found(kDigit, u'x'), 1, 2},
+    {"PointNoDigit", u"1.x", Found(kDigit, u'x'), 1, 3},
+    {"Point", u"1.", End(kDigit), 1, 2},
+    {"Exponent", u"1e", End(u"'+', '-' or a number"), 1, 2},
+    {"ExponentNoDigit", u"1ex", End(kDigit), 1, 3},
+    {"EndInString", u"\"abc", End(u"string value"), 1, 4},
+    {"EndInEscape", u"[\"a\n\\", End(u"string value"), 2, 1},
+    {"HexShort", u"\"\\u00\"", End(u"4 hexadecimal digits'\\uxxxx'"), 1, 6},
+    {"HexSign", Json("{'a':'\\u+123'}"), kHex, 1, 12, u"$.a"},
+    {"HexPrefix", u"\"\\u0x1f\"", kHex, 1, 7},
+    {"Escape", u"\"\\q\"", u"Invalid Escape Character 'q'", 1, 3},
+    {"StrictComment", Json("{'a': 1 // c\n}"), Found(u"Object separator character ','", u'/'), 1, 9, u"$.a",
+        Mode_Strict},
+    {"StrictLineFeedInString", u"[\n\"a\nb\"]", kControl, 2, 3, u"$", Mode_Strict},
+    {"StrictControlInEscape", u"\"\\\n", kControl, 1, 3, u"$", Mode_Strict},
+    {"StrictTextBehind", u"{} ]", u"Unexpected text behind the value, found ']'", 1, 4, u"$", Mode_Strict},
+    {"StrictTwoLines", u"1\n2", u"Unexpected text behind the value, found '2'", 2, 1, u"$", Mode_Strict},
 };
 
 INSTANTIATE_TEST_SUITE_P(Bad, JsonTextReaderFailureTest, testing::ValuesIn(kBad), CaseName);
@@ -228,7 +202,6 @@ std::u16string g_strTrace;
 
 TEST(JsonReaderDefaultHandlerTest, TracesEventsToTheDebugOutput)
 {
-    g_strTrace.clear();
     SetDebugOutput([](char16_t const * piece) { g_strTrace += piece; });
     std::u16string const strLong(300, u'l');
     Events(u"{\"a\":[\"" + strLong + u"\",1,true,null]}", Mode_Default);
