@@ -7,6 +7,7 @@
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
+#include "qzxmllib/support/ExceptionChainInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/QzVariant.h"
 #include "qzxmllib/values/QzVariantInternal.h"
@@ -25,10 +26,10 @@ namespace
 {
 
 [[noreturn, gnu::cold, gnu::noinline]] void ThrowWriteFailure(
-    std::u16string const & strElementName, CQzException const & inner)
+    std::u16string const & strElementName, CQzException & inner)
 {
-    throw CQzValidationException(
-        FormatString(u"Failed to convert the element [%s] to XML", strElementName), std::u16string(), inner);
+    throw CExceptionChain::Wrap<CQzValidationException>(
+        inner, FormatString(u"Failed to convert the element [%s] to XML", strElementName), std::u16string());
 }
 
 [[noreturn, gnu::cold, gnu::noinline]] void ThrowReadFailure(CXmlElement const * pElement, CQzException const & inner)
@@ -203,9 +204,9 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter * pWriter, CSerializatio
             pWriter->WriteXsiType(info.GetElementNamespace(), info.GetElementName(), ItemType_string);
         ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), pWriter);
     }
-    catch (CQzException const & inner)
+    catch (CQzException & inner)
     {
-        throw CQzException(u"Failed to convert attributes to XML", inner);
+        throw CExceptionChain::Wrap<CQzException>(inner, u"Failed to convert attributes to XML");
     }
 }
 
@@ -293,7 +294,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t c
         if (bElement)
             pWriter->WriteEndElement();
     }
-    catch (CQzException const & inner)
+    catch (CQzException & inner)
     {
         ThrowWriteFailure(m_strElementName, inner);
     }

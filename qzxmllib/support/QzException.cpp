@@ -8,7 +8,7 @@ CQzException::CQzException() = default;
 CQzException::CQzException(std::u16string strMessage) : m_strMessage(std::move(strMessage)) {}
 
 CQzException::CQzException(std::u16string strMessage, CQzException const & inner)
-    : m_strMessage(std::move(strMessage)), m_spInnerException(inner.Clone())
+    : m_strMessage(std::move(strMessage)), m_pInnerException(inner.Clone())
 {
 }
 
@@ -22,10 +22,14 @@ CQzException::CQzException(std::u16string strMessage, std::u16string strPath)
 CQzException::CQzException(std::u16string strMessage, std::u16string strPath, CQzException const & inner)
     : CQzException(std::move(strMessage), std::move(strPath))
 {
-    m_spInnerException.reset(inner.Clone());
+    m_pInnerException = inner.Clone();
 }
 
-CQzException::CQzException(CQzException const & other) = default;
+CQzException::CQzException(CQzException const & other)
+    : m_strMessage(other.m_strMessage), m_strPath(other.m_strPath),
+      m_pInnerException(other.m_pInnerException != nullptr ? other.m_pInnerException->Clone() : nullptr)
+{
+}
 
 CQzException & CQzException::operator=(CQzException const & other)
 {
@@ -33,18 +37,18 @@ CQzException & CQzException::operator=(CQzException const & other)
     CQzException copy(other);
     m_strMessage.swap(copy.m_strMessage);
     m_strPath.swap(copy.m_strPath);
-    m_spInnerException.swap(copy.m_spInnerException);
+    std::swap(m_pInnerException, copy.m_pInnerException);
     return *this;
 }
 
 CQzException::~CQzException()
 {
     // Link by link, as a chain has one for each level of a deep object.
-    std::shared_ptr<CQzException const> spNext = std::move(m_spInnerException);
-    while (spNext != nullptr && spNext.use_count() == 1)
+    while (m_pInnerException != nullptr)
     {
-        std::shared_ptr<CQzException const> const spThis = std::move(spNext);
-        spNext = std::move(const_cast<CQzException &>(*spThis).m_spInnerException);
+        CQzException * const pLink = m_pInnerException;
+        m_pInnerException = std::exchange(pLink->m_pInnerException, nullptr);
+        delete pLink;
     }
 }
 
@@ -68,7 +72,7 @@ std::u16string CQzException::GetFullMessage() const
 
 CQzException const * CQzException::GetInnerException() const
 {
-    return m_spInnerException.get();
+    return m_pInnerException;
 }
 
 CQzException * CQzException::Clone() const

@@ -3,7 +3,6 @@
 #include "qzxmllib/support/Export.h"
 #include "qzxmllib/support/FormatString.h"
 
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -41,8 +40,10 @@ protected:
 private:
     std::u16string m_strMessage;
     std::u16string m_strPath;
-    /// Nobody changes it, so copies of this object share it.
-    std::shared_ptr<CQzException const> m_spInnerException;
+    friend struct CExceptionChain;
+
+    /// A private copy, made by Clone.
+    CQzException * m_pInnerException = nullptr;
 };
 
 /// The document does not agree with the metadata of a class. Carries the path of the node at fault.
