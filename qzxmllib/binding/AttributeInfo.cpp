@@ -4,6 +4,7 @@
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 #include "qzxmllib/values/QzVariant.h"
@@ -28,9 +29,9 @@ CAttributeInfo::~CAttributeInfo() = default;
 
 bool CAttributeInfo::IsThisAttribute(CSerializationContext const & ctx, CXmlAttribute * pAttribute) const
 {
-    if (pAttribute == nullptr || pAttribute->GetLocalName() != m_strAttributeName)
+    if (pAttribute == nullptr || !EqualText(pAttribute->GetLocalName(), m_strAttributeName))
         return false;
-    return ctx.GetIgnoreNamespaces() || pAttribute->GetNamespaceURI() == m_strAttributeNamespace;
+    return ctx.GetIgnoreNamespaces() || EqualText(pAttribute->GetNamespaceURI(), m_strAttributeNamespace);
 }
 
 void CAttributeInfo::InvokePropertyGet(CXmlGeneratedClass * pClass, QzVariant & value) const
@@ -139,7 +140,8 @@ void CAttributeInfoPrimitive::AttributeToXml(
 bool CAttributeInfoPrimitive::AttributeFromXml(
     CSerializationContext const &, CXmlGeneratedClass * pClass, CXmlAttribute * pAttribute)
 {
-    if (pAttribute->GetLocalName() != m_strAttributeName || pAttribute->GetNamespaceURI() != m_strAttributeNamespace)
+    if (!EqualText(pAttribute->GetLocalName(), m_strAttributeName) ||
+        !EqualText(pAttribute->GetNamespaceURI(), m_strAttributeNamespace))
         return false;
     QzVariant value;
     CVariantText::Assign(value, pAttribute->GetValueView(), m_eItemType, m_eWhitespaceRule);

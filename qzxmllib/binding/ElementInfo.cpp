@@ -6,6 +6,7 @@
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 #include "qzxmllib/values/QzVariant.h"
@@ -122,9 +123,9 @@ void CElementInfo::CheckRestriction(QzVariant const & value) const
 
 bool CElementInfo::IsThisElement(CSerializationContext const & ctx, CXmlElement const * pElement) const
 {
-    if (pElement == nullptr || pElement->GetLocalName() != m_strElementName)
+    if (pElement == nullptr || !EqualText(pElement->GetLocalName(), m_strElementName))
         return false;
-    return ctx.GetIgnoreNamespaces() || pElement->GetNamespaceURI() == m_strElementNamespace;
+    return ctx.GetIgnoreNamespaces() || EqualText(pElement->GetNamespaceURI(), m_strElementNamespace);
 }
 
 void CElementInfo::InvokePropertyGet(CXmlGeneratedClass * pClass, QzVariant & value) const

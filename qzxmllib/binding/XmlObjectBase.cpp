@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 
@@ -205,10 +206,10 @@ bool CXmlObjectBase::IsNamespaceValid(char16_t const * ns, char16_t const * list
 bool CXmlObjectBase::DoesElementNameMatch(
     CSerializationContext const & ctx, CXmlElement const * pElement, char16_t const * name, char16_t const * ns) const
 {
-    if (pElement->GetLocalName() != name)
+    if (!EqualText(pElement->GetLocalName(), name))
         return false;
     // SchemaType_NoNamespaces is part of this answer.
-    return ctx.GetIgnoreNamespaces() || pElement->GetNamespaceURI() == ns;
+    return ctx.GetIgnoreNamespaces() || EqualText(pElement->GetNamespaceURI(), ns);
 }
 
 } // namespace QzXmlLib16

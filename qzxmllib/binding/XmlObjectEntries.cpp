@@ -68,7 +68,7 @@ std::u16string CXmlObjectBase::ToXml(
     StartXml(writer, {includeHeader, formatted, eEOL}, ctx);
     WriteTo(writer, ctx);
     writer.EndDocument();
-    return std::u16string(stream.GetText(), stream.GetLength());
+    return stream.TakeText();
 }
 
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding eEncoding, EOLType eEOL,
@@ -79,7 +79,7 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlE
     StartXml(writer, {includeHeader, formatted, eEOL}, ctx);
     WriteTo(writer, ctx);
     writer.EndDocument();
-    return Compressed(stream.GetBinary(), eCompression);
+    return Compressed(stream.TakeBinary(), eCompression);
 }
 
 void CXmlObjectBase::ToXmlFile(char16_t const * fileName, bool includeHeader, bool formatted, XmlEncoding eEncoding,

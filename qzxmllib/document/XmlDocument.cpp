@@ -414,18 +414,7 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement * pElement, char16_t const 
 
 void CXmlDocument::AppendUtf8ExcludingCR(CXmlElement * pElement, char const * pText, std::size_t nOctets)
 {
-    CXmlTree & tree = pElement->GetTree();
-    std::string_view text(pText, nOctets);
-    for (;;)
-    {
-        std::size_t const nReturn = text.find('\r');
-        std::string_view const stretch = text.substr(0, nReturn);
-        if (!stretch.empty())
-            tree.AppendUtf8(pElement->m_text, stretch.data(), stretch.size());
-        if (nReturn == std::string_view::npos)
-            return;
-        text.remove_prefix(nReturn + 1);
-    }
+    pElement->GetTree().AppendUtf8ExcludingCR(pElement->m_text, pText, nOctets);
 }
 
 } // namespace QzXmlLib16

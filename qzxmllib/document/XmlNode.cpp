@@ -1,5 +1,6 @@
 #include "qzxmllib/document/XmlTreeInternal.h"
 #include "qzxmllib/support/FormatString.h"
+#include "qzxmllib/support/MemoryLeakHelpInternal.h"
 
 #include <algorithm>
 #include <string>
@@ -7,6 +8,14 @@
 
 namespace QzXmlLib16
 {
+
+namespace
+{
+
+CInstanceName g_xmlElementName(u"CXmlElement");
+CInstanceName g_xmlAttributeName(u"CXmlAttribute");
+
+} // namespace
 
 std::u16string & CXmlText::String()
 {
@@ -21,7 +30,7 @@ std::u16string & CXmlText::String()
 }
 
 CXmlAttribute::CXmlAttribute(CXmlElement * pElement, CXmlName const & name)
-    : CInstanceMonitor(u"CXmlAttribute"), m_pElement(pElement), m_pName(&name)
+    : CInstanceMonitor(g_xmlAttributeName), m_pElement(pElement), m_pName(&name)
 {
 }
 
@@ -40,7 +49,7 @@ std::u16string CXmlAttribute::GetXPath() const
 }
 
 CXmlElement::CXmlElement(CXmlName const & name, CXmlElement * pParent)
-    : CInstanceMonitor(u"CXmlElement"), m_pParent(pParent), m_pName(&name), m_pFirstAttribute(nullptr)
+    : CInstanceMonitor(g_xmlElementName), m_pParent(pParent), m_pName(&name), m_pFirstAttribute(nullptr)
 {
 }
 

@@ -5,9 +5,40 @@
 #include <functional>
 #include <new>
 #include <utility>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace QzXmlLib16
 {
+
+namespace
+{
+
+// The more a document holds already, the larger its next block. Large documents get blocks of the size of large pages.
+constexpr std::size_t kSmallestBlock = 16 * 1024;
+constexpr std::size_t kLargestUsualBlock = 256 * 1024;
+constexpr std::size_t kLargeBlock = 2 * 1024 * 1024;
+
+XmlBlock AcquireXmlBlock(std::size_t nHeld)
+{
+    std::size_t nOctets = kSmallestBlock;
+    if (nHeld >= kLargeBlock)
+        nOctets = kLargeBlock;
+    else
+        while (nOctets < nHeld && nOctets < kLargestUsualBlock)
+            nOctets *= 2;
+    return {static_cast<unsigned char *>(TakeBlock(nOctets)), nOctets};
+}
+
+/// The block may be null.
+void ReturnXmlBlock(XmlBlock const & block) noexcept
+{
+    if (block.pFirst != nullptr)
+        GiveBackBlock(block.pFirst, block.nOctets);
+}
+
+} // namespace
 
 namespace
 {
@@ -24,6 +55,43 @@ std::u16string Widen(std::string_view text)
     std::u16string strWide(text.size(), u'\0');
     strWide.resize(WidenUtf8(text.data(), text.size(), &strWide[0]));
     return strWide;
+}
+
+constexpr std::size_t kShortPiece = 64;
+
+bool IsPlain(char c)
+{
+    return static_cast<signed char>(c) >= 0 && c != '\r';
+}
+
+/// Widens octets, and tells whether all of them are ASCII and none is a carriage return; if not, what is written at
+/// pOut is of no use.
+bool WidenPlain(char const * pText, std::size_t nOctets, char16_t * pOut)
+{
+    bool bPlain = true;
+#if defined(__SSE2__)
+    if (nOctets >= 8)
+    {
+        // Eight at a time; the last eight may overlap those before.
+        __m128i odd = _mm_setzero_si128();
+        for (std::size_t n = 0;; n += 8)
+        {
+            std::size_t const nAt = n + 8 < nOctets ? n : nOctets - 8;
+            __m128i const octets = _mm_loadl_epi64(reinterpret_cast<__m128i const *>(pText + nAt));
+            odd = _mm_or_si128(odd, _mm_or_si128(octets, _mm_cmpeq_epi8(octets, _mm_set1_epi8('\r'))));
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + nAt), _mm_unpacklo_epi8(octets, _mm_setzero_si128()));
+            if (n + 8 >= nOctets)
+                break;
+        }
+        return _mm_movemask_epi8(odd) == 0;
+    }
+#endif
+    for (std::size_t n = 0; n < nOctets; ++n)
+    {
+        bPlain = bPlain && IsPlain(pText[n]);
+        pOut[n] = static_cast<unsigned char>(pText[n]);
+    }
+    return bPlain;
 }
 
 void AppendOctets(std::string & strKey, void const * p, std::size_t nOctets)
@@ -170,6 +238,33 @@ void CXmlTree::Release(CXmlElement * pTop)
 void CXmlTree::AppendUtf8(CXmlText & text, char const * pText, std::size_t nOctets)
 {
     Append(text, nOctets, [pText, nOctets](char16_t * pOut) { return WidenUtf8(pText, nOctets, pOut); });
+}
+
+void CXmlTree::AppendUtf8ExcludingCR(CXmlText & text, char const * pText, std::size_t nOctets)
+{
+    // Most pieces are short and plain: those are looked over and widened in one go.
+    if (nOctets <= kShortPiece && !text.m_bString && text.m_nUnits + nOctets <= kLongestInBlock)
+    {
+        bool const bTrim = MakeRoom(text, static_cast<std::uint32_t>(nOctets));
+        if (WidenPlain(pText, nOctets, text.m_pUnits + text.m_nUnits))
+        {
+            text.m_nUnits += static_cast<std::uint32_t>(nOctets);
+            return;
+        }
+        if (bTrim)
+            Trim(text);
+    }
+    std::string_view rest(pText, nOctets);
+    for (;;)
+    {
+        std::size_t const nReturn = rest.find('\r');
+        std::string_view const stretch = rest.substr(0, nReturn);
+        if (!stretch.empty())
+            AppendUtf8(text, stretch.data(), stretch.size());
+        if (nReturn == std::string_view::npos)
+            return;
+        rest.remove_prefix(nReturn + 1);
+    }
 }
 
 /// nOctets is at most the size of the smallest block.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "qzxmllib/document/XmlBlockInternal.h"
+#include "qzxmllib/support/BlockMemoryInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
 
 #include <cstdint>
@@ -12,6 +12,13 @@
 
 namespace QzXmlLib16
 {
+
+/// A stretch of memory for the tree of a document.
+struct XmlBlock
+{
+    unsigned char * pFirst = nullptr;
+    std::size_t nOctets = 0;
+};
 
 /// A name with the octets under which it is found: what the parser calls it, or a form of its own for other readers.
 struct CXmlNameRecord : CXmlName
@@ -138,6 +145,8 @@ public:
     }
     /// Appends valid UTF-8 without an octet 0.
     void AppendUtf8(CXmlText & text, char const * pText, std::size_t nOctets);
+    /// The same without the carriage returns.
+    void AppendUtf8ExcludingCR(CXmlText & text, char const * pText, std::size_t nOctets);
     /// Takes back the room behind the text if nothing has been created since.
     void Trim(CXmlText & text)
     {

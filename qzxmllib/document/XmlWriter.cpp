@@ -1,5 +1,6 @@
 #include "qzxmllib/document/XmlWriter.h"
 
+#include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
@@ -11,6 +12,8 @@ namespace QzXmlLib16
 
 namespace
 {
+
+CInstanceName g_contextName(u"CXmlWriterContext");
 
 constexpr char16_t kXmlNamespace[] = u"http://www.w3.org/XML/1998/namespace";
 
@@ -60,7 +63,7 @@ struct CXmlWriter::Slot
 
 // The count of a nested record comes from its parent's, which saves looking the name up for each element.
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(CTexts & texts, CXmlWriterContext * pParent)
-    : CInstanceMonitor(static_cast<CInstanceMonitor const &>(*pParent)), m_nDepth(pParent->m_nDepth + 1),
+    : CInstanceMonitor(g_contextName), m_nDepth(pParent->m_nDepth + 1),
       m_strNamespace(texts.strNamespace), m_strName(texts.strName), m_strWrittenAlias(texts.strWrittenAlias),
       m_pParent(pParent), m_pScope(pParent->m_pScope)
 {
@@ -68,7 +71,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(CTexts & texts, CXmlWriterConte
 }
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(CTexts & texts, std::unique_ptr<CScope> spScope)
-    : CInstanceMonitor(u"CXmlWriterContext"), m_strNamespace(texts.strNamespace), m_strName(texts.strName),
+    : CInstanceMonitor(g_contextName), m_strNamespace(texts.strNamespace), m_strName(texts.strName),
       m_strWrittenAlias(texts.strWrittenAlias), m_pParent(nullptr), m_pScope(this), m_spScope(std::move(spScope))
 {
 }

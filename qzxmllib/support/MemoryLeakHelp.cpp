@@ -195,7 +195,7 @@ void CInstanceCounters::Retire(CInstanceCounters * pShard)
 void CInstanceCounters::CountUp(CInstanceMonitor & monitor, ClassType & ct)
 {
     monitor.m_pct = &ct;
-    CInstanceCounters * const pShard = OfThread();
+    CInstanceCounters * const pShard = t_pShard != nullptr ? t_pShard : OfThread();
     if (pShard != nullptr && ct.nIndex != kNotSharded && !ct.bDetached.load(std::memory_order_relaxed))
         pShard->Count(ct);
     else
@@ -221,6 +221,24 @@ CInstanceMonitor::CInstanceMonitor(char16_t const * name) : m_pct(nullptr)
         t_pShard->Remember(name, &ct, nGeneration);
 }
 
+CInstanceMonitor::CInstanceMonitor(CInstanceName & name) : m_pct(nullptr)
+{
+    unsigned const nGeneration = g_nGeneration.load(std::memory_order_relaxed);
+    CInstanceCounters * const pShard = t_pShard;
+    if (pShard != nullptr && name.m_nGeneration.load(std::memory_order_acquire) == nGeneration)
+    {
+        m_pct = name.m_pct.load(std::memory_order_relaxed);
+        pShard->Count(*m_pct);
+        return;
+    }
+    ClassType & ct = CInstanceCounters::Find(name.m_pszName);
+    CInstanceCounters::CountUp(*this, ct);
+    if (ct.nIndex == kNotSharded)
+        return;
+    name.m_pct.store(&ct, std::memory_order_relaxed);
+    name.m_nGeneration.store(nGeneration, std::memory_order_release);
+}
+
 CInstanceMonitor::CInstanceMonitor(CInstanceMonitor const & other) : m_pct(nullptr)
 {
     CInstanceCounters::CountUp(*this, *other.m_pct);
@@ -235,7 +253,7 @@ CInstanceMonitor::~CInstanceMonitor()
             delete m_pct;
         return;
     }
-    CInstanceCounters * const pShard = CInstanceCounters::OfThread();
+    CInstanceCounters * const pShard = t_pShard != nullptr ? t_pShard : CInstanceCounters::OfThread();
     if (pShard != nullptr && m_pct->nIndex != kNotSharded)
         CInstanceCounters::Add(pShard->aCounters[m_pct->nIndex].lInstanceCount, -1);
     else
