@@ -26,35 +26,73 @@ constexpr std::size_t kMaxUnitsKept = 4096;
 
 /// What differs between the escapes of XML Schema and those of the engine. All others are handed on as they are, also
 /// the subtraction of classes, which the engine does not know. The classes of names count ASCII letters only. The
-/// replacement is put in as text, also where the escape stands within brackets.
+/// replacement is put in as text, also where the escape stands within brackets. The set, if there is one, takes the
+/// same characters without a group.
 constexpr struct
 {
     std::u16string_view from;
     std::u16string_view to;
+    std::u16string_view set;
 } kEscapes[] = {
-    {u"\\\\", u"\\\\"}, // an escaped backslash escapes nothing behind it
-    {u"\\i", u"([^\\W\\d]|:)"},
-    {u"\\I", u"([\\W\\d])"},
-    {u"\\c", u"(\\w|\\.|-|:)"},
-    {u"\\C", u"([^\\w\\.\\-\\:])"},
-    {u"\\p{IsBasicLatin}", u"[\\000-\\177]"},
-    {u"\\p{IsLatin-1Supplement}", u"[\\200-\\377]"},
-    {u"\\p{IsLatinExtended-A}", u"[\\400-\\577]"},
-    {u"\\p{IsLatinExtended-B}", u"[\\x{180}-\\x{24F}]"},
-    {u"\x01", u"\\\\"},
+    {u"\\\\", u"\\\\", u""}, // an escaped backslash escapes nothing behind it
+    {u"\\i", u"([^\\W\\d]|:)", u"[A-Za-z_:]"},
+    {u"\\I", u"([\\W\\d])", u"[\\W\\d]"},
+    {u"\\c", u"(\\w|\\.|-|:)", u"[\\w.\\-:]"},
+    {u"\\C", u"([^\\w\\.\\-\\:])", u"[^\\w.\\-:]"},
+    {u"\\p{IsBasicLatin}", u"[\\000-\\177]", u""},
+    {u"\\p{IsLatin-1Supplement}", u"[\\200-\\377]", u""},
+    {u"\\p{IsLatinExtended-A}", u"[\\400-\\577]", u""},
+    {u"\\p{IsLatinExtended-B}", u"[\\x{180}-\\x{24F}]", u""},
+    {u"\x01", u"\\\\", u""},
 };
 
+bool IsOneOf(char16_t c, std::u16string_view units)
+{
+    return units.find(c) != std::u16string_view::npos;
+}
+
+/// Whether sets may stand for groups: nothing in the pattern refers to a group, and no escape that is replaced stands
+/// within brackets. A repeated group costs the engine memory for each turn, a repeated set costs none.
+bool MayUseSets(std::u16string_view pattern)
+{
+    bool bInBrackets = false;
+    for (std::size_t i = 0; i < pattern.size(); ++i)
+    {
+        char16_t const cNext = i + 1 < pattern.size() ? pattern[i + 1] : u'\0';
+        if (pattern[i] == u'\\')
+        {
+            if (IsOneOf(cNext, bInBrackets ? u"iIcCpQ" : u"123456789gkQ"))
+                return false;
+            ++i;
+        }
+        else if (bInBrackets)
+            bInBrackets = pattern[i] != u']';
+        else if (pattern[i] == u'(' && IsOneOf(cNext, u"?*"))
+            return false;
+        else if (pattern[i] == u'[')
+        {
+            bInBrackets = true;
+            i += cNext == u'^' ? 1 : 0;
+            i += pattern.substr(i + 1, 1) == u"]" ? 1 : 0; // the first bracket stands for itself
+        }
+    }
+    return true;
+}
+
 /// The expression for the engine, anchored at both ends.
-std::u16string ToPcre(std::u16string_view pattern)
+std::u16string ToPcre(std::u16string_view pattern, bool bUseSets)
 {
     std::u16string strOut = u"^(";
     while (!pattern.empty())
     {
         auto const * const pEscape = std::find_if(std::begin(kEscapes), std::end(kEscapes),
             [&](auto const & escape) { return pattern.substr(0, escape.from.size()) == escape.from; });
-        std::size_t const nTaken = pEscape != std::end(kEscapes) ? pEscape->from.size() : 1;
-        strOut.append(pEscape != std::end(kEscapes) ? pEscape->to : pattern.substr(0, 1));
-        pattern.remove_prefix(nTaken);
+        bool const bEscape = pEscape != std::end(kEscapes);
+        if (!bEscape)
+            strOut.push_back(pattern[0]);
+        else
+            strOut.append(bUseSets && !pEscape->set.empty() ? pEscape->set : pEscape->to);
+        pattern.remove_prefix(bEscape ? pEscape->from.size() : 1);
     }
     return strOut.append(u")$");
 }
@@ -65,7 +103,7 @@ std::size_t GetClassEscapeLength(std::u16string_view text)
     if (text.size() < 2 || text[0] != u'\\')
         return 0;
     if (text[1] != u'p' && text[1] != u'P')
-        return std::u16string_view(u"dDhHsSvVwW").find(text[1]) != std::u16string_view::npos ? 2 : 0;
+        return IsOneOf(text[1], u"dDhHsSvVwW") ? 2 : 0;
     std::size_t const nEnd = text.size() > 2 && text[2] == u'{' ? text.find(u'}') : 2;
     return std::min(nEnd, text.size() - 1) + 1;
 }
@@ -163,7 +201,7 @@ std::shared_ptr<CPattern const> CPattern::Get(std::u16string const & strPattern)
 
 CPattern::CPattern(std::u16string_view pattern)
 {
-    std::u16string const strExpression = ToPcre(pattern);
+    std::u16string const strExpression = ToPcre(pattern, MayUseSets(pattern));
     int nError = 0;
     pcre2_code * pCode = Compile(strExpression, nError);
     if (pCode == nullptr && nError == PCRE2_ERROR_CLASS_INVALID_RANGE)
