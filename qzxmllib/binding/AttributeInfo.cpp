@@ -17,9 +17,8 @@ namespace QzXmlLib16Data
 
 CAttributeInfo::CAttributeInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool optional,
     char16_t const * defaultValue)
-    : m_strAttributeName(name != nullptr ? name : u""),
-      m_strAttributeNamespace(namespaceUri != nullptr ? namespaceUri : u""), m_nPropertyIndex(propertyIndex),
-      m_bOptional(optional), m_strDefaultValue(defaultValue != nullptr ? defaultValue : u"")
+    : m_strAttributeName(OrEmpty(name)), m_strAttributeNamespace(OrEmpty(namespaceUri)),
+      m_nPropertyIndex(propertyIndex), m_bOptional(optional), m_strDefaultValue(OrEmpty(defaultValue))
 {
 }
 
@@ -113,7 +112,7 @@ CAttributeInfoPrimitive::CAttributeInfoPrimitive(char16_t const * name, char16_t
     CWhitespaceUtils::WhitespaceRule eWhitespaceRule, CPrimitiveRestrictions const & restrictions,
     char16_t const * defaultValue)
     : CAttributeInfo(name, namespaceUri, propertyIndex, optional, defaultValue), m_restrictions(restrictions),
-      m_eItemType(eItemType), m_strFormatOverride(format != nullptr ? format : u""), m_eWhitespaceRule(eWhitespaceRule)
+      m_eItemType(eItemType), m_strFormatOverride(OrEmpty(format)), m_eWhitespaceRule(eWhitespaceRule)
 {
 }
 

@@ -49,17 +49,6 @@ namespace
     throw CQzValidationException(u"Unexpected Attribute found.", attribute.GetXPath());
 }
 
-std::u16string TextOrEmpty(char16_t const * pText)
-{
-    return pText != nullptr ? std::u16string(pText) : std::u16string();
-}
-
-/// A value without a type holds no object.
-CSmartPtr<CXmlObjectBase> ObjectOf(QzVariant const & value)
-{
-    return value.GetTypeAsEnum() != ItemType_Invalid ? value.GetXmlObject() : CSmartPtr<CXmlObjectBase>();
-}
-
 } // namespace
 
 char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16string const & strName)
@@ -71,8 +60,7 @@ char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16
 }
 
 CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex)
-    : m_strElementName(TextOrEmpty(name)), m_strElementNamespace(TextOrEmpty(namespaceUri)),
-      m_nPropertyIndex(propertyIndex)
+    : m_strElementName(OrEmpty(name)), m_strElementNamespace(OrEmpty(namespaceUri)), m_nPropertyIndex(propertyIndex)
 {
 }
 
@@ -83,7 +71,7 @@ CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri,
     m_bNillable = nillable;
     m_pfnEnumToString = pfnToString;
     m_pfnEnumFromString = pfnFromString;
-    m_strDefaultValue = TextOrEmpty(defaultValue);
+    m_strDefaultValue = OrEmpty(defaultValue);
 }
 
 CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
@@ -93,10 +81,10 @@ CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri,
 {
     m_bNillable = nillable;
     m_eItemType = eItemType;
-    m_strFormatOverride = TextOrEmpty(format);
+    m_strFormatOverride = OrEmpty(format);
     m_eWhitespaceRule = eWhitespaceRule;
     m_restrictions = restrictions;
-    m_strDefaultValue = TextOrEmpty(defaultValue);
+    m_strDefaultValue = OrEmpty(defaultValue);
     m_bIsPrimitive = true;
 }
 
@@ -119,6 +107,11 @@ void CElementInfo::CheckRestriction(QzVariant const & value) const
     if (!m_bIsPrimitive)
         throw CQzException(u"Cannot CheckRestriction for type: " + std::u16string(value.GetType()));
     CheckPrimitiveVariant(m_strElementName.c_str(), value, m_eItemType, m_restrictions);
+}
+
+CSmartPtr<CXmlObjectBase> CElementInfo::ObjectOf(QzVariant const & value)
+{
+    return value.GetTypeAsEnum() != ItemType_Invalid ? value.GetXmlObject() : CSmartPtr<CXmlObjectBase>();
 }
 
 bool CElementInfo::IsThisElement(CSerializationContext const & ctx, CXmlElement const * pElement) const
@@ -176,6 +169,17 @@ void CElementInfo::WriteNilElement(CXmlWriter * pWriter) const
     pWriter->WriteEndElement();
 }
 
+void CElementInfo::WriteValueElement(CXmlWriter * pWriter, std::u16string_view text, ItemType eType, bool bText) const
+{
+    if (bText)
+    {
+        pWriter->WriteElementView(m_strElementName, m_strElementNamespace, text, eType);
+        return;
+    }
+    pWriter->WriteStartElement(m_strElementName, m_strElementNamespace);
+    pWriter->WriteEndElement();
+}
+
 bool CElementInfo::ElementToXmlPrim(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
@@ -194,10 +198,7 @@ bool CElementInfo::ElementToXmlPrim(
     // The check comes first, so that a refused value leaves no part of an element behind. A default is not checked.
     if (!bDefault)
         CheckRestriction(value);
-    pWriter->WriteStartElement(m_strElementName, m_strElementNamespace);
-    if (!bDefault || ctx.GetWriteDefaultElementValues())
-        pWriter->WriteTextView(text, value.GetTypeAsEnum());
-    pWriter->WriteEndElement();
+    WriteValueElement(pWriter, text, value.GetTypeAsEnum(), !bDefault || ctx.GetWriteDefaultElementValues());
     return true;
 }
 
@@ -214,10 +215,8 @@ bool CElementInfo::ElementToXmlEnum(CSerializationContext const & ctx, CXmlGener
     if (!value.IsValid())
         return false;
     std::u16string_view const text = EnumText(pfnToString, value.GetI4(), m_strElementName);
-    pWriter->WriteStartElement(m_strElementName, m_strElementNamespace);
-    if (m_strDefaultValue.empty() || text != m_strDefaultValue || ctx.GetWriteDefaultElementValues())
-        pWriter->WriteTextView(text, ItemType_string);
-    pWriter->WriteEndElement();
+    bool const bDefault = !m_strDefaultValue.empty() && text == m_strDefaultValue;
+    WriteValueElement(pWriter, text, ItemType_string, !bDefault || ctx.GetWriteDefaultElementValues());
     return true;
 }
 
@@ -267,9 +266,11 @@ void CElementInfo::ValidateCollection(CSerializationContext const & ctx, CXmlGen
     value.GetXmlCollection()->ValidateCount(ctx);
 }
 
-void CElementInfo::ObjectAttributesToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+void CElementInfo::ObjectAttributesToXml(XmlElementType eType, CSerializationContext const & ctx,
+    CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
+    if (eType != XmlElementType_Pseudo)
+        return;
     QzVariant value;
     ReadProperty(pClass, value);
     CSmartPtr<CXmlObjectBase> const spObject = ObjectOf(value);
@@ -277,9 +278,11 @@ void CElementInfo::ObjectAttributesToXml(
         AttributesToXml_Int(spObject, pWriter, ctx);
 }
 
-void CElementInfo::CollectionAttributesToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+void CElementInfo::CollectionAttributesToXml(XmlElementType eType, CSerializationContext const & ctx,
+    CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
+    if (eType != XmlElementType_Pseudo)
+        return;
     QzVariant value;
     ReadProperty(pClass, value);
     AttributesToXml_Int(value.GetXmlCollection(), pWriter, ctx);

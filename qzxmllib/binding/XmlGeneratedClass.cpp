@@ -6,6 +6,7 @@
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/QzVariant.h"
 #include "qzxmllib/values/QzVariantInternal.h"
@@ -221,12 +222,8 @@ void CXmlGeneratedClass::WriteRootDeclarations(CXmlWriter * pWriter, CSerializat
 {
     for (std::u16string const & strInstruction : ctx.GetProcessingInstructions())
         pWriter->WriteProcessingInstruction(strInstruction);
-    CNamespaceAliasMap const & aliases = ctx.GetNamespaceAliases();
-    for (int i = 0; i < aliases.GetNamespaceCount(); ++i)
-    {
-        std::u16string const strUri = aliases.GetNamespaceAt(i);
-        pWriter->AddNamespace(aliases.GetAliasFromNamespace(strUri.c_str()), strUri);
-    }
+    for (auto const & [strUri, strAlias] : ctx.GetNamespaceAliases().m_mapAliases)
+        pWriter->AddNamespace(strAlias, strUri);
     std::u16string const strDefault = ctx.GetDefaultNamespaceURI();
     if (!strDefault.empty())
         pWriter->SetDefaultNamespace(strDefault);
@@ -237,7 +234,7 @@ void CXmlGeneratedClass::WriteStartTag(
 {
     if (isRoot)
         WriteRootDeclarations(pWriter, ctx);
-    pWriter->WriteStartElement(m_strElementName, namespaceUri);
+    pWriter->WriteStartElement(m_strElementName, OrEmpty(namespaceUri));
     AttributesToXml_Int(pWriter, ctx);
     if (!isRoot)
         return;

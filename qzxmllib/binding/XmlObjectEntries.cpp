@@ -1,11 +1,13 @@
 #include "qzxmllib/binding/XmlObjectBase.h"
 
+#include "qzxmllib/binding/XmlObjectEntriesInternal.h"
 #include "qzxmllib/document/FileBinaryStream.h"
 #include "qzxmllib/document/FileTextStream.h"
 #include "qzxmllib/document/QzZip.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlTextWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 namespace QzXmlLib16
@@ -35,6 +37,13 @@ void StartXml(CXmlTextWriter & writer, TextOptions const & options, CSerializati
         writer.WriteHeader();
 }
 
+} // namespace
+
+bool IsAsyncToXmlFile() noexcept
+{
+    return g_bAsyncToXmlFile;
+}
+
 void RefuseZLib(CompressionType eCompression)
 {
     if (eCompression == CompressionType_ZLib)
@@ -47,8 +56,6 @@ CBinaryData Compressed(CBinaryData data, CompressionType eCompression)
         CQzZip::Compress(data, eCompression);
     return data;
 }
-
-} // namespace
 
 void AsyncToXmlFile(bool bAsync)
 {
@@ -88,14 +95,15 @@ void CXmlObjectBase::ToXmlFile(char16_t const * fileName, bool includeHeader, bo
     RefuseZLib(eCompression);
     if (g_bAsyncToXmlFile && eCompression == CompressionType_None)
     {
-        CFileTextStream stream(fileName, eEncoding);
+        CFileTextStream stream(OrEmpty(fileName), eEncoding);
         CXmlTextWriter writer(&stream);
         StartXml(writer, {includeHeader, formatted, eEOL}, ctx);
         WriteTo(writer, ctx);
         writer.EndDocument();
         return;
     }
-    CFileBinaryStream(fileName, eEncoding, ToXmlStream(includeHeader, formatted, eEncoding, eEOL, ctx, eCompression))
+    CFileBinaryStream(
+        OrEmpty(fileName), eEncoding, ToXmlStream(includeHeader, formatted, eEncoding, eEOL, ctx, eCompression))
         .WriteToFile();
 }
 

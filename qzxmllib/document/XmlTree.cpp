@@ -19,11 +19,12 @@ namespace
 constexpr std::size_t kSmallestBlock = 16 * 1024;
 constexpr std::size_t kLargestUsualBlock = 256 * 1024;
 constexpr std::size_t kLargeBlock = 2 * 1024 * 1024;
+constexpr std::size_t kLargeDocument = 4 * kLargeBlock;
 
 XmlBlock AcquireXmlBlock(std::size_t nHeld)
 {
     std::size_t nOctets = kSmallestBlock;
-    if (nHeld >= kLargeBlock)
+    if (nHeld >= kLargeDocument)
         nOctets = kLargeBlock;
     else
         while (nOctets < nHeld && nOctets < kLargestUsualBlock)
@@ -265,6 +266,105 @@ void CXmlTree::AppendUtf8ExcludingCR(CXmlText & text, char const * pText, std::s
             return;
         rest.remove_prefix(nReturn + 1);
     }
+}
+
+/// Keeps a new run, or goes on with the last one if nothing has been created behind it.
+void CXmlTree::KeepRun(XmlRuns & runs, std::u16string_view head, std::u16string_view tail)
+{
+    auto * const pEnd = reinterpret_cast<unsigned char *>(runs.pLast->pUnits + runs.pLast->nUnits);
+    bool const bGoOn = head.empty() && pEnd == m_pCursor && runs.pLast->nRepeat == 1 && !runs.bMatching;
+    std::size_t const nOctets = (head.size() + tail.size()) * sizeof(char16_t);
+    XmlRun * pRun = runs.pLast;
+    if (!bGoOn || Room() < nOctets)
+    {
+        pRun = new (AllocateNode<XmlRun>()) XmlRun;
+        pRun->pUnits = reinterpret_cast<char16_t *>(Room() < nOctets ? AllocateInNewBlock(0) : m_pCursor);
+        runs.pLast->pNext = pRun;
+        runs.pLast = pRun;
+    }
+    m_pCursor += nOctets;
+    char16_t * const pOut = std::copy(head.begin(), head.end(), pRun->pUnits + pRun->nUnits);
+    std::copy(tail.begin(), tail.end(), pOut);
+    pRun->nUnits += static_cast<std::uint32_t>(head.size() + tail.size());
+}
+
+/// The runs of the element's text. Behind another child than before, the run of the old gap is closed.
+XmlRuns & CXmlTree::BeginPiece(CXmlElement & element)
+{
+    CXmlText & text = element.m_text;
+    if (!text.m_bRuns)
+    {
+        auto * const pRuns = new (AllocateNode<XmlRuns>()) XmlRuns;
+        pRuns->first.pUnits = text.m_pUnits;
+        pRuns->first.nUnits = text.m_nUnits;
+        pRuns->pLast = &pRuns->first;
+        text.m_pRuns = pRuns;
+        text.m_bRuns = 1;
+        text.m_nCapacity = 0;
+    }
+    XmlRuns & runs = *text.m_pRuns;
+    if (runs.pBehind == element.m_pLastChild)
+        return runs;
+    if (runs.bMatching && runs.nMatched == runs.pLast->nUnits)
+        ++runs.pLast->nRepeat;
+    else if (runs.bMatching)
+        KeepRun(runs, {}, {runs.pLast->pUnits, runs.nMatched});
+    runs.pBehind = element.m_pLastChild;
+    runs.nMatched = 0;
+    runs.bMatching = true;
+    return runs;
+}
+
+bool CXmlTree::MatchRun(CXmlElement & element, char const * pText, std::size_t nOctets)
+{
+    if (element.m_text.m_bString)
+        return false;
+    XmlRuns & runs = BeginPiece(element);
+    if (!runs.bMatching || nOctets > runs.pLast->nUnits - runs.nMatched)
+        return false;
+    char16_t const * const pLast = runs.pLast->pUnits + runs.nMatched;
+    for (std::size_t i = 0; i < nOctets; ++i)
+        if (pLast[i] != static_cast<unsigned char>(pText[i]) || pLast[i] > 0x7F)
+            return false;
+    runs.nMatched += static_cast<std::uint32_t>(nOctets);
+    element.m_text.m_nUnits += static_cast<std::uint32_t>(nOctets);
+    return true;
+}
+
+void CXmlTree::AppendRun(CXmlElement & element, char16_t const * pText, std::size_t nUnits)
+{
+    CXmlText & text = element.m_text;
+    if (text.m_bString)
+    {
+        text.m_pString->append(pText, nUnits);
+        return;
+    }
+    XmlRuns & runs = BeginPiece(element);
+    text.m_nUnits += static_cast<std::uint32_t>(nUnits);
+    std::u16string_view piece(pText, nUnits);
+    if (runs.bMatching)
+    {
+        std::u16string_view const last(runs.pLast->pUnits, runs.pLast->nUnits);
+        if (last.substr(runs.nMatched, nUnits) == piece)
+        {
+            runs.nMatched += static_cast<std::uint32_t>(nUnits);
+            return;
+        }
+        std::u16string_view const head = last.substr(0, runs.nMatched);
+        std::u16string_view const part = piece.substr(0, kLongestInBlock);
+        if (head.size() <= kLongestInBlock - part.size())
+        {
+            KeepRun(runs, head, part);
+            piece.remove_prefix(part.size());
+        }
+        else
+        {
+            KeepRun(runs, {}, head);
+        }
+        runs.bMatching = false;
+    }
+    for (; !piece.empty(); piece.remove_prefix(std::min(piece.size(), kLongestInBlock)))
+        KeepRun(runs, {}, piece.substr(0, kLongestInBlock));
 }
 
 /// nOctets is at most the size of the smallest block.

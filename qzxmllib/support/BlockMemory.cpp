@@ -96,7 +96,8 @@ void * TakeBlock(std::size_t nOctets)
 
 void GiveBackBlock(void * pBlock, std::size_t nOctets) noexcept
 {
-    if (!t_bSparesGone && nOctets <= kLargestSpareBlock)
+    // Blocks of odd sizes are not asked for again.
+    if (!t_bSparesGone && nOctets <= kLargestSpareBlock && (nOctets & (nOctets - 1)) == 0)
     {
         SpareBlocks & spares = t_spares;
         if (spares.nCount < kSpareBlocks && nOctets <= kMostSpareOctets - spares.nOctetsHeld)

@@ -2,6 +2,7 @@
 
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cassert>
 #include <cstdint>
@@ -253,7 +254,7 @@ CInstanceMonitor::~CInstanceMonitor()
             delete m_pct;
         return;
     }
-    CInstanceCounters * const pShard = t_pShard != nullptr ? t_pShard : CInstanceCounters::OfThread();
+    CInstanceCounters * const pShard = t_pShard;
     if (pShard != nullptr && m_pct->nIndex != kNotSharded)
         CInstanceCounters::Add(pShard->aCounters[m_pct->nIndex].lInstanceCount, -1);
     else
@@ -270,8 +271,9 @@ std::u16string CInstanceMonitor::DumpState()
         if (!bFirst)
             strResult.append(u"\n");
         bFirst = false;
-        std::int64_t const nLive =
-            CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lInstanceCount, pct->lInstanceCount);
+        // Shards are read one by one, so an object on its way from thread to thread may count down only.
+        std::int64_t const nLive = std::max<std::int64_t>(
+            0, CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lInstanceCount, pct->lInstanceCount));
         std::int64_t const nTotal =
             CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lTotalCount, pct->lTotalCount);
         strResult.append(QzXmlLib16::FormatString(

@@ -8,7 +8,7 @@ CQzException::CQzException() = default;
 CQzException::CQzException(std::u16string strMessage) : m_strMessage(std::move(strMessage)) {}
 
 CQzException::CQzException(std::u16string strMessage, CQzException const & inner)
-    : m_strMessage(std::move(strMessage)), m_pInnerException(inner.Clone())
+    : m_strMessage(std::move(strMessage)), m_spInnerException(inner.Clone())
 {
 }
 
@@ -22,14 +22,10 @@ CQzException::CQzException(std::u16string strMessage, std::u16string strPath)
 CQzException::CQzException(std::u16string strMessage, std::u16string strPath, CQzException const & inner)
     : CQzException(std::move(strMessage), std::move(strPath))
 {
-    m_pInnerException = inner.Clone();
+    m_spInnerException.reset(inner.Clone());
 }
 
-CQzException::CQzException(CQzException const & other)
-    : m_strMessage(other.m_strMessage), m_strPath(other.m_strPath),
-      m_pInnerException(other.m_pInnerException != nullptr ? other.m_pInnerException->Clone() : nullptr)
-{
-}
+CQzException::CQzException(CQzException const & other) = default;
 
 CQzException & CQzException::operator=(CQzException const & other)
 {
@@ -37,13 +33,19 @@ CQzException & CQzException::operator=(CQzException const & other)
     CQzException copy(other);
     m_strMessage.swap(copy.m_strMessage);
     m_strPath.swap(copy.m_strPath);
-    std::swap(m_pInnerException, copy.m_pInnerException);
+    m_spInnerException.swap(copy.m_spInnerException);
     return *this;
 }
 
 CQzException::~CQzException()
 {
-    delete m_pInnerException;
+    // Link by link, as a chain has one for each level of a deep object.
+    std::shared_ptr<CQzException const> spNext = std::move(m_spInnerException);
+    while (spNext != nullptr && spNext.use_count() == 1)
+    {
+        std::shared_ptr<CQzException const> const spThis = std::move(spNext);
+        spNext = std::move(const_cast<CQzException &>(*spThis).m_spInnerException);
+    }
 }
 
 std::u16string CQzException::GetMessageW() const
@@ -59,14 +61,14 @@ std::u16string CQzException::GetPath() const
 std::u16string CQzException::GetFullMessage() const
 {
     std::u16string strResult = m_strMessage;
-    for (CQzException const * p = m_pInnerException; p != nullptr; p = p->m_pInnerException)
+    for (CQzException const * p = GetInnerException(); p != nullptr; p = p->GetInnerException())
         strResult.append(u"\n").append(p->m_strMessage);
     return strResult;
 }
 
 CQzException const * CQzException::GetInnerException() const
 {
-    return m_pInnerException;
+    return m_spInnerException.get();
 }
 
 CQzException * CQzException::Clone() const

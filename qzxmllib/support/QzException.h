@@ -3,6 +3,7 @@
 #include "qzxmllib/support/Export.h"
 #include "qzxmllib/support/FormatString.h"
 
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -40,7 +41,8 @@ protected:
 private:
     std::u16string m_strMessage;
     std::u16string m_strPath;
-    CQzException * m_pInnerException = nullptr;
+    /// Nobody changes it, so copies of this object share it.
+    std::shared_ptr<CQzException const> m_spInnerException;
 };
 
 /// The document does not agree with the metadata of a class. Carries the path of the node at fault.
