@@ -1,6 +1,7 @@
 #include "qzxmllib/values/Functions.h"
 
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/FacetCacheInternal.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 
 #include <string_view>
@@ -32,9 +33,37 @@ bool TokenAccepts(std::u16string_view token, std::u16string const & strNamespace
 } // namespace
 
 CPrimitiveRestrictions::CPrimitiveRestrictions() = default;
-CPrimitiveRestrictions::CPrimitiveRestrictions(CPrimitiveRestrictions const & other) = default;
-CPrimitiveRestrictions & CPrimitiveRestrictions::operator=(CPrimitiveRestrictions const & other) = default;
-CPrimitiveRestrictions::~CPrimitiveRestrictions() = default;
+
+CPrimitiveRestrictions::CPrimitiveRestrictions(CPrimitiveRestrictions const & other)
+    : m_pattern(other.m_pattern), m_minLength(other.m_minLength), m_maxLength(other.m_maxLength),
+      m_minInclusive(other.m_minInclusive), m_maxInclusive(other.m_maxInclusive), m_minExclusive(other.m_minExclusive),
+      m_maxExclusive(other.m_maxExclusive), m_length(other.m_length), m_totalDigits(other.m_totalDigits),
+      m_fractionDigits(other.m_fractionDigits)
+{
+}
+
+CPrimitiveRestrictions & CPrimitiveRestrictions::operator=(CPrimitiveRestrictions const & other)
+{
+    if (this == &other)
+        return *this;
+    CFacetCache::Drop(*this);
+    m_pattern = other.m_pattern;
+    m_minLength = other.m_minLength;
+    m_maxLength = other.m_maxLength;
+    m_minInclusive = other.m_minInclusive;
+    m_maxInclusive = other.m_maxInclusive;
+    m_minExclusive = other.m_minExclusive;
+    m_maxExclusive = other.m_maxExclusive;
+    m_length = other.m_length;
+    m_totalDigits = other.m_totalDigits;
+    m_fractionDigits = other.m_fractionDigits;
+    return *this;
+}
+
+CPrimitiveRestrictions::~CPrimitiveRestrictions()
+{
+    CFacetCache::Drop(*this);
+}
 
 CPrimitiveRestrictions::CPrimitiveRestrictions(char16_t const * pattern, std::int32_t minLength, std::int32_t maxLength,
     char16_t const * minInclusive, char16_t const * maxInclusive, char16_t const * minExclusive,
@@ -45,8 +74,6 @@ CPrimitiveRestrictions::CPrimitiveRestrictions(char16_t const * pattern, std::in
       m_totalDigits(totalDigits), m_fractionDigits(fractionDigits)
 {
 }
-
-void CheckPrimitiveVariant(char16_t const *, QzVariant const &, ItemType, CPrimitiveRestrictions const &) {}
 
 bool IsNamespaceAllowed(
     std::u16string const & strNamespace, std::u16string const & strList, std::u16string const & strTarget)

@@ -2,13 +2,17 @@
 
 #include "qzxmllib/support/Export.h"
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
 namespace QzXmlLib16
 {
 
-/// The facets of a simple type (XML Schema Part 2). Enumerations and whiteSpace are kept elsewhere.
+struct CFacetCache;
+
+/// The facets of a simple type (XML Schema Part 2). Enumerations and whiteSpace are kept elsewhere. Any number of
+/// threads may check values against one object at the same time, as long as none changes it.
 class QZXMLLIB_API CPrimitiveRestrictions
 {
 public:
@@ -32,6 +36,12 @@ public:
     std::int32_t m_length = -1;
     std::int32_t m_totalDigits = -1;
     std::int32_t m_fractionDigits = -1;
+
+private:
+    friend struct CFacetCache;
+
+    /// What the first check has worked out of the texts. Not copied.
+    mutable std::atomic<CFacetCache const *> m_pCache{nullptr};
 };
 
 } // namespace QzXmlLib16

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "qzxmllib/support/Export.h"
+
 namespace QzXmlLib16
 {
 
-/// The primitive kinds. The numbers are part of the interface: generated code stores them.
-enum ItemType : int
+/// The primitive kinds. The numbers are part of the interface: generated code stores them. Exported, as it is an
+/// argument of exported templates.
+enum QZXMLLIB_API ItemType : int
 {
     ItemType_Invalid = 0,
     ItemType_hexBinary = 1,
