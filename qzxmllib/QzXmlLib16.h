@@ -2,18 +2,23 @@
 
 /// Everything that the library offers. Written by scripts/headers.sh --update.
 
+#include "qzxmllib/binding/Attribute.h"
 #include "qzxmllib/binding/AttributeInfo.h"
 #include "qzxmllib/binding/ClassFactory.h"
+#include "qzxmllib/binding/Element.h"
 #include "qzxmllib/binding/ElementInfo.h"
 #include "qzxmllib/binding/ElementInfoBase.h"
 #include "qzxmllib/binding/ElementInfoCls.h"
 #include "qzxmllib/binding/ElementInfoCol.h"
 #include "qzxmllib/binding/ElementInfoPrim.h"
+#include "qzxmllib/binding/ElementInfoUntpd.h"
 #include "qzxmllib/binding/EventSink.h"
 #include "qzxmllib/binding/MetadataTypes.h"
 #include "qzxmllib/binding/Nillable.h"
 #include "qzxmllib/binding/ParentElementInfo.h"
+#include "qzxmllib/binding/QzIterator.h"
 #include "qzxmllib/binding/SerializationContext.h"
+#include "qzxmllib/binding/SharedText.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/binding/XmlObjectBase.h"

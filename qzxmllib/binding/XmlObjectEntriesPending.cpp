@@ -68,9 +68,4 @@ void CXmlObjectBase::FromJsonStream(unsigned char * const, unsigned long, CSeria
     ThrowNotAvailable(u"JSON input");
 }
 
-void CXmlObjectBase::FromXmlElement(CElement const *, CSerializationContext const &)
-{
-    ThrowNotAvailable(u"Open content");
-}
-
 } // namespace QzXmlLib16
