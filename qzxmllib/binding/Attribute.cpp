@@ -30,14 +30,15 @@ std::u16string FirstUri(std::u16string const & strList)
 } // namespace
 
 CAttribute::CAttribute(char16_t const * name, char16_t const * value, char16_t const * namespaceUri)
-    : CInstanceMonitor(u"CAttribute"), m_strName(TextOrEmpty(name)), m_strValue(TextOrEmpty(value)),
-      m_strNamespace(TextOrEmpty(namespaceUri))
+    : CInstanceMonitor(u"CAttribute"), m_strValue(TextOrEmpty(value)), m_strNamespace(TextOrEmpty(namespaceUri))
 {
+    m_strElementName = TextOrEmpty(name);
 }
 
 CAttribute::CAttribute(std::u16string_view name, std::u16string_view value, CSharedText strNamespace)
-    : CInstanceMonitor(u"CAttribute"), m_strName(name), m_strValue(value), m_strNamespace(std::move(strNamespace))
+    : CInstanceMonitor(u"CAttribute"), m_strValue(value), m_strNamespace(std::move(strNamespace))
 {
+    m_strElementName = name;
 }
 
 CAttribute::~CAttribute() = default;
@@ -45,7 +46,7 @@ CAttribute::~CAttribute() = default;
 void CAttribute::SetName(char16_t const * name)
 {
     FireOnChangeName(name);
-    m_strName = TextOrEmpty(name);
+    SetElementName(name);
 }
 
 void CAttribute::SetValue(char16_t const * value)
@@ -61,12 +62,12 @@ void CAttribute::SetNamespace(char16_t const * namespaceUri)
 
 CSmartPtr<CAttribute> CAttribute::Clone() const
 {
-    return new CAttribute(m_strName, m_strValue, m_strNamespace);
+    return new CAttribute(m_strElementName, m_strValue, m_strNamespace);
 }
 
 void CAttribute::ToXml_Int(CXmlWriter * pWriter, bool, char16_t const *, CSerializationContext const &, bool) const
 {
-    pWriter->WriteAttributeView(m_strName, m_strNamespace.String(), m_strValue, ItemType_string);
+    pWriter->WriteAttributeView(m_strElementName, m_strNamespace.String(), m_strValue, ItemType_string);
 }
 
 CXmlElement * CAttribute::FromXml_Int(CXmlElement *, CXmlElement *, CSerializationContext const &, bool)

@@ -24,7 +24,7 @@ public:
     using CXmlObjectBase::GetBase;
     CXmlObjectBase * GetBase() override { return this; }
 
-    std::u16string const & GetName() const { return m_strName; }
+    std::u16string const & GetName() const { return m_strElementName; }
     void SetName(char16_t const * name);
     std::u16string const & GetValue() const { return m_strValue; }
     void SetValue(char16_t const * value);
@@ -55,7 +55,7 @@ private:
 
     CAttribute(std::u16string_view name, std::u16string_view value, CSharedText strNamespace);
 
-    std::u16string m_strName;
+    // The name lies in m_strElementName of the base.
     std::u16string m_strValue;
     CSharedText m_strNamespace;
 };

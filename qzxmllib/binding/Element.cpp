@@ -27,9 +27,10 @@ constexpr std::u16string_view kKeywords[] = {u"##any", u"##other", u"##local", u
 /// Levels that are open outside the fragments that this thread writes.
 __attribute__((tls_model("initial-exec"))) thread_local std::int32_t t_nOuterLevels = 0;
 
-/// Collections of elements that are gone, and whether someone is at work on them.
+/// Levels of a tree that are destroyed one inside the other. What lies deeper waits in a list.
+constexpr int kNestedDestructions = 64;
+__attribute__((tls_model("initial-exec"))) thread_local int t_nDestructions = 0;
 __attribute__((tls_model("initial-exec"))) thread_local CElementCol * t_pDoomed = nullptr;
-__attribute__((tls_model("initial-exec"))) thread_local bool t_bDestroying = false;
 
 std::u16string TextOrEmpty(char16_t const * pText)
 {
@@ -105,7 +106,7 @@ public:
                 pAt = pAt->GetNextSiblingElement();
             }
             CSmartPtr<CElement> const spElement(MakeElement(*pAt));
-            m_parents.back()->m_spChildElements->AppendItem(spElement);
+            m_parents.back()->ChildElements().AppendItem(spElement);
             pElement = spElement;
         }
     }
@@ -134,12 +135,12 @@ private:
     CSmartPtr<CElement> MakeElement(CXmlElement const & source)
     {
         CSharedText const & strNamespace = NamespaceOf(*source.GetName());
-        CSmartPtr<CElement> spElement(new CElement(
-            source, strNamespace, m_bCollectionsTakeNamespace ? strNamespace : CSharedText(), m_strTargetNamespace));
+        CSmartPtr<CElement> spElement(
+            new CElement(source, strNamespace, m_strTargetNamespace, m_bCollectionsTakeNamespace));
         for (CXmlAttribute const * pAttribute = source.GetFirstAttribute(); pAttribute != nullptr;
              pAttribute = pAttribute->GetNextAttribute())
         {
-            spElement->m_spAttributes->Append(
+            spElement->Attributes().Append(
                 pAttribute->GetLocalName(), pAttribute->GetValueView(), NamespaceOf(*pAttribute->GetName()));
             if (!m_bCollectionsTakeNamespace)
                 spElement->TakeContentNamespace(*pAttribute);
@@ -189,12 +190,11 @@ CElement::CElement(CXmlObjectBase * pObject, char16_t const * defaultNamespace) 
     CopyXmlElement(document.GetDocumentElement());
 }
 
-CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CSharedText const & strCollectionNamespace,
-    CSharedText strTargetNamespace)
+CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CSharedText strTargetNamespace,
+    bool bCollectionsTakeNamespace)
     : CInstanceMonitor(u"CElement"), m_strText(source.GetTextView()), m_strNamespace(std::move(strNamespace)),
       m_strNamespaceRestriction(CSharedText::Any()), m_strTargetNamespace(std::move(strTargetNamespace)),
-      m_spAttributes(new CAttributeCol(strCollectionNamespace, m_strTargetNamespace)),
-      m_spChildElements(new CElementCol(strCollectionNamespace, m_strTargetNamespace))
+      m_bCollectionsTakeNamespace(bCollectionsTakeNamespace)
 {
     m_strElementName = source.GetLocalName();
 }
@@ -202,15 +202,19 @@ CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CShared
 CElement::CElement(CElement const * pOriginal)
     : CXmlObjectBase(*pOriginal), CInstanceMonitor(u"CElement"), m_strText(pOriginal->m_strText),
       m_strNamespace(pOriginal->m_strNamespace), m_strNamespaceRestriction(pOriginal->m_strNamespaceRestriction),
-      m_strTargetNamespace(pOriginal->m_strTargetNamespace), m_spAttributes(pOriginal->m_spAttributes->Clone()),
-      m_spChildElements(pOriginal->m_spChildElements->MakeEmptyClone())
+      m_strTargetNamespace(pOriginal->m_strTargetNamespace),
+      m_bCollectionsTakeNamespace(pOriginal->m_bCollectionsTakeNamespace)
 {
+    if (pOriginal->m_spAttributes != nullptr)
+        m_spAttributes = pOriginal->m_spAttributes->Clone();
+    if (pOriginal->m_spChildElements != nullptr)
+        m_spChildElements = pOriginal->m_spChildElements->MakeEmptyClone();
 }
 
 CElement::~CElement()
 {
     if (m_spChildElements != nullptr && m_spChildElements->m_nCount != 0)
-        CElementCol::Doom(m_spChildElements);
+        CElementCol::Destroy(m_spChildElements);
 }
 
 void CElement::Init(char16_t const * name, char16_t const * namespaceUri, char16_t const * restriction,
@@ -225,8 +229,27 @@ void CElement::Init(char16_t const * name, char16_t const * namespaceUri, char16
     m_strNamespace = CSharedText(namespaceUri);
     m_strNamespaceRestriction = CSharedText(restriction);
     m_strTargetNamespace = CSharedText(targetNamespace);
-    m_spAttributes = new CAttributeCol(m_strNamespace, m_strTargetNamespace);
-    m_spChildElements = new CElementCol(m_strNamespace, m_strTargetNamespace);
+    MakeAttributes();
+    MakeChildElements();
+}
+
+CAttributeCol & CElement::MakeAttributes() const
+{
+    m_spAttributes =
+        new CAttributeCol(m_bCollectionsTakeNamespace ? m_strNamespace : CSharedText(), m_strTargetNamespace);
+    return *m_spAttributes;
+}
+
+CElementCol & CElement::MakeChildElements() const
+{
+    m_spChildElements =
+        new CElementCol(m_bCollectionsTakeNamespace ? m_strNamespace : CSharedText(), m_strTargetNamespace);
+    return *m_spChildElements;
+}
+
+CNode * CElement::FirstChildNode() const
+{
+    return m_spChildElements != nullptr ? m_spChildElements->m_pHead : nullptr;
 }
 
 void CElement::SetName(char16_t const * name)
@@ -244,6 +267,9 @@ void CElement::SetText(char16_t const * text)
 void CElement::SetNamespace(char16_t const * namespaceUri)
 {
     FireOnChangeNamespace(namespaceUri);
+    // The collections keep the namespace that the element was made with.
+    Attributes();
+    ChildElements();
     m_strNamespace = CSharedText(TextOrEmpty(namespaceUri));
 }
 
@@ -255,21 +281,23 @@ void CElement::TakeContentNamespace(CXmlAttribute const & attribute)
 
 void CElement::CopyXmlElement(CXmlElement * pSource)
 {
+    CAttributeCol & attributes = Attributes();
+    CElementCol & children = ChildElements();
     m_strElementName = pSource->GetLocalName();
     m_strNamespace = CSharedText(pSource->GetNamespaceURI());
     m_strText = pSource->GetTextView();
-    m_spAttributes->Clear();
-    m_spChildElements->Clear();
+    attributes.Clear();
+    children.Clear();
     CTreeReader reader;
     for (CXmlAttribute const * pAttribute = pSource->GetFirstAttribute(); pAttribute != nullptr;
          pAttribute = pAttribute->GetNextAttribute())
     {
-        m_spAttributes->Append(
+        attributes.Append(
             pAttribute->GetLocalName(), pAttribute->GetValueView(), reader.NamespaceOf(*pAttribute->GetName()));
         TakeContentNamespace(*pAttribute);
     }
     for (CXmlElement * pChild = pSource->GetFirstElement(); pChild != nullptr; pChild = pChild->GetNextSiblingElement())
-        m_spChildElements->Add(reader.Read(pChild));
+        children.Add(reader.Read(pChild));
 }
 
 void CElement::FromXml(char16_t const * text)
@@ -287,8 +315,8 @@ CXmlElement * CElement::FromXml_Int(CXmlElement *, CXmlElement * pChild, CSerial
     if (pChild == nullptr || !IsNamespaceAllowed(pChild->GetNamespaceURI(), m_strNamespaceRestriction.String(),
                                  m_strTargetNamespace.String()))
         return pChild;
-    CXmlObjectBase::FromXml_Int(m_spAttributes, pChild, pChild, ctx);
-    if (CXmlObjectBase::FromXml_Int(m_spChildElements, pChild, pChild->GetFirstElement(), ctx) != nullptr)
+    CXmlObjectBase::FromXml_Int(&Attributes(), pChild, pChild, ctx);
+    if (CXmlObjectBase::FromXml_Int(&ChildElements(), pChild, pChild->GetFirstElement(), ctx) != nullptr)
         throw CQzValidationException(
             FormatString(u"Invalid Element [%s] found.", pChild->GetLocalName()), pChild->GetXPath());
     m_strText = pChild->GetTextView();
@@ -312,9 +340,10 @@ void CElement::ToXml_Int(CXmlWriter * pWriter, bool, char16_t const *, CSerializ
 void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & ctx) const
 {
     pWriter->WriteStartElement(m_strElementName, m_strNamespace.String());
-    if (m_spAttributes->m_nCount != 0)
+    if (m_spAttributes != nullptr)
         CXmlObjectBase::ToXml_Int(m_spAttributes, pWriter, false, u"", ctx, false);
-    CXmlObjectBase::ToXml_Int(m_spChildElements, pWriter, false, u"", ctx, false);
+    if (m_spChildElements != nullptr)
+        CXmlObjectBase::ToXml_Int(m_spChildElements, pWriter, false, u"", ctx, false);
     pWriter->WriteText(m_strText, ItemType_string);
     pWriter->WriteEndElement();
 }
@@ -330,7 +359,7 @@ void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & 
     writer.WriteStartElement(m_strElementName, m_strNamespace.String());
     CSerializationContext ctx;
     ctx.SetDefaultNamespaceURI(m_strContentNamespace.String().c_str());
-    CXmlObjectBase::ToXml_Int(m_spChildElements, &writer, false, u"", ctx, false);
+    CXmlObjectBase::ToXml_Int(&ChildElements(), &writer, false, u"", ctx, false);
     writer.WriteText(m_strText, ItemType_string);
     writer.WriteEndElement();
     stream.Flush();
@@ -346,7 +375,7 @@ CSmartPtr<CElement> CElement::Clone() const
         CElementCol * pClones;
     };
     CSmartPtr<CElement> spClone(new CElement(this));
-    std::vector<Level> levels{{m_spChildElements->m_pHead, spClone->m_spChildElements}};
+    std::vector<Level> levels{{FirstChildNode(), spClone->m_spChildElements}};
     while (!levels.empty())
     {
         Level & level = levels.back();
@@ -361,7 +390,7 @@ CSmartPtr<CElement> CElement::Clone() const
         level.pNext = level.pNext->m_pNext;
         CSmartPtr<CElement> const spChild(new CElement(pChild));
         level.pClones->AppendItem(spChild);
-        levels.push_back({pChild->m_spChildElements->m_pHead, spChild->m_spChildElements});
+        levels.push_back({pChild->FirstChildNode(), spChild->m_spChildElements});
     }
     return spClone;
 }
@@ -369,6 +398,8 @@ CSmartPtr<CElement> CElement::Clone() const
 void CElement::TestNamespaces(std::u16string const & strRestriction, std::u16string const & strTarget)
 {
     CheckNamespaceAllowed(m_strNamespace.String(), strRestriction, strTarget);
+    if (m_spAttributes == nullptr)
+        return;
     for (CAttribute & attribute : *m_spAttributes)
         CheckNamespaceAllowed(attribute.GetNamespace(), strRestriction, strTarget);
 }
@@ -382,7 +413,7 @@ void CElement::SetNamespaceRestrictions(char16_t const * restriction, char16_t c
     };
     std::u16string const strRestriction = TextOrEmpty(restriction);
     std::u16string const strTarget = TextOrEmpty(targetNamespace);
-    std::vector<Level> levels{{this, m_spChildElements->m_pHead}};
+    std::vector<Level> levels{{this, FirstChildNode()}};
     try
     {
         TestNamespaces(strRestriction, strTarget);
@@ -398,7 +429,7 @@ void CElement::SetNamespaceRestrictions(char16_t const * restriction, char16_t c
                 ThrowTooDeep();
             levels.back().pNext = pNode->m_pNext;
             auto * const pChild = static_cast<CElement *>(pNode->m_spItem.Get());
-            levels.push_back({pChild, pChild->m_spChildElements->m_pHead});
+            levels.push_back({pChild, pChild->FirstChildNode()});
             pChild->TestNamespaces(strRestriction, strTarget);
         }
     }
@@ -430,20 +461,23 @@ CElementCol::CElementCol(CSharedText strElementNamespace, CSharedText strTargetN
 
 CElementCol::~CElementCol() = default;
 
-void CElementCol::Doom(CSmartPtr<CElementCol> & spCollection) noexcept
+void CElementCol::Destroy(CSmartPtr<CElementCol> & spCollection) noexcept
 {
-    // One element owns a collection, so it stands in one list at most.
-    CElementCol * const pCollection = spCollection;
-    pCollection->AddRef();
-    spCollection = nullptr;
-    pCollection->m_pNextDoomed = t_pDoomed;
-    t_pDoomed = pCollection;
-    if (t_bDestroying)
+    if (t_nDestructions >= kNestedDestructions)
+    {
+        // One element owns a collection, so it stands in the list once at most.
+        CElementCol * const pCollection = spCollection;
+        pCollection->AddRef();
+        pCollection->m_pNextDoomed = std::exchange(t_pDoomed, pCollection);
+        spCollection = nullptr;
         return;
-    t_bDestroying = true;
-    while (t_pDoomed != nullptr)
-        std::exchange(t_pDoomed, t_pDoomed->m_pNextDoomed)->Release();
-    t_bDestroying = false;
+    }
+    ++t_nDestructions;
+    spCollection = nullptr;
+    if (t_nDestructions == 1)
+        while (t_pDoomed != nullptr)
+            std::exchange(t_pDoomed, t_pDoomed->m_pNextDoomed)->Release();
+    --t_nDestructions;
 }
 
 CSmartPtr<CElement> CElementCol::Add(char16_t const * name, char16_t const * namespaceUri)

@@ -51,7 +51,7 @@ public:
     /// Does not consult the restriction.
     void SetNamespace(char16_t const * namespaceUri);
     /// New attributes are added in the namespace that the element was made with.
-    CSmartPtr<CAttributeCol> GetAttributes() const { return m_spAttributes; }
+    CSmartPtr<CAttributeCol> GetAttributes() const { return &Attributes(); }
     CSmartPtr<CElementCol> GetChildElements() const;
 
     /// Tests the namespaces of the whole tree and keeps nothing. Throws CQzInvalidNamespaceException, one layer for
@@ -99,10 +99,20 @@ private:
     class CTreeReader;
 
     /// An element with open restriction, made while a document is read.
-    CElement(CXmlElement const & source, CSharedText strNamespace, CSharedText const & strCollectionNamespace,
-        CSharedText strTargetNamespace);
+    CElement(CXmlElement const & source, CSharedText strNamespace, CSharedText strTargetNamespace,
+        bool bCollectionsTakeNamespace);
     /// A clone without children.
     explicit CElement(CElement const * pOriginal);
+
+    // The collections. Those of an element that was read come up when something is put into them or they are asked for.
+    CAttributeCol & Attributes() const
+    {
+        return m_spAttributes != nullptr ? *m_spAttributes : MakeAttributes();
+    }
+    CElementCol & ChildElements() const;
+    CAttributeCol & MakeAttributes() const;
+    CElementCol & MakeChildElements() const;
+    CNode * FirstChildNode() const;
 
     void WriteElement(CXmlWriter * pWriter, CSerializationContext const & ctx) const;
     void WriteFragment(CXmlTextWriter * pWriter) const;
@@ -116,9 +126,11 @@ private:
     CSharedText m_strNamespace;
     CSharedText m_strNamespaceRestriction;
     CSharedText m_strTargetNamespace;
-    CSmartPtr<CAttributeCol> m_spAttributes;
-    CSmartPtr<CElementCol> m_spChildElements;
+    mutable CSmartPtr<CAttributeCol> m_spAttributes;
+    mutable CSmartPtr<CElementCol> m_spChildElements;
     CSharedText m_strContentNamespace;
+    /// Whether collections that are not there yet will have the namespace of this element.
+    bool m_bCollectionsTakeNamespace = true;
 };
 
 /// The children of an element of open content, or the elements that the wildcard of a class has taken. It has no limits
@@ -168,8 +180,8 @@ private:
     CElementCol(CSharedText strElementNamespace, CSharedText strTargetNamespace);
 
     CSmartPtr<CElementCol> MakeEmptyClone() const;
-    /// Destroys the collection of an element that goes. However deep a tree is, this does not recurse.
-    static void Doom(CSmartPtr<CElementCol> & spCollection) noexcept;
+    /// Destroys the collection of an element that goes. Its recursion is bounded, however deep the tree is.
+    static void Destroy(CSmartPtr<CElementCol> & spCollection) noexcept;
 
     CSharedText m_strElementNamespace;
     CSharedText m_strTargetNamespace;
@@ -177,9 +189,14 @@ private:
     CElementCol * m_pNextDoomed = nullptr;
 };
 
+inline CElementCol & CElement::ChildElements() const
+{
+    return m_spChildElements != nullptr ? *m_spChildElements : MakeChildElements();
+}
+
 inline CSmartPtr<CElementCol> CElement::GetChildElements() const
 {
-    return m_spChildElements;
+    return &ChildElements();
 }
 
 } // namespace QzXmlLib16
