@@ -37,7 +37,7 @@ struct AbsEntry
 };
 
 /// What an entry for untyped content knows of the namespaces that it takes. Null counts as empty.
-struct UntypedEntry
+struct QZXMLLIB_API UntypedEntry
 {
     UntypedEntry(char16_t const * namespaceList, char16_t const * targetNamespace);
 
