@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/QzIterator.h"
 #include "qzxmllib/binding/SharedText.h"
+#include "qzxmllib/binding/TreeMemory.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/support/MemoryLeakHelp.h"
 
@@ -14,7 +15,7 @@ namespace QzXmlLib16
 class CAttributeCol;
 
 /// One attribute of open content. Made by a CAttributeCol.
-class QZXMLLIB_API CAttribute : public CXmlObjectBase, private CInstanceMonitor
+class QZXMLLIB_API CAttribute : public CXmlObjectBase, private CInstanceMonitor, public CTreeMemory
 {
 public:
     CAttribute(CAttribute const &) = delete;
@@ -63,7 +64,7 @@ private:
 /// The attributes of an element of open content, or those that the wildcard of a class has taken. The namespace
 /// restriction is the namespace list of an XML Schema wildcard: "##any", "##other", "##local", "##targetNamespace" or
 /// URIs, separated by blanks.
-class QZXMLLIB_API CAttributeCol : public CXmlCollection, private CInstanceMonitor
+class QZXMLLIB_API CAttributeCol : public CXmlCollection, private CInstanceMonitor, public CTreeMemory
 {
 public:
     /// namespaceUri is what Add gives to attributes without a namespace of their own. When it is empty and the

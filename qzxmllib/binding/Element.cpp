@@ -1,5 +1,6 @@
 #include "qzxmllib/binding/Element.h"
 
+#include "qzxmllib/binding/TreeMemoryInternal.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlTextWriter.h"
@@ -88,6 +89,7 @@ public:
     /// The tree below and with pSource.
     CSmartPtr<CElement> Read(CXmlElement * pSource)
     {
+        CTreeArena::Use const use(m_arena);
         CSmartPtr<CElement> spRoot(MakeElement(*pSource));
         CElement * pElement = spRoot;
         for (CXmlElement * pAt = pSource;;)
@@ -148,6 +150,7 @@ private:
         return spElement;
     }
 
+    CTreeArena m_arena;
     bool m_bCollectionsTakeNamespace;
     CSharedText m_strTargetNamespace;
     CSharedText m_strLast;

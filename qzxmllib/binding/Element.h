@@ -3,6 +3,7 @@
 #include "qzxmllib/binding/Attribute.h"
 #include "qzxmllib/binding/QzIterator.h"
 #include "qzxmllib/binding/SharedText.h"
+#include "qzxmllib/binding/TreeMemory.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/support/Forward.h"
 #include "qzxmllib/support/MemoryLeakHelp.h"
@@ -22,7 +23,7 @@ class CElementCol;
 /// adds to what the element already holds.
 ///
 /// Trees of up to 10000 levels can be written, cloned and checked; deeper ones throw CQzException.
-class QZXMLLIB_API CElement : public CXmlObjectBase, private CInstanceMonitor
+class QZXMLLIB_API CElement : public CXmlObjectBase, private CInstanceMonitor, public CTreeMemory
 {
 public:
     /// An element without a namespace that reads any element.
@@ -135,7 +136,7 @@ private:
 
 /// The children of an element of open content, or the elements that the wildcard of a class has taken. It has no limits
 /// of occurrence and takes elements of every namespace; reading takes all elements from its position on.
-class QZXMLLIB_API CElementCol : public CXmlCollection, private CInstanceMonitor
+class QZXMLLIB_API CElementCol : public CXmlCollection, private CInstanceMonitor, public CTreeMemory
 {
 public:
     /// namespaceUri is what Add(name) gives to new elements; it must obey the restriction, or

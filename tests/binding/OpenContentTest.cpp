@@ -42,8 +42,8 @@ CSmartPtr<CElement> Parsed(std::string const & strDocument)
 int LiveCount(std::string const & strName)
 {
     std::string const strReport = Utf8(CInstanceMonitor::DumpState());
-    std::size_t nAt = strReport.find(" " + strName + " ");
-    return nAt == std::string::npos ? 0 : std::stoi(strReport.substr(nAt + strName.size() + 2));
+    std::size_t nAt = strReport.find(" " + strName + " = ");
+    return nAt == std::string::npos ? 0 : std::stoi(strReport.substr(nAt + strName.size() + 4));
 }
 
 struct TextRow
