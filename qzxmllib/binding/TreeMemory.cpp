@@ -1,8 +1,8 @@
 #include "qzxmllib/binding/TreeMemory.h"
 
 #include "qzxmllib/binding/TreeMemoryInternal.h"
+#include "qzxmllib/document/XmlBlockInternal.h"
 
-#include <algorithm>
 #include <atomic>
 #include <new>
 #include <utility>
@@ -10,23 +10,43 @@
 namespace QzXmlLib16
 {
 
+namespace
+{
+
+/// Small trees take one small block from the heap.
+constexpr std::size_t kFirstBlock = 4096;
+
+} // namespace
+
 /// The objects follow, each behind a pointer to its block. An object on the heap has a null there.
 struct CTreeArena::Block
 {
     /// Objects that are alive, once the block takes no more. Before that it only counts those that went, downwards.
     std::atomic<std::int64_t> nAlive{0};
+    XmlBlock memory;
+
+    explicit Block(XmlBlock const & rMemory) noexcept : memory(rMemory) {}
 
     void Count(std::int64_t nDelta) noexcept
     {
         if (nAlive.fetch_add(nDelta, std::memory_order_acq_rel) + nDelta == 0)
-            ::operator delete(this);
+            Free();
+    }
+    void Free() noexcept
+    {
+        XmlBlock const freed = memory;
+        if (freed.nOctets == kFirstBlock)
+            ::operator delete(freed.pFirst);
+        else
+            ReturnXmlBlock(freed);
     }
 };
 
 namespace
 {
 
-constexpr std::size_t kLargestBlock = 65536;
+/// Larger objects never lie in a block.
+constexpr std::size_t kLargestObject = 1024;
 /// In front of an object on the heap, so that it is aligned as any other.
 constexpr std::size_t kHeapHead = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
@@ -51,7 +71,7 @@ void * CTreeArena::Take(std::size_t nOctets)
     // Objects that a read makes need no more than the alignment of a pointer.
     nOctets = sizeof(void *) + (nOctets + alignof(void *) - 1) / alignof(void *) * alignof(void *);
     if (static_cast<std::size_t>(m_pEnd - m_pAt) < nOctets)
-        NewBlock(nOctets);
+        NewBlock();
     void * const p = m_pAt + sizeof(void *);
     HeadOf(p) = m_pBlock;
     m_pAt += nOctets;
@@ -59,15 +79,16 @@ void * CTreeArena::Take(std::size_t nOctets)
     return p;
 }
 
-void CTreeArena::NewBlock(std::size_t nLeast)
+void CTreeArena::NewBlock()
 {
-    std::size_t const nOctets = std::max(m_nNextBlock, sizeof(Block) + nLeast);
-    auto * const pMemory = static_cast<unsigned char *>(::operator new(nOctets));
+    XmlBlock const memory = m_nHeld == 0
+                                ? XmlBlock{static_cast<unsigned char *>(::operator new(kFirstBlock)), kFirstBlock}
+                                : AcquireXmlBlock(m_nHeld);
     Retire();
-    m_pBlock = new (pMemory) Block;
-    m_pAt = pMemory + sizeof(Block);
-    m_pEnd = pMemory + nOctets;
-    m_nNextBlock = std::min(2 * m_nNextBlock, kLargestBlock);
+    m_pBlock = new (memory.pFirst) Block(memory);
+    m_pAt = memory.pFirst + sizeof(Block);
+    m_pEnd = memory.pFirst + memory.nOctets;
+    m_nHeld += memory.nOctets;
 }
 
 void CTreeArena::Retire() noexcept
@@ -80,7 +101,7 @@ void CTreeArena::Retire() noexcept
 
 void * CTreeMemory::operator new(std::size_t nOctets)
 {
-    if (t_pArena != nullptr)
+    if (t_pArena != nullptr && nOctets <= kLargestObject)
         return t_pArena->Take(nOctets);
     void * const p = static_cast<unsigned char *>(::operator new(kHeapHead + nOctets)) + kHeapHead;
     HeadOf(p) = nullptr;

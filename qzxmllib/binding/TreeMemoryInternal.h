@@ -33,7 +33,7 @@ private:
     struct Block;
 
     void * Take(std::size_t nOctets);
-    void NewBlock(std::size_t nLeast);
+    void NewBlock();
     void Retire() noexcept;
 
     Block * m_pBlock = nullptr;
@@ -41,7 +41,8 @@ private:
     unsigned char * m_pEnd = nullptr;
     /// Objects that lie in the present block or have lain there.
     std::int64_t m_nTaken = 0;
-    std::size_t m_nNextBlock = 4096;
+    /// Size of all blocks so far.
+    std::size_t m_nHeld = 0;
 };
 
 } // namespace QzXmlLib16
