@@ -4,6 +4,7 @@
 #include "bench/Timing.h"
 #include "bench/Tree.h"
 #include "examples/support/Utf8.h"
+#include "qzxmllib/fastinfoset/FastInfosetContext.h"
 
 #include <cstdio>
 #include <cstring>
@@ -25,7 +26,7 @@ struct Options
 {
     std::string strFile;
     Timing::Effort effort;
-    std::string strRows = "xml,memory,threads,odd";
+    std::string strRows = "xml,fi,json,memory,threads,odd";
 
     bool Wants(char const * pszRows) const
     {
@@ -140,6 +141,89 @@ bool XmlRows(Options const & options)
     return true;
 }
 
+/// The binary form. Speeds count the octets of the XML text, so that they compare with the rows above.
+void FastInfosetRows(Options const & options)
+{
+    std::string strXml = ReadFile(options.strFile);
+    CSmartPtr<Orders::COrders> const spOrders = ReadOrders(strXml);
+    CSerializationContext plain;
+    CSerializationContext suggested;
+    suggested.GetFIContext().SetSuggestedValues();
+    struct Form
+    {
+        char const * pszName;
+        CSerializationContext const & ctx;
+        char const * pszSpeedGoal;
+        char const * pszSizeGoal;
+    };
+    Form const forms[] = {
+        {"Fast Infoset", plain, "at least 2.0", "at most 0.30"},
+        {"suggested values", suggested, "", ""},
+    };
+    Timing::Job const bare = [&] { BareParse(strXml.data(), strXml.size()); };
+    for (Form const & form : forms)
+    {
+        CBinaryData const data = spOrders->ToFastInfosetStream(FInfoDecl_None, form.ctx);
+        auto const read = [&]
+        {
+            CSmartPtr<Orders::COrders> spRead(new Orders::COrders);
+            spRead->FromXmlStream(data, form.ctx);
+            return spRead;
+        };
+        if (!Generated::Agree(*spOrders, *read()))
+            throw CQzException(u"The objects come back changed from " + Widen(form.pszName));
+        std::string const strName(form.pszName);
+        Timing::Result const reading = Timing::Compare(
+            bare, [&] { read(); }, options.effort);
+        Timing::Result const writing = Timing::Compare(
+            bare, [&] { spOrders->ToFastInfosetStream(FInfoDecl_None, form.ctx); }, options.effort);
+        PrintRow(
+            (strName + " to objects").c_str(), reading.jobSeconds, strXml.size(), reading.ratio, form.pszSpeedGoal);
+        PrintRow(
+            ("objects to " + strName).c_str(), writing.jobSeconds, strXml.size(), writing.ratio, form.pszSpeedGoal);
+        std::printf("%-34s %12.3f of the XML text   %s\n", ("size of " + strName).c_str(),
+            static_cast<double>(data.GetLength()) / static_cast<double>(strXml.size()), form.pszSizeGoal);
+    }
+}
+
+/// JSON of the same objects against a bare parse of their XML text, under the options of ctx.
+bool JsonRows(Options const & options, char const * pszKind, CSerializationContext const & ctx)
+{
+    std::string strXml = ReadFile(options.strFile);
+    bool const bFormatted = IsIndented(strXml);
+    CSmartPtr<Orders::COrders> const spOrders = ReadOrders(strXml);
+    auto const write = [&] { return spOrders->ToJsonStream(bFormatted, XmlEncoding_UTF8, EOLType_LF, ctx); };
+    CBinaryData const json = write();
+    auto const read = [&]
+    {
+        CSmartPtr<Orders::COrders> spRead(new Orders::COrders);
+        spRead->FromJsonStream(json, ctx);
+        return spRead;
+    };
+    if (!Generated::Agree(*spOrders, *read()))
+    {
+        std::fprintf(stderr, "bench_orders: the objects come back changed from JSON\n");
+        return false;
+    }
+    Timing::Job const bare = [&] { BareParse(strXml.data(), strXml.size()); };
+    Timing::Result const readTimes = Timing::Compare(bare, read, options.effort);
+    PrintRow((std::string("JSON to objects") + pszKind).c_str(), readTimes.jobSeconds, json.GetLength(),
+        readTimes.ratio, "at least 0.40");
+    Timing::Result const writeTimes = Timing::Compare(bare, write, options.effort);
+    PrintRow((std::string("objects to JSON") + pszKind).c_str(), writeTimes.jobSeconds, json.GetLength(),
+        writeTimes.ratio, "at least 2.5");
+    return true;
+}
+
+bool JsonRows(Options const & options)
+{
+    CSerializationContext ctx;
+    ctx.SetDefaultNamespaceURI(Orders::kNamespace);
+    bool const bSame = JsonRows(options, "", ctx);
+    ctx.GetJsonContext().SetStrict(true);
+    return JsonRows(options, ", strict", ctx) && bSame;
+}
+
 void PrintGrowth(char const * pszName, std::int64_t nGrowth, double octets, char const * pszGoal)
 {
     std::printf("%-34s %12.0f KB %9.2f octets per octet   %s\n", pszName, static_cast<double>(nGrowth) / 1e3,
@@ -161,12 +245,26 @@ void MemoryRows(Options const & options)
         std::string().swap(strXml);
     };
     auto const nothing = [] {};
-    bool const bFormatted = true;
 
     std::printf("%-34s %15s\n", "growth of peak memory", "");
     PrintGrowth("UTF-8 XML to objects", PeakGrowth(load, [&] { ReadOrders(strXml); }), octets, "at most 6");
     PrintGrowth(
-        "ToXmlStream", PeakGrowth(loadObjects, [&] { spOrders->ToXmlStream(true, bFormatted); }), octets, "at most 3");
+        "ToXmlStream", PeakGrowth(loadObjects, [&] { spOrders->ToXmlStream(true, true); }), octets, "at most 3");
+    CSerializationContext ctx;
+    ctx.SetDefaultNamespaceURI(Orders::kNamespace);
+    CBinaryData json;
+    auto const loadJson = [&]
+    {
+        loadObjects();
+        json = spOrders->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx);
+        spOrders = nullptr;
+    };
+    PrintGrowth("JSON to objects",
+        PeakGrowth(loadJson, [&] { CSmartPtr<Orders::COrders>(new Orders::COrders)->FromJsonStream(json, ctx); }),
+        octets, "at most 12 per octet of JSON");
+    PrintGrowth("ToJsonStream",
+        PeakGrowth(loadObjects, [&] { spOrders->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx); }), octets,
+        "at most 12");
     std::u16string const strOut = Widen((std::filesystem::temp_directory_path() / "bench_orders.xml").string());
     PrintGrowth("ToXmlFile, asynchronous",
         PeakGrowth(loadObjects,
@@ -274,7 +372,7 @@ int main(int argc, char ** argv)
     Options const options = ParseOptions(argc, argv);
     if (options.strFile.empty())
     {
-        std::fprintf(stderr, "usage: bench_orders FILE.xml [--quick] [--rows xml,memory,threads,odd]\n"
+        std::fprintf(stderr, "usage: bench_orders FILE.xml [--quick] [--rows xml,fi,json,memory,threads,odd]\n"
                              "FILE.xml holds purchase orders of orders.xsd; make_orders writes such files.\n");
         return 2;
     }
@@ -286,6 +384,10 @@ int main(int argc, char ** argv)
         if (options.Wants("memory"))
             MemoryRows(options);
         if (options.Wants("xml") && !XmlRows(options))
+            return 1;
+        if (options.Wants("fi"))
+            FastInfosetRows(options);
+        if (options.Wants("json") && !JsonRows(options))
             return 1;
         if (options.Wants("threads"))
             ThreadRows(options);

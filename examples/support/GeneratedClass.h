@@ -266,9 +266,9 @@ public:
     /// Adds a new item at the end. It belongs to the collection.
     Item * Add()
     {
-        auto * const pItem = new Item(m_strElementName.c_str());
-        AppendItem(pItem);
-        return pItem;
+        QzXmlLib16::CSmartPtr<Item> const spItem(new Item(m_strElementName.c_str()));
+        AppendItem(spItem);
+        return spItem;
     }
     template <class F>
     void ForEach(F && call) const

@@ -5,6 +5,7 @@
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 #include "qzxmllib/values/QzVariant.h"
@@ -17,9 +18,8 @@ namespace QzXmlLib16Data
 
 CAttributeInfo::CAttributeInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool optional,
     char16_t const * defaultValue)
-    : m_strAttributeName(name != nullptr ? name : u""),
-      m_strAttributeNamespace(namespaceUri != nullptr ? namespaceUri : u""), m_nPropertyIndex(propertyIndex),
-      m_bOptional(optional), m_strDefaultValue(defaultValue != nullptr ? defaultValue : u"")
+    : m_strAttributeName(OrEmpty(name)), m_strAttributeNamespace(OrEmpty(namespaceUri)),
+      m_nPropertyIndex(propertyIndex), m_bOptional(optional), m_strDefaultValue(OrEmpty(defaultValue))
 {
 }
 
@@ -29,9 +29,9 @@ CAttributeInfo::~CAttributeInfo() = default;
 
 bool CAttributeInfo::IsThisAttribute(CSerializationContext const & ctx, CXmlAttribute * pAttribute) const
 {
-    if (pAttribute == nullptr || pAttribute->GetLocalName() != m_strAttributeName)
+    if (pAttribute == nullptr || !EqualText(pAttribute->GetLocalName(), m_strAttributeName))
         return false;
-    return ctx.GetIgnoreNamespaces() || pAttribute->GetNamespaceURI() == m_strAttributeNamespace;
+    return ctx.GetIgnoreNamespaces() || EqualText(pAttribute->GetNamespaceURI(), m_strAttributeNamespace);
 }
 
 void CAttributeInfo::InvokePropertyGet(CXmlGeneratedClass * pClass, QzVariant & value) const
@@ -113,7 +113,7 @@ CAttributeInfoPrimitive::CAttributeInfoPrimitive(char16_t const * name, char16_t
     CWhitespaceUtils::WhitespaceRule eWhitespaceRule, CPrimitiveRestrictions const & restrictions,
     char16_t const * defaultValue)
     : CAttributeInfo(name, namespaceUri, propertyIndex, optional, defaultValue), m_restrictions(restrictions),
-      m_eItemType(eItemType), m_strFormatOverride(format != nullptr ? format : u""), m_eWhitespaceRule(eWhitespaceRule)
+      m_eItemType(eItemType), m_strFormatOverride(OrEmpty(format)), m_eWhitespaceRule(eWhitespaceRule)
 {
 }
 
@@ -140,7 +140,8 @@ void CAttributeInfoPrimitive::AttributeToXml(
 bool CAttributeInfoPrimitive::AttributeFromXml(
     CSerializationContext const &, CXmlGeneratedClass * pClass, CXmlAttribute * pAttribute)
 {
-    if (pAttribute->GetLocalName() != m_strAttributeName || pAttribute->GetNamespaceURI() != m_strAttributeNamespace)
+    if (!EqualText(pAttribute->GetLocalName(), m_strAttributeName) ||
+        !EqualText(pAttribute->GetNamespaceURI(), m_strAttributeNamespace))
         return false;
     QzVariant value;
     CVariantText::Assign(value, pAttribute->GetValueView(), m_eItemType, m_eWhitespaceRule);

@@ -21,6 +21,7 @@ public:
     CAttributeInfo & operator=(CAttributeInfo const & other);
     virtual ~CAttributeInfo();
 
+    /// Writes the property of pClass as an attribute of the open start tag.
     virtual void AttributeToXml(
         CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const = 0;
     /// Gives true when the attribute has been taken.

@@ -6,6 +6,7 @@
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 #include "qzxmllib/values/QzVariant.h"
@@ -48,17 +49,6 @@ namespace
     throw CQzValidationException(u"Unexpected Attribute found.", attribute.GetXPath());
 }
 
-std::u16string TextOrEmpty(char16_t const * pText)
-{
-    return pText != nullptr ? std::u16string(pText) : std::u16string();
-}
-
-/// A value without a type holds no object.
-CSmartPtr<CXmlObjectBase> ObjectOf(QzVariant const & value)
-{
-    return value.GetTypeAsEnum() != ItemType_Invalid ? value.GetXmlObject() : CSmartPtr<CXmlObjectBase>();
-}
-
 } // namespace
 
 char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16string const & strName)
@@ -70,8 +60,7 @@ char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16
 }
 
 CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex)
-    : m_strElementName(TextOrEmpty(name)), m_strElementNamespace(TextOrEmpty(namespaceUri)),
-      m_nPropertyIndex(propertyIndex)
+    : m_strElementName(OrEmpty(name)), m_strElementNamespace(OrEmpty(namespaceUri)), m_nPropertyIndex(propertyIndex)
 {
 }
 
@@ -82,7 +71,7 @@ CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri,
     m_bNillable = nillable;
     m_pfnEnumToString = pfnToString;
     m_pfnEnumFromString = pfnFromString;
-    m_strDefaultValue = TextOrEmpty(defaultValue);
+    m_strDefaultValue = OrEmpty(defaultValue);
 }
 
 CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
@@ -92,10 +81,10 @@ CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri,
 {
     m_bNillable = nillable;
     m_eItemType = eItemType;
-    m_strFormatOverride = TextOrEmpty(format);
+    m_strFormatOverride = OrEmpty(format);
     m_eWhitespaceRule = eWhitespaceRule;
     m_restrictions = restrictions;
-    m_strDefaultValue = TextOrEmpty(defaultValue);
+    m_strDefaultValue = OrEmpty(defaultValue);
     m_bIsPrimitive = true;
 }
 
@@ -120,11 +109,16 @@ void CElementInfo::CheckRestriction(QzVariant const & value) const
     CheckPrimitiveVariant(m_strElementName.c_str(), value, m_eItemType, m_restrictions);
 }
 
+CSmartPtr<CXmlObjectBase> CElementInfo::ObjectOf(QzVariant const & value)
+{
+    return value.GetTypeAsEnum() != ItemType_Invalid ? value.GetXmlObject() : CSmartPtr<CXmlObjectBase>();
+}
+
 bool CElementInfo::IsThisElement(CSerializationContext const & ctx, CXmlElement const * pElement) const
 {
-    if (pElement == nullptr || pElement->GetLocalName() != m_strElementName)
+    if (pElement == nullptr || !EqualText(pElement->GetLocalName(), m_strElementName))
         return false;
-    return ctx.GetIgnoreNamespaces() || pElement->GetNamespaceURI() == m_strElementNamespace;
+    return ctx.GetIgnoreNamespaces() || EqualText(pElement->GetNamespaceURI(), m_strElementNamespace);
 }
 
 void CElementInfo::InvokePropertyGet(CXmlGeneratedClass * pClass, QzVariant & value) const
@@ -175,6 +169,17 @@ void CElementInfo::WriteNilElement(CXmlWriter * pWriter) const
     pWriter->WriteEndElement();
 }
 
+void CElementInfo::WriteValueElement(CXmlWriter * pWriter, std::u16string_view text, ItemType eType, bool bText) const
+{
+    if (bText)
+    {
+        pWriter->WriteElementView(m_strElementName, m_strElementNamespace, text, eType);
+        return;
+    }
+    pWriter->WriteStartElement(m_strElementName, m_strElementNamespace);
+    pWriter->WriteEndElement();
+}
+
 bool CElementInfo::ElementToXmlPrim(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
@@ -193,10 +198,7 @@ bool CElementInfo::ElementToXmlPrim(
     // The check comes first, so that a refused value leaves no part of an element behind. A default is not checked.
     if (!bDefault)
         CheckRestriction(value);
-    pWriter->WriteStartElement(m_strElementName, m_strElementNamespace);
-    if (!bDefault || ctx.GetWriteDefaultElementValues())
-        pWriter->WriteTextView(text, value.GetTypeAsEnum());
-    pWriter->WriteEndElement();
+    WriteValueElement(pWriter, text, value.GetTypeAsEnum(), !bDefault || ctx.GetWriteDefaultElementValues());
     return true;
 }
 
@@ -213,10 +215,8 @@ bool CElementInfo::ElementToXmlEnum(CSerializationContext const & ctx, CXmlGener
     if (!value.IsValid())
         return false;
     std::u16string_view const text = EnumText(pfnToString, value.GetI4(), m_strElementName);
-    pWriter->WriteStartElement(m_strElementName, m_strElementNamespace);
-    if (m_strDefaultValue.empty() || text != m_strDefaultValue || ctx.GetWriteDefaultElementValues())
-        pWriter->WriteTextView(text, ItemType_string);
-    pWriter->WriteEndElement();
+    bool const bDefault = !m_strDefaultValue.empty() && text == m_strDefaultValue;
+    WriteValueElement(pWriter, text, ItemType_string, !bDefault || ctx.GetWriteDefaultElementValues());
     return true;
 }
 
@@ -266,9 +266,11 @@ void CElementInfo::ValidateCollection(CSerializationContext const & ctx, CXmlGen
     value.GetXmlCollection()->ValidateCount(ctx);
 }
 
-void CElementInfo::ObjectAttributesToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+void CElementInfo::ObjectAttributesToXml(XmlElementType eType, CSerializationContext const & ctx,
+    CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
+    if (eType != XmlElementType_Pseudo)
+        return;
     QzVariant value;
     ReadProperty(pClass, value);
     CSmartPtr<CXmlObjectBase> const spObject = ObjectOf(value);
@@ -276,9 +278,11 @@ void CElementInfo::ObjectAttributesToXml(
         AttributesToXml_Int(spObject, pWriter, ctx);
 }
 
-void CElementInfo::CollectionAttributesToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+void CElementInfo::CollectionAttributesToXml(XmlElementType eType, CSerializationContext const & ctx,
+    CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
+    if (eType != XmlElementType_Pseudo)
+        return;
     QzVariant value;
     ReadProperty(pClass, value);
     AttributesToXml_Int(value.GetXmlCollection(), pWriter, ctx);

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace QzXmlLib16
 {
@@ -117,11 +118,11 @@ protected:
     /// Throws when the number of items lies outside the limits, unless the context ignores it.
     void ValidateCollection(CSerializationContext const & ctx, CXmlGeneratedClass const * pClass) const;
     /// The attributes of an object in pseudo position; nothing for a null object.
-    void ObjectAttributesToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const;
+    void ObjectAttributesToXml(XmlElementType eType, CSerializationContext const & ctx,
+        CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const;
     /// The attributes of the items of a collection in pseudo position.
-    void CollectionAttributesToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const;
+    void CollectionAttributesToXml(XmlElementType eType, CSerializationContext const & ctx,
+        CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const;
 
     /// Reads the element at *ppCurrent, which the caller has matched, and moves on.
     void ElementFromXmlPrim(
@@ -152,6 +153,8 @@ protected:
     /// that something was consumed.
     static bool FillAsPseudo(CXmlObjectBase * pObject, CXmlElement * pParent, CXmlElement * const * ppCurrent,
         CSerializationContext const & ctx, CXmlElement ** ppHeld);
+    /// The object in the variant. A value without a type holds none.
+    static CSmartPtr<CXmlObjectBase> ObjectOf(QzVariant const & value);
     /// The object that the property already holds; throws when there is none.
     CSmartPtr<CXmlObjectBase> HeldObject(CXmlGeneratedClass * pClass) const;
     /// Sets the property to an object or to null.
@@ -203,6 +206,8 @@ protected:
 
 private:
     void WriteNilElement(CXmlWriter * pWriter) const;
+    /// The element with the text, or without bText an empty one.
+    void WriteValueElement(CXmlWriter * pWriter, std::u16string_view text, ItemType eType, bool bText) const;
     /// Reads the attributes of a primitive element: xsi:nil gives the result, any other is unknown.
     bool ReadNilMark(CSerializationContext const & ctx, CXmlElement const & element) const;
     template <class Assign>

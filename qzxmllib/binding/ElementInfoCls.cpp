@@ -33,9 +33,7 @@ CSmartPtr<CXmlObjectBase> CElementInfo::HeldObject(CXmlGeneratedClass * pClass) 
 {
     QzVariant value;
     InvokePropertyGet(pClass, value);
-    CSmartPtr<CXmlObjectBase> spObject;
-    if (value.GetTypeAsEnum() != QzXmlLib16::ItemType_Invalid)
-        spObject = value.GetXmlObject();
+    CSmartPtr<CXmlObjectBase> const spObject = ObjectOf(value);
     WriteMandatory(spObject != nullptr);
     return spObject;
 }
@@ -260,8 +258,7 @@ bool CElementInfoSeqClsMnd::ElementToXml(
 void CElementInfoSeqClsMnd::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoSeqClsOpt::ElementToXml(
@@ -273,8 +270,7 @@ bool CElementInfoSeqClsOpt::ElementToXml(
 void CElementInfoSeqClsOpt::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoAllClsMnd::ElementToXml(
@@ -286,8 +282,7 @@ bool CElementInfoAllClsMnd::ElementToXml(
 void CElementInfoAllClsMnd::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoAllClsOpt::ElementToXml(
@@ -299,8 +294,7 @@ bool CElementInfoAllClsOpt::ElementToXml(
 void CElementInfoAllClsOpt::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoAllClsOpt::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool, bool) const
@@ -317,8 +311,7 @@ bool CElementInfoChoiceClsOpt::ElementToXml(
 void CElementInfoChoiceClsOpt::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoSeqAbsClsMnd::ElementToXml(
@@ -330,8 +323,7 @@ bool CElementInfoSeqAbsClsMnd::ElementToXml(
 void CElementInfoSeqAbsClsMnd::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoSeqAbsClsOpt::ElementToXml(
@@ -343,8 +335,7 @@ bool CElementInfoSeqAbsClsOpt::ElementToXml(
 void CElementInfoSeqAbsClsOpt::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoAllAbsClsMnd::ElementToXml(
@@ -356,8 +347,7 @@ bool CElementInfoAllAbsClsMnd::ElementToXml(
 void CElementInfoAllAbsClsMnd::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoAllAbsClsMnd::Validate(
@@ -375,8 +365,7 @@ bool CElementInfoAllAbsClsOpt::ElementToXml(
 void CElementInfoAllAbsClsOpt::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 bool CElementInfoAllAbsClsOpt::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool, bool) const
@@ -393,8 +382,7 @@ bool CElementInfoChoiceAbsClsOpt::ElementToXml(
 void CElementInfoChoiceAbsClsOpt::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_entry.m_eElementType == XmlElementType_Pseudo)
-        ObjectAttributesToXml(ctx, pClass, pWriter);
+    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
 }
 
 } // namespace QzXmlLib16Data

@@ -175,7 +175,7 @@ public:
 private:
     AbsEntry m_entry;
     /// Handed in by generated code and read by nothing.
-    int m_nUnused;
+    [[maybe_unused]] int m_nUnused;
 };
 
 /// An optional object of a class that its element names, in an all group.

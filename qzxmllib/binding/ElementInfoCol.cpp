@@ -81,43 +81,37 @@ bool CElementInfoChoiceCol::EndChoice(CSerializationContext const & ctx, QzVaria
 void CElementInfoSeqClsCol::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_eElementType == XmlElementType_Pseudo)
-        CollectionAttributesToXml(ctx, pClass, pWriter);
+    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
 }
 
 void CElementInfoSeqAbsClsCol::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_eElementType == XmlElementType_Pseudo)
-        CollectionAttributesToXml(ctx, pClass, pWriter);
+    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
 }
 
 void CElementInfoAllClsCol::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_eElementType == XmlElementType_Pseudo)
-        CollectionAttributesToXml(ctx, pClass, pWriter);
+    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
 }
 
 void CElementInfoAllAbsClsCol::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_eElementType == XmlElementType_Pseudo)
-        CollectionAttributesToXml(ctx, pClass, pWriter);
+    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
 }
 
 void CElementInfoChoiceClsCol::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_eElementType == XmlElementType_Pseudo)
-        CollectionAttributesToXml(ctx, pClass, pWriter);
+    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
 }
 
 void CElementInfoChoiceAbsClsCol::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    if (m_eElementType == XmlElementType_Pseudo)
-        CollectionAttributesToXml(ctx, pClass, pWriter);
+    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
 }
 
 } // namespace QzXmlLib16Data

@@ -9,7 +9,9 @@ namespace QzXmlLib16
 class QZXMLLIB_API INillable
 {
 public:
+    /// True for an object that is written and was read as nil.
     virtual bool IsNil() = 0;
+    /// Called by reading with what xsi:nil says.
     virtual void SetNil(bool bNil) = 0;
 
 protected:

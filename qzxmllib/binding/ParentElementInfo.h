@@ -10,14 +10,14 @@ namespace QzXmlLib16Data
 {
 
 /// How a class stands in the document.
-enum XmlElementType
+enum XmlElementType : int
 {
     XmlElementType_Element = 0, ///< has an element of its own
     XmlElementType_Pseudo = 1   ///< a nested group, read from and written into the element of its parent
 };
 
 /// Content model of a class.
-enum XmlElementGroupType
+enum XmlElementGroupType : int
 {
     XmlElementGroupType_Sequence = 0, ///< children in the order of the table
     XmlElementGroupType_Choice = 1,   ///< exactly one entry of the table

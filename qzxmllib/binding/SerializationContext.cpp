@@ -3,22 +3,13 @@
 #include "qzxmllib/binding/Attribute.h"
 #include "qzxmllib/fastinfoset/FastInfosetContext.h"
 #include "qzxmllib/json/JsonContext.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <iterator>
 
 namespace QzXmlLib16
 {
-
-namespace
-{
-
-std::u16string TextOrEmpty(char16_t const * pText)
-{
-    return pText != nullptr ? std::u16string(pText) : std::u16string();
-}
-
-} // namespace
 
 CNamespaceAliasMap::CNamespaceAliasMap() = default;
 CNamespaceAliasMap::CNamespaceAliasMap(CNamespaceAliasMap const & other) = default;
@@ -27,17 +18,17 @@ CNamespaceAliasMap::~CNamespaceAliasMap() = default;
 
 void CNamespaceAliasMap::Add(char16_t const * alias, char16_t const * namespaceURI)
 {
-    m_mapAliases[TextOrEmpty(namespaceURI)] = TextOrEmpty(alias);
+    m_mapAliases[OrEmpty(namespaceURI)] = OrEmpty(alias);
 }
 
 void CNamespaceAliasMap::RemoveNamespace(char16_t const * namespaceURI)
 {
-    m_mapAliases.erase(TextOrEmpty(namespaceURI));
+    m_mapAliases.erase(OrEmpty(namespaceURI));
 }
 
 std::u16string CNamespaceAliasMap::GetNamespaceFromAlias(char16_t const * alias) const
 {
-    std::u16string const strAlias = TextOrEmpty(alias);
+    std::u16string const strAlias(OrEmpty(alias));
     for (auto const & entry : m_mapAliases)
         if (entry.second == strAlias)
             return entry.first;
@@ -46,17 +37,17 @@ std::u16string CNamespaceAliasMap::GetNamespaceFromAlias(char16_t const * alias)
 
 std::u16string CNamespaceAliasMap::GetAliasFromNamespace(char16_t const * namespaceURI) const
 {
-    return m_mapAliases[TextOrEmpty(namespaceURI)];
+    return m_mapAliases[OrEmpty(namespaceURI)];
 }
 
 bool CNamespaceAliasMap::DoesNamespaceExist(char16_t const * namespaceURI) const
 {
-    return m_mapAliases.count(TextOrEmpty(namespaceURI)) != 0;
+    return m_mapAliases.count(OrEmpty(namespaceURI)) != 0;
 }
 
 bool CNamespaceAliasMap::DoesAliasExist(char16_t const * alias) const
 {
-    std::u16string const strAlias = TextOrEmpty(alias);
+    std::u16string const strAlias(OrEmpty(alias));
     for (auto const & entry : m_mapAliases)
         if (entry.second == strAlias)
             return true;
@@ -199,17 +190,17 @@ void CSerializationContext::SetIgnoreUnknownElements(bool bValue)
 
 void CSerializationContext::SetDefaultNamespaceURI(char16_t const * uri)
 {
-    m_strDefaultNamespaceURI = TextOrEmpty(uri);
+    m_strDefaultNamespaceURI = OrEmpty(uri);
 }
 
 void CSerializationContext::SetInLineSchema(char16_t const * text)
 {
-    m_strInLineSchema = TextOrEmpty(text);
+    m_strInLineSchema = OrEmpty(text);
 }
 
 void CSerializationContext::SetIndentChars(char16_t const * text)
 {
-    std::u16string strText = TextOrEmpty(text);
+    std::u16string strText(OrEmpty(text));
     if (strText.find_first_not_of(u" \t") != std::u16string::npos)
         throw CQzInvalidParamException(u"IndentChars can only contain Whitespace characters, i.e. \\t or spaces");
     m_strIndentChars = std::move(strText);

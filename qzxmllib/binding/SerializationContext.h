@@ -30,6 +30,7 @@ public:
 
     /// Stores the alias of the URI in place of one it already has.
     void Add(char16_t const * alias, char16_t const * namespaceURI);
+    /// An absent URI changes nothing.
     void RemoveNamespace(char16_t const * namespaceURI);
     /// The first URI, in ascending order of code units, that has the alias. Throws CQzException if there is none.
     std::u16string GetNamespaceFromAlias(char16_t const * alias) const;
@@ -42,6 +43,8 @@ public:
     std::u16string GetNamespaceAt(int nIndex) const;
 
 private:
+    friend class CXmlGeneratedClass;
+
     mutable std::map<std::u16string, std::u16string> m_mapAliases;
 };
 
@@ -58,8 +61,8 @@ struct CReadLimits
     std::uint64_t nMaxInflatedOctets = 0xFFFFFFFF;
 };
 
-/// The options of every read and write. One call uses a context at a time; it may be shared by threads that only read
-/// and write with it.
+/// The options of every read and write. Threads may share a context that nobody changes. FromJson... changes a context
+/// for the length of the call unless the round trip option of its JSON options is 2, so such a one is not shared then.
 class QZXMLLIB_API CSerializationContext
 {
 public:

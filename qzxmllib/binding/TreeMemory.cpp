@@ -1,7 +1,7 @@
 #include "qzxmllib/binding/TreeMemory.h"
 
 #include "qzxmllib/binding/TreeMemoryInternal.h"
-#include "qzxmllib/document/XmlBlockInternal.h"
+#include "qzxmllib/support/BlockMemoryInternal.h"
 
 #include <atomic>
 #include <new>
@@ -10,41 +10,30 @@
 namespace QzXmlLib16
 {
 
-namespace
-{
-
-/// Small trees take one small block from the heap.
-constexpr std::size_t kFirstBlock = 4096;
-
-} // namespace
-
 /// The objects follow, each behind a pointer to its block. An object on the heap has a null there.
 struct CTreeArena::Block
 {
     /// Objects that are alive, once the block takes no more. Before that it only counts those that went, downwards.
     std::atomic<std::int64_t> nAlive{0};
-    XmlBlock memory;
+    std::size_t nOctets;
 
-    explicit Block(XmlBlock const & rMemory) noexcept : memory(rMemory) {}
+    explicit Block(std::size_t nSize) noexcept : nOctets(nSize) {}
 
     void Count(std::int64_t nDelta) noexcept
     {
         if (nAlive.fetch_add(nDelta, std::memory_order_acq_rel) + nDelta == 0)
-            Free();
-    }
-    void Free() noexcept
-    {
-        XmlBlock const freed = memory;
-        if (freed.nOctets == kFirstBlock)
-            ::operator delete(freed.pFirst);
-        else
-            ReturnXmlBlock(freed);
+            GiveBackBlock(this, nOctets);
     }
 };
 
 namespace
 {
 
+constexpr std::size_t kFirstBlock = 4096;
+constexpr std::size_t kUsualBlock = 262144;
+/// A tree that holds this much takes blocks of large pages.
+constexpr std::size_t kLargeTree = std::size_t(1) << 23;
+constexpr std::size_t kLargeBlock = std::size_t(1) << 22;
 /// Larger objects never lie in a block.
 constexpr std::size_t kLargestObject = 1024;
 /// In front of an object on the heap, so that it is aligned as any other.
@@ -81,14 +70,18 @@ void * CTreeArena::Take(std::size_t nOctets)
 
 void CTreeArena::NewBlock()
 {
-    XmlBlock const memory = m_nHeld == 0
-                                ? XmlBlock{static_cast<unsigned char *>(::operator new(kFirstBlock)), kFirstBlock}
-                                : AcquireXmlBlock(m_nHeld);
+    // A block is no larger than the tree so far, as one object that is kept holds a whole block.
+    std::size_t nOctets = kFirstBlock;
+    while (nOctets < m_nHeld && nOctets < kUsualBlock)
+        nOctets *= 2;
+    if (m_nHeld >= kLargeTree)
+        nOctets = kLargeBlock;
+    auto * const pMemory = static_cast<unsigned char *>(TakeBlock(nOctets));
     Retire();
-    m_pBlock = new (memory.pFirst) Block(memory);
-    m_pAt = memory.pFirst + sizeof(Block);
-    m_pEnd = memory.pFirst + memory.nOctets;
-    m_nHeld += memory.nOctets;
+    m_pBlock = new (pMemory) Block(nOctets);
+    m_pAt = pMemory + sizeof(Block);
+    m_pEnd = pMemory + nOctets;
+    m_nHeld += nOctets;
 }
 
 void CTreeArena::Retire() noexcept

@@ -1,5 +1,6 @@
 #include "qzxmllib/binding/XmlCollectionBase.h"
 
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ CXmlCollectionBase::CXmlCollectionBase() = default;
 
 CXmlCollectionBase::CXmlCollectionBase(
     char16_t const * elementName, char16_t const * namespaceUri, int minOccurs, int maxOccurs)
-    : m_strNamespace(namespaceUri != nullptr ? namespaceUri : u""), m_nMinOccurs(minOccurs), m_nMaxOccurs(maxOccurs)
+    : m_strNamespace(OrEmpty(namespaceUri)), m_nMinOccurs(minOccurs), m_nMaxOccurs(maxOccurs)
 {
     SetElementName(elementName);
 }
@@ -134,6 +135,8 @@ CXmlCollection::~CXmlCollection()
     catch (...)
     {
         // A listener that refuses cannot keep the items of a collection that goes.
+        m_pTail = nullptr;
+        m_nCount = 0;
         while (m_pHead != nullptr)
         {
             std::unique_ptr<CNode> const pNode(m_pHead);
@@ -151,6 +154,8 @@ void CXmlCollection::AttributesToXml_Int(CXmlWriter * pWriter, CSerializationCon
 template <class F>
 void CXmlCollection::Insert(CXmlObjectBase * pItem, F const & findNext)
 {
+    // A listener may take and drop a count of the new item.
+    CSmartPtr<CXmlObjectBase> const spItem(pItem);
     FireOnCollectionAdd(pItem);
     auto pNew = std::make_unique<CNode>();
     pNew->m_spItem = pItem;

@@ -22,6 +22,7 @@ public:
     std::u16string GetNamespace() override;
 
     virtual int GetCount() const = 0;
+    /// Removes all items.
     virtual void Clear() = 0;
     /// Throws CQzInvalidParamException for an index out of range.
     virtual void Remove(int nIndex) = 0;

@@ -7,6 +7,8 @@
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
+#include "qzxmllib/support/ExceptionChainInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/QzVariant.h"
 #include "qzxmllib/values/QzVariantInternal.h"
@@ -25,10 +27,10 @@ namespace
 {
 
 [[noreturn, gnu::cold, gnu::noinline]] void ThrowWriteFailure(
-    std::u16string const & strElementName, CQzException const & inner)
+    std::u16string const & strElementName, CQzException & inner)
 {
-    throw CQzValidationException(
-        FormatString(u"Failed to convert the element [%s] to XML", strElementName), std::u16string(), inner);
+    throw CExceptionChain::Wrap<CQzValidationException>(
+        inner, FormatString(u"Failed to convert the element [%s] to XML", strElementName), std::u16string());
 }
 
 [[noreturn, gnu::cold, gnu::noinline]] void ThrowReadFailure(CXmlElement const * pElement, CQzException const & inner)
@@ -203,9 +205,9 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter * pWriter, CSerializatio
             pWriter->WriteXsiType(info.GetElementNamespace(), info.GetElementName(), ItemType_string);
         ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), pWriter);
     }
-    catch (CQzException const & inner)
+    catch (CQzException & inner)
     {
-        throw CQzException(u"Failed to convert attributes to XML", inner);
+        throw CExceptionChain::Wrap<CQzException>(inner, u"Failed to convert attributes to XML");
     }
 }
 
@@ -222,12 +224,8 @@ void CXmlGeneratedClass::WriteRootDeclarations(CXmlWriter * pWriter, CSerializat
 {
     for (std::u16string const & strInstruction : ctx.GetProcessingInstructions())
         pWriter->WriteProcessingInstruction(strInstruction);
-    CNamespaceAliasMap const & aliases = ctx.GetNamespaceAliases();
-    for (int i = 0; i < aliases.GetNamespaceCount(); ++i)
-    {
-        std::u16string const strUri = aliases.GetNamespaceAt(i);
-        pWriter->AddNamespace(aliases.GetAliasFromNamespace(strUri.c_str()), strUri);
-    }
+    for (auto const & [strUri, strAlias] : ctx.GetNamespaceAliases().m_mapAliases)
+        pWriter->AddNamespace(strAlias, strUri);
     std::u16string const strDefault = ctx.GetDefaultNamespaceURI();
     if (!strDefault.empty())
         pWriter->SetDefaultNamespace(strDefault);
@@ -238,7 +236,7 @@ void CXmlGeneratedClass::WriteStartTag(
 {
     if (isRoot)
         WriteRootDeclarations(pWriter, ctx);
-    pWriter->WriteStartElement(m_strElementName, namespaceUri);
+    pWriter->WriteStartElement(m_strElementName, OrEmpty(namespaceUri));
     if (isRoot)
         if (CAttributeCol const * const pAttributes = ctx.FindAdditionalRootAttributes())
             CXmlObjectBase::ToXml_Int(pAttributes, pWriter, false, namespaceUri, ctx, false);
@@ -300,7 +298,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t c
         if (bElement)
             pWriter->WriteEndElement();
     }
-    catch (CQzException const & inner)
+    catch (CQzException & inner)
     {
         ThrowWriteFailure(m_strElementName, inner);
     }

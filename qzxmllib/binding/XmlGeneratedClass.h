@@ -22,8 +22,9 @@ class QzVariant;
 /// - AccessProperty, a switch on the index that each entry holds. It signals failure by throwing from the CQzException
 ///   family. With `read` true it puts the property into the variant: a value of the entry's ItemType, nothing for an
 ///   unset optional, SetNil for nil; the number with SetI4 for an enumeration; SetXmlObject with the object or null for
-///   a class; SetXmlCollection for a collection. With `read` false it takes the property from the variant, which may be
-///   nil only for a nillable primitive or enumeration.
+///   a class; SetXmlCollection for a collection; a value or nil for the text of the element, which is not optional.
+///   With `read` false it takes the property from the variant, which may be nil only for a nillable primitive or
+///   enumeration.
 /// - Init: brings the object to its state before reading. It resets every property, the nil mark and the names of
 ///   choices in use; after it each mandatory class-typed property exists and each collection exists and is empty.
 ///   Collections are cleared in place, so that their listeners stay.
@@ -37,16 +38,22 @@ class QzVariant;
 class QZXMLLIB_API CXmlGeneratedClass : public CXmlObjectBase
 {
 public:
+    CXmlGeneratedClass(CXmlGeneratedClass const & other);
+    CXmlGeneratedClass & operator=(CXmlGeneratedClass const & other);
+
+    /// Gets or sets the property that the entries know by the index.
     virtual void AccessProperty(int index, bool read, QzVariant & value) = 0;
+    /// What the class is in a document.
     virtual QzXmlLib16Data::CParentElementInfo * GetClassInfo() const = 0;
+    /// The children in schema order, ended by a null pointer. Never null itself.
     virtual QzXmlLib16Data::CElementInfo ** GetClassElementInfo() const = 0;
+    /// The attributes, ended by a null pointer. Never null itself.
     virtual QzXmlLib16Data::CAttributeInfo ** GetClassAttributeInfo() const = 0;
+    /// Brings the object to its state before reading. Called first thing in every read.
     virtual void Init() = 0;
 
 protected:
     CXmlGeneratedClass();
-    CXmlGeneratedClass(CXmlGeneratedClass const & other);
-    CXmlGeneratedClass & operator=(CXmlGeneratedClass const & other);
     ~CXmlGeneratedClass() override;
 
     void AttributesToXml_Int(CXmlWriter * pWriter, CSerializationContext const & ctx) const override;
@@ -62,7 +69,8 @@ protected:
     bool DoesElementContainOptionalElements() const;
     /// Offers each attribute of the element to the attribute table and then raises those that are missing.
     void ProcessAttributesFromXml(CSerializationContext const & ctx, CXmlElement * pElement, bool failIfUnknown);
-    /// Frees the tables of a class and nulls every slot and the three pointers. Any of them may be null.
+    /// Frees tables whose entries come from new and whose arrays come from array new, and nulls every slot and the
+    /// three pointers. Any of them may be null.
     static void CleanMetaData(QzXmlLib16Data::CParentElementInfo *& pParent,
         QzXmlLib16Data::CElementInfo **& ppElements, QzXmlLib16Data::CAttributeInfo **& ppAttributes);
 

@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 
@@ -10,11 +11,6 @@ namespace QzXmlLib16
 
 namespace
 {
-
-std::u16string TextOrEmpty(char16_t const * pText)
-{
-    return pText != nullptr ? std::u16string(pText) : std::u16string();
-}
 
 /// Keeps the count of an object that is being destroyed away from 0, so that a listener which takes and drops a count
 /// in a destructor's event does not destroy the object again.
@@ -59,7 +55,7 @@ CXmlObjectBase const * CXmlObjectBase::GetBase() const
 
 void CXmlObjectBase::SetElementName(char16_t const * name)
 {
-    m_strElementName = TextOrEmpty(name);
+    m_strElementName = OrEmpty(name);
 }
 
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter *, CSerializationContext const &) const {}
@@ -194,21 +190,21 @@ void CXmlObjectBase::Throw_IfElementNameDiffers(CXmlObjectBase * pValue, char16_
 
 void CXmlObjectBase::TestNamespace(char16_t const * ns, char16_t const * list, char16_t const * target) const
 {
-    CheckNamespaceAllowed(TextOrEmpty(ns), TextOrEmpty(list), TextOrEmpty(target));
+    CheckNamespaceAllowed(OrEmpty(ns), OrEmpty(list), OrEmpty(target));
 }
 
 bool CXmlObjectBase::IsNamespaceValid(char16_t const * ns, char16_t const * list, char16_t const * target) const
 {
-    return IsNamespaceAllowed(TextOrEmpty(ns), TextOrEmpty(list), TextOrEmpty(target));
+    return IsNamespaceAllowed(OrEmpty(ns), OrEmpty(list), OrEmpty(target));
 }
 
 bool CXmlObjectBase::DoesElementNameMatch(
     CSerializationContext const & ctx, CXmlElement const * pElement, char16_t const * name, char16_t const * ns) const
 {
-    if (pElement->GetLocalName() != name)
+    if (!EqualText(pElement->GetLocalName(), OrEmpty(name)))
         return false;
     // SchemaType_NoNamespaces is part of this answer.
-    return ctx.GetIgnoreNamespaces() || pElement->GetNamespaceURI() == ns;
+    return ctx.GetIgnoreNamespaces() || EqualText(pElement->GetNamespaceURI(), OrEmpty(ns));
 }
 
 } // namespace QzXmlLib16

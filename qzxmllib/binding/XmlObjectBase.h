@@ -42,6 +42,11 @@ QZXMLLIB_API void AsyncToXmlFile(bool bAsync);
 class QZXMLLIB_API CXmlObjectBase : public IEventSink
 {
 public:
+    /// A copy takes the name and starts with a count of 0.
+    CXmlObjectBase(CXmlObjectBase const & other);
+    /// Takes the name and leaves the count of this object alone.
+    CXmlObjectBase & operator=(CXmlObjectBase const & other);
+
     /// Counts one more holder and gives the new count.
     long AddRef();
     /// Gives the new count. At 0 the object is destroyed.
@@ -51,6 +56,7 @@ protected:
     void OnEvent(CXmlObjectBase * pMsgSource, IEventSink::MsgType msgType, void * pData) override;
 
 public:
+    /// This object, as the root of its family.
     virtual CXmlObjectBase * GetBase() = 0;
     CXmlObjectBase const * GetBase() const;
 
@@ -60,15 +66,18 @@ public:
         XmlEncoding eEncoding = XmlEncoding_UTF8, EOLType eEOL = EOLType_LF,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
         CompressionType eCompression = CompressionType_None) const;
+    /// Writes a Fast Infoset document (ITU-T X.891), with the XML declaration asked for in front of it.
     virtual void ToFastInfosetFile(char16_t const * fileName, FInfoDecl eDecl = FInfoDecl_None,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
         CompressionType eCompression = CompressionType_None) const;
+    /// Writes JSON (RFC 8259) by the convention that the JSON options of the context choose.
     virtual void ToJsonFile(char16_t const * fileName, bool formatted = true, XmlEncoding eEncoding = XmlEncoding_UTF8,
         EOLType eEOL = EOLType_LF, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
         CompressionType eCompression = CompressionType_None) const;
     /// The document as wide text. The declaration names no encoding.
     virtual std::u16string ToXml(bool includeHeader = true, bool formatted = true, EOLType eEOL = EOLType_LF,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext()) const;
+    /// The object as JSON text.
     virtual std::u16string ToJson(bool formatted = true, EOLType eEOL = EOLType_LF,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext()) const;
     /// The document as octets without a byte order mark. Compressed output that would be longer than the plain octets
@@ -77,9 +86,11 @@ public:
         XmlEncoding eEncoding = XmlEncoding_UTF8, EOLType eEOL = EOLType_LF,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
         CompressionType eCompression = CompressionType_None) const;
+    /// The octets that ToFastInfosetFile writes.
     virtual CBinaryData ToFastInfosetStream(FInfoDecl eDecl = FInfoDecl_None,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
         CompressionType eCompression = CompressionType_None) const;
+    /// The octets of ToJson, without a byte order mark.
     virtual CBinaryData ToJsonStream(bool formatted = true, XmlEncoding eEncoding = XmlEncoding_UTF8,
         EOLType eEOL = EOLType_LF, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
         CompressionType eCompression = CompressionType_None) const;
@@ -87,6 +98,7 @@ public:
     /// Reads a file of XML text or Fast Infoset, plain, gzip or zlib.
     virtual void FromXmlFile(
         char16_t const * fileName, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
+    /// Reads a file of JSON in UTF-8, plain, gzip or zlib.
     virtual void FromJsonFile(
         char16_t const * fileName, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
     /// Reads wide XML text. A declaration that names another encoding than UTF-16 is refused.
@@ -95,8 +107,10 @@ public:
     /// Reads XML text in the encoding that its declaration names, UTF-8 without one.
     virtual void FromXml(
         char const * text, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
+    /// Reads JSON text.
     virtual void FromJson(
         char16_t const * text, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
+    /// Reads JSON text in UTF-8.
     virtual void FromJson(
         char const * text, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
     /// Reads octets of XML text or Fast Infoset, plain, gzip or zlib.
@@ -104,6 +118,7 @@ public:
         CBinaryData const & data, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
     virtual void FromXmlStream(unsigned char * const pData, unsigned long length,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
+    /// Reads octets of JSON in UTF-8, plain, gzip or zlib.
     virtual void FromJsonStream(
         CBinaryData const & data, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
     virtual void FromJsonStream(unsigned char * const pData, unsigned long length,
@@ -116,7 +131,7 @@ public:
         CXmlElement const * pElement, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
 
 protected:
-    /// Runs through Release.
+    /// Objects are destroyed by Release.
     virtual ~CXmlObjectBase();
 
     /// Namespace of the root element when this object is written by an entry operation.
@@ -135,10 +150,6 @@ protected:
         CXmlElement * pElement, CXmlElement * pChild, CSerializationContext const & ctx, bool emptyChoiceAllowed) = 0;
 
     CXmlObjectBase();
-    /// A copy takes the name and starts with a count of 0.
-    CXmlObjectBase(CXmlObjectBase const & other);
-    /// Takes the name and leaves the count of this object alone.
-    CXmlObjectBase & operator=(CXmlObjectBase const & other);
 
     /// The local name under which the object is written.
     std::u16string GetElementName() const { return m_strElementName; }
@@ -196,6 +207,8 @@ private:
     /// Fills this object from the root of a loaded document.
     void ReadFrom(CXmlDocument & document, CSerializationContext const & ctx);
     void ReadFromRoot(CXmlElement * pRoot, CSerializationContext const & ctx);
+    /// Fills this object from the XML text that was made of JSON. Without full round trip the names alone decide.
+    void FromJson_Int(CBinaryData const & xml, CSerializationContext const & ctx);
     /// The operations that write are constant although the questions they ask of the object are not.
     CXmlObjectBase * Mutable() const { return const_cast<CXmlObjectBase *>(this); }
 

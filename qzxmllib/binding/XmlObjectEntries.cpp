@@ -1,12 +1,14 @@
 #include "qzxmllib/binding/XmlObjectBase.h"
 
 #include "qzxmllib/binding/Element.h"
+#include "qzxmllib/binding/XmlObjectEntriesInternal.h"
 #include "qzxmllib/document/FileBinaryStream.h"
 #include "qzxmllib/document/FileTextStream.h"
 #include "qzxmllib/document/QzZip.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlTextWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 namespace QzXmlLib16
@@ -36,6 +38,13 @@ void StartXml(CXmlTextWriter & writer, TextOptions const & options, CSerializati
         writer.WriteHeader();
 }
 
+} // namespace
+
+bool IsAsyncToXmlFile() noexcept
+{
+    return g_bAsyncToXmlFile;
+}
+
 void RefuseZLib(CompressionType eCompression)
 {
     if (eCompression == CompressionType_ZLib)
@@ -48,8 +57,6 @@ CBinaryData Compressed(CBinaryData data, CompressionType eCompression)
         CQzZip::Compress(data, eCompression);
     return data;
 }
-
-} // namespace
 
 void AsyncToXmlFile(bool bAsync)
 {
@@ -69,7 +76,7 @@ std::u16string CXmlObjectBase::ToXml(
     StartXml(writer, {includeHeader, formatted, eEOL}, ctx);
     WriteTo(writer, ctx);
     writer.EndDocument();
-    return std::u16string(stream.GetText(), stream.GetLength());
+    return stream.TakeText();
 }
 
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding eEncoding, EOLType eEOL,
@@ -80,7 +87,7 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlE
     StartXml(writer, {includeHeader, formatted, eEOL}, ctx);
     WriteTo(writer, ctx);
     writer.EndDocument();
-    return Compressed(stream.GetBinary(), eCompression);
+    return Compressed(stream.TakeBinary(), eCompression);
 }
 
 void CXmlObjectBase::ToXmlFile(char16_t const * fileName, bool includeHeader, bool formatted, XmlEncoding eEncoding,
@@ -89,14 +96,15 @@ void CXmlObjectBase::ToXmlFile(char16_t const * fileName, bool includeHeader, bo
     RefuseZLib(eCompression);
     if (g_bAsyncToXmlFile && eCompression == CompressionType_None)
     {
-        CFileTextStream stream(fileName, eEncoding);
+        CFileTextStream stream(OrEmpty(fileName), eEncoding);
         CXmlTextWriter writer(&stream);
         StartXml(writer, {includeHeader, formatted, eEOL}, ctx);
         WriteTo(writer, ctx);
         writer.EndDocument();
         return;
     }
-    CFileBinaryStream(fileName, eEncoding, ToXmlStream(includeHeader, formatted, eEncoding, eEOL, ctx, eCompression))
+    CFileBinaryStream(
+        OrEmpty(fileName), eEncoding, ToXmlStream(includeHeader, formatted, eEncoding, eEOL, ctx, eCompression))
         .WriteToFile();
 }
 

@@ -1,6 +1,7 @@
 #include "qzxmllib/document/Encoder.h"
 
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BinaryData.h"
 
@@ -310,7 +311,7 @@ CBinaryData EncodeUtf8Counted(std::u16string_view text, std::size_t nFirst)
 
 CBinaryData EncodeUtf8(char16_t const * pText)
 {
-    return EncodeUtf8Counted(pText, 0);
+    return EncodeUtf8Counted(OrEmpty(pText), 0);
 }
 
 std::u16string DecodeUtf8(unsigned char const * pOctets, std::size_t nOctets)

@@ -17,9 +17,8 @@ namespace
 
 constexpr char kSeparator = '|';
 
-/// The parser counts in int, so longer input goes to it in pieces. A single piece is the quickest: behind each one
-/// that is not the last the parser counts lines and keeps a copy of what is left over.
-constexpr std::size_t kPieceOctets = std::size_t(1) << 30;
+/// The parser copies what it is given, so it gets the input in pieces.
+constexpr std::size_t kPieceOctets = 131072;
 
 std::u16string DecodeParserText(char const * pszText)
 {

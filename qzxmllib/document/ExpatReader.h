@@ -14,7 +14,7 @@ namespace QzXmlLib16
 
 /// Turns the events of the XML parser into the tree of a document. Call Init, then Parse for each piece of the input;
 /// after the last piece or a failure the reader can only be destroyed.
-class QZXMLLIB_API CExpatReader : private CInstanceMonitor
+class QZXMLLIB_API CExpatReader : public CInstanceMonitor
 {
 public:
     explicit CExpatReader(CXmlDocument & doc);

@@ -12,7 +12,7 @@ namespace QzXmlLib16
 
 /// Compresses finished output and recognises compressed input, whole buffers in memory. Operations may run on any
 /// thread.
-class QZXMLLIB_API CQzZip : private CInstanceMonitor
+class QZXMLLIB_API CQzZip : public CInstanceMonitor
 {
 public:
     CQzZip();

@@ -1,7 +1,7 @@
 #include "qzxmllib/document/StringBuffer.h"
 
-#include "qzxmllib/document/BlockMemoryInternal.h"
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/support/BlockMemoryInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "qzxmllib/document/TextStream.h"
 
-#include "qzxmllib/document/BlockMemoryInternal.h"
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/support/BlockMemoryInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BinaryData.h"
 

@@ -2,9 +2,13 @@
 
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/document/Encoder.h"
+#include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/ExpatReader.h"
 #include "qzxmllib/document/QzZip.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
+#include "qzxmllib/fastinfoset/FastInfosetReader.h"
+#include "qzxmllib/json/JsonReaderToXmlHandler.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/PlatformFileInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BinaryData.h"
@@ -20,6 +24,9 @@ namespace QzXmlLib16
 
 namespace
 {
+
+/// Code units of text that are widened at a time.
+constexpr std::size_t kPieceUnits = 512;
 
 std::atomic<bool> g_bAsyncFromXmlFile{false};
 
@@ -73,7 +80,8 @@ CXmlDocument::CXmlDocument(CSerializationContext const & ctx, bool (*pfnElementC
 
 CXmlDocument::~CXmlDocument()
 {
-    CXmlDocument::Cleanup();
+    if (m_pDocumentElement != nullptr)
+        CXmlTree::Destroy(m_pDocumentElement);
 }
 
 void CXmlDocument::Cleanup()
@@ -143,7 +151,7 @@ CBinaryData CXmlDocument::LoadJson(char const * pszText)
     Cleanup();
     std::size_t const nOctets = LengthOf(pszText);
     CheckSize(nOctets, u"JSON String");
-    return ConvertJsonToXml(DecodeUtf8(reinterpret_cast<unsigned char const *>(pszText), nOctets));
+    return ConvertJsonToXml(DecodeUtf8(reinterpret_cast<unsigned char const *>(pszText), nOctets), *m_pContext);
 }
 
 CBinaryData CXmlDocument::LoadJson(char16_t const * pszText)
@@ -151,7 +159,7 @@ CBinaryData CXmlDocument::LoadJson(char16_t const * pszText)
     Cleanup();
     std::size_t const nUnits = LengthOf(pszText);
     CheckSize(nUnits, u"JSON String");
-    return ConvertJsonToXml(std::u16string(pszText, nUnits));
+    return ConvertJsonToXml({pszText, nUnits}, *m_pContext);
 }
 
 void CXmlDocument::ReadWholeFile(char16_t const * pszFileName)
@@ -270,9 +278,9 @@ void CXmlDocument::ParseText(unsigned char const * pOctets, std::size_t nOctets,
 }
 
 /// True if the octets are a Fast Infoset document, which then is read.
-bool CXmlDocument::ReadFastInfoset(unsigned char const *, std::uint32_t)
+bool CXmlDocument::ReadFastInfoset(unsigned char const * pOctets, std::uint32_t nOctets)
 {
-    return false;
+    return CFastInfosetReader(m_pContext->GetFIContext(), *this).ReadDocument(pOctets, nOctets);
 }
 
 /// Takes the plain form of compressed octets into the buffer of the document and points the arguments there. Leaves
@@ -294,24 +302,20 @@ CBinaryData CXmlDocument::ParseJson(unsigned char const * pOctets, std::uint32_t
     Inflate(pOctets, nOctets);
     std::uint32_t constexpr nMark = sizeof kByteOrderMark;
     bool const bMark = nOctets >= nMark && std::equal(kByteOrderMark, kByteOrderMark + nMark, pOctets);
-    return ConvertJsonToXml(bMark ? DecodeUtf8(pOctets + nMark, nOctets - nMark) : DecodeUtf8(pOctets, nOctets));
-}
-
-CBinaryData CXmlDocument::ConvertJsonToXml(std::u16string const &)
-{
-    throw CQzException(u"JSON input is not available.");
+    return ConvertJsonToXml(
+        bMark ? DecodeUtf8(pOctets + nMark, nOctets - nMark) : DecodeUtf8(pOctets, nOctets), *m_pContext);
 }
 
 std::u16string CXmlDocument::LookupNamespaceFromAlias(char16_t const * alias) const
 {
-    auto const it = m_mapNamespaces.find(alias);
+    auto const it = m_mapNamespaces.find(OrEmpty(alias));
     return it != m_mapNamespaces.end() ? it->second : std::u16string();
 }
 
 std::u16string CXmlDocument::LookupAliasFromNamespace(char16_t const * namespaceURI) const
 {
     for (auto const & [strAlias, strURI] : m_mapNamespaces)
-        if (strURI == namespaceURI)
+        if (EqualText(strURI, OrEmpty(namespaceURI)))
             return strAlias;
     return std::u16string();
 }
@@ -414,17 +418,24 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement * pElement, char16_t const 
 
 void CXmlDocument::AppendUtf8ExcludingCR(CXmlElement * pElement, char const * pText, std::size_t nOctets)
 {
-    CXmlTree & tree = pElement->GetTree();
-    std::string_view text(pText, nOctets);
-    for (;;)
+    if (pElement->m_pLastChild == nullptr && !pElement->m_text.m_bRuns)
     {
-        std::size_t const nReturn = text.find('\r');
-        std::string_view const stretch = text.substr(0, nReturn);
-        if (!stretch.empty())
-            tree.AppendUtf8(pElement->m_text, stretch.data(), stretch.size());
-        if (nReturn == std::string_view::npos)
-            return;
-        text.remove_prefix(nReturn + 1);
+        pElement->GetTree().AppendUtf8ExcludingCR(pElement->m_text, pText, nOctets);
+        return;
+    }
+    // Between children stands white space as a rule, the same each time.
+    if (pElement->GetTree().MatchRun(*pElement, pText, nOctets))
+        return;
+    char16_t aPiece[kPieceUnits];
+    std::string_view rest(pText, nOctets);
+    while (!rest.empty())
+    {
+        std::size_t nPart = std::min(rest.size(), kPieceUnits);
+        while (nPart < rest.size() && (static_cast<unsigned char>(rest[nPart]) & 0xC0) == 0x80)
+            --nPart;
+        std::size_t const nUnits = WidenUtf8(rest.data(), nPart, aPiece);
+        AppendTextExcludingCR(pElement, aPiece, nUnits);
+        rest.remove_prefix(nPart);
     }
 }
 

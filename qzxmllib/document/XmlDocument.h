@@ -16,16 +16,14 @@
 namespace QzXmlLib16
 {
 
-class CPlatformFile;
-class CPlatformRequest;
 class CXmlTree;
 
 /// True makes CXmlDocument::Load read files in chunks while it parses. Process-wide, false at first; settle it before
 /// concurrent work starts.
 QZXMLLIB_API void AsyncFromXmlFile(bool bAsync);
 
-/// Name of elements and attributes. A document keeps one record for each distinct name, and all nodes of that name
-/// point to it until the document is loaded again or destroyed; equal pointers mean equal names.
+/// Name of elements and attributes. All nodes of a name point to records of the document, which last until it is loaded
+/// again or destroyed; equal pointers mean equal names.
 struct CXmlName
 {
     std::u16string strLocalName;
@@ -37,12 +35,15 @@ struct CXmlName
     bool bNilAttribute = false;
 };
 
+struct XmlRuns;
+
 /// Text of a node. It lies in the memory of the document while it is short; a long one, and one that was asked for as
-/// a string object, is a string of its own.
+/// a string object, is a string of its own. The text of an element with children is kept in runs, one for each gap
+/// between two children, until somebody asks for it.
 class QZXMLLIB_API CXmlText
 {
 public:
-    CXmlText() noexcept : m_pUnits(nullptr), m_nUnits(0), m_nCapacity(0), m_bString(0), m_bMark(0) {}
+    CXmlText() noexcept : m_pUnits(nullptr), m_nUnits(0), m_nCapacity(0), m_bRuns(0), m_bString(0), m_bMark(0) {}
     CXmlText(CXmlText const &) = delete;
     CXmlText & operator=(CXmlText const &) = delete;
     ~CXmlText()
@@ -51,14 +52,17 @@ public:
             delete m_pString;
     }
 
-    std::u16string_view View() const noexcept
+    std::u16string_view View()
     {
-        return m_bString ? std::u16string_view(*m_pString) : std::u16string_view(m_pUnits, m_nUnits);
+        if (m_bRuns || m_bString)
+            return String();
+        return std::u16string_view(m_pUnits, m_nUnits);
     }
     /// The text as a string object, made at the first call.
     std::u16string & String();
 
 private:
+    friend class CXmlDocument;
     friend class CXmlTree;
     friend class CXmlElement;
 
@@ -66,16 +70,19 @@ private:
     {
         char16_t * m_pUnits;
         std::u16string * m_pString;
+        XmlRuns * m_pRuns;
     };
+    /// Of all runs together, where there are some.
     std::uint32_t m_nUnits;
-    std::uint32_t m_nCapacity : 30;
+    std::uint32_t m_nCapacity : 29;
+    std::uint32_t m_bRuns : 1;
     std::uint32_t m_bString : 1;
     /// At the disposal of the node that owns the text.
     std::uint32_t m_bMark : 1;
 };
 
 /// Attribute of an element of a document. Belongs to the document.
-class QZXMLLIB_API CXmlAttribute : private CInstanceMonitor
+class QZXMLLIB_API CXmlAttribute : public CInstanceMonitor
 {
 public:
     CXmlAttribute(CXmlAttribute const &) = delete;
@@ -116,7 +123,7 @@ private:
 
 /// Element of a document. Belongs to the document. Elements are built by the readers and only read afterwards; a
 /// position among children is a plain pointer, null when they are used up.
-class QZXMLLIB_API CXmlElement : private CInstanceMonitor
+class QZXMLLIB_API CXmlElement : public CInstanceMonitor
 {
 public:
     CXmlElement(CXmlElement const &) = delete;
@@ -125,9 +132,10 @@ public:
     std::u16string const & GetLocalName() const { return m_pName->strLocalName; }
     std::u16string const & GetNamespaceURI() const { return m_pName->strNamespaceURI; }
     /// All character data directly inside the element, joined, without carriage returns. The first call makes the
-    /// string object; GetTextView costs nothing.
+    /// string object.
     std::u16string const & GetText() const { return m_text.String(); }
-    /// The text where it lies. Valid until the document is loaded again or destroyed, or GetText is called.
+    /// The text where it lies; that of an element with children is joined at the first call. Valid until the document
+    /// is loaded again or destroyed, or GetText is called.
     std::u16string_view GetTextView() const { return m_text.View(); }
     CXmlName const * GetName() const { return m_pName; }
     CXmlDocument * GetDocument() const { return m_pName->pDocument; }
@@ -194,7 +202,7 @@ private:
 /// Reads XML text, Fast Infoset and, by way of XML text, JSON, and owns the tree that comes out. Every load starts from
 /// nothing, so a document can be loaded again. A failure throws CQzException; what the tree holds then is of no use.
 /// A document belongs to one thread.
-class QZXMLLIB_API CXmlDocument : private CInstanceMonitor
+class QZXMLLIB_API CXmlDocument : public CInstanceMonitor
 {
 public:
     CXmlDocument();
@@ -275,7 +283,6 @@ private:
     bool ReadFastInfoset(unsigned char const * pOctets, std::uint32_t nOctets);
     void Inflate(unsigned char const *& pOctets, std::uint32_t & nOctets);
     CBinaryData ParseJson(unsigned char const * pOctets, std::uint32_t nOctets);
-    CBinaryData ConvertJsonToXml(std::u16string const & strJson);
 
     /// State of a read in chunks.
     struct AsyncRead;

@@ -1,27 +1,52 @@
 #include "qzxmllib/document/XmlTreeInternal.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/FormatString.h"
+#include "qzxmllib/support/MemoryLeakHelpInternal.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <utility>
 
 namespace QzXmlLib16
 {
 
+namespace
+{
+
+CInstanceName g_xmlElementName(u"CXmlElement");
+CInstanceName g_xmlAttributeName(u"CXmlAttribute");
+
+} // namespace
+
 std::u16string & CXmlText::String()
 {
-    if (!m_bString)
+    if (m_bString)
+        return *m_pString;
+    auto strText = std::make_unique<std::u16string>();
+    if (m_bRuns)
     {
-        m_pString = new std::u16string(View());
-        m_bString = 1;
-        m_nUnits = 0;
-        m_nCapacity = 0;
+        strText->reserve(m_nUnits);
+        for (XmlRun const * pRun = &m_pRuns->first; pRun != nullptr; pRun = pRun->pNext)
+            for (std::uint32_t i = 0; i < pRun->nRepeat; ++i)
+                strText->append(pRun->pUnits, pRun->nUnits);
+        if (m_pRuns->bMatching)
+            strText->append(m_pRuns->pLast->pUnits, m_pRuns->nMatched);
     }
+    else if (m_nUnits != 0)
+    {
+        strText->assign(m_pUnits, m_nUnits);
+    }
+    m_pString = strText.release();
+    m_bString = 1;
+    m_bRuns = 0;
+    m_nUnits = 0;
+    m_nCapacity = 0;
     return *m_pString;
 }
 
 CXmlAttribute::CXmlAttribute(CXmlElement * pElement, CXmlName const & name)
-    : CInstanceMonitor(u"CXmlAttribute"), m_pElement(pElement), m_pName(&name)
+    : CInstanceMonitor(g_xmlAttributeName), m_pElement(pElement), m_pName(&name)
 {
 }
 
@@ -40,7 +65,7 @@ std::u16string CXmlAttribute::GetXPath() const
 }
 
 CXmlElement::CXmlElement(CXmlName const & name, CXmlElement * pParent)
-    : CInstanceMonitor(u"CXmlElement"), m_pParent(pParent), m_pName(&name), m_pFirstAttribute(nullptr)
+    : CInstanceMonitor(g_xmlElementName), m_pParent(pParent), m_pName(&name), m_pFirstAttribute(nullptr)
 {
 }
 
@@ -76,7 +101,7 @@ std::u16string const & CXmlElement::GetAttribute(char16_t const * localName, cha
 {
     static auto const * const s_pNone = new std::u16string;
     for (CXmlAttribute const * p = GetFirstAttribute(); p != nullptr; p = p->GetNextAttribute())
-        if (p->GetLocalName() == localName && p->GetNamespaceURI() == namespaceURI)
+        if (EqualText(p->GetLocalName(), OrEmpty(localName)) && EqualText(p->GetNamespaceURI(), OrEmpty(namespaceURI)))
             return p->GetValue();
     return *s_pNone;
 }
@@ -99,6 +124,11 @@ void CXmlElement::AppendText(char16_t const * pText)
 
 void CXmlElement::AppendText(char16_t const * pText, std::size_t nUnits)
 {
+    if (m_pLastChild != nullptr || m_text.m_bRuns)
+    {
+        GetTree().AppendRun(*this, pText, nUnits);
+        return;
+    }
     GetTree().Append(m_text, nUnits,
         [pText, nUnits](char16_t * pOut)
         {

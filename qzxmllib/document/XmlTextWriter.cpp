@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
+#include <typeinfo>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -106,6 +107,9 @@ std::size_t FindCare(char16_t const * pText, std::size_t nUnits) noexcept
         ++nAt;
     return nAt;
 }
+
+/// Text up to this length is written together with its tags.
+constexpr std::size_t kLongestInOnePiece = 1024;
 
 /// Writes short pieces one behind the other into room that is known to suffice.
 class CRoomWriter
@@ -245,6 +249,7 @@ void CXmlTextWriter::WriteEscaped(std::u16string_view text, bool bAttribute)
 void CXmlTextWriter::StartDocument()
 {
     CXmlWriter::StartDocument();
+    m_bWholeElements = typeid(*this) == typeid(CXmlTextWriter);
     m_pStream->Open();
 }
 
@@ -431,6 +436,65 @@ void CXmlTextWriter::WriteAttributeView(
         });
     WriteEscaped(value, true);
     m_pStream->Write(u'"');
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteElementView(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
+{
+    bool bOnePiece = m_bWholeElements && m_pContext != nullptr && !text.empty() && text.size() <= kLongestInOnePiece &&
+                     FindCare<false>(text.data(), text.size()) == text.size();
+    std::u16string_view alias;
+    if (bOnePiece && !NeedsNoPrefix(*m_pContext, strUri))
+    {
+        std::u16string const * const pAlias = FindKnownPrefix(*m_pContext, strUri);
+        bOnePiece = pAlias != nullptr;
+        if (bOnePiece)
+            alias = UpToZero(*pAlias);
+    }
+    if (!bOnePiece)
+    {
+        CXmlWriter::WriteElementView(strName, strUri, text, eType);
+        return;
+    }
+    CountPassingContext();
+    CXmlWriterContext & parent = *m_pContext;
+    bool const bEndsTag = parent.m_bStartTagOpen;
+    ++parent.m_nChildCount;
+    parent.m_bStartTagOpen = false;
+    std::int32_t const nDepth = parent.m_nDepth + 1;
+    std::size_t const nIndent = m_bFormat ? static_cast<std::size_t>(nDepth) * m_nIndentUnits : 0;
+    std::u16string_view const name = UpToZero(strName);
+    PutPieces(*m_pStream, nIndent + text.size() + 2 * (alias.size() + name.size()) + 12,
+        [&](auto & to)
+        {
+            auto const putName = [&]
+            {
+                if (!alias.empty())
+                {
+                    to.Put(alias);
+                    to.Put(u':');
+                }
+                to.Put(name);
+                to.Put(u'>');
+            };
+            if (bEndsTag)
+            {
+                to.Put(u'>');
+                if (m_bFormat)
+                    to.Put(std::u16string_view(m_strEOL));
+            }
+            if (m_bFormat)
+                PutIndent(to, nDepth);
+            to.Put(u'<');
+            putName();
+            to.Put(text);
+            to.Put(u'<');
+            to.Put(u'/');
+            putName();
+            if (m_bFormat)
+                to.Put(std::u16string_view(m_strEOL));
+        });
     FlushIfFull();
 }
 

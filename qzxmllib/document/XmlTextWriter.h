@@ -37,6 +37,8 @@ public:
     void WriteTextView(std::u16string_view text, ItemType eType) override;
     void WriteAttributeView(std::u16string const & strName, std::u16string const & strUri, std::u16string_view value,
         ItemType eType) override;
+    void WriteElementView(std::u16string const & strName, std::u16string const & strUri, std::u16string_view text,
+        ItemType eType) override;
 
     /// Indentation and line ends; on at first. May only be set with no element open.
     bool GetFormat() const noexcept { return m_bFormat; }
@@ -81,6 +83,8 @@ private:
     std::u16string m_strEOL;
     EOLType m_eEOLType;
     bool m_bFormat;
+    /// No class derived from this one may have other ideas of what an element is made of.
+    bool m_bWholeElements = false;
     CTextStream * m_pStream;
 };
 

@@ -5,9 +5,41 @@
 #include <functional>
 #include <new>
 #include <utility>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace QzXmlLib16
 {
+
+namespace
+{
+
+// The more a document holds already, the larger its next block. Large documents get blocks of the size of large pages.
+constexpr std::size_t kSmallestBlock = 16 * 1024;
+constexpr std::size_t kLargestUsualBlock = 256 * 1024;
+constexpr std::size_t kLargeBlock = 2 * 1024 * 1024;
+constexpr std::size_t kLargeDocument = 4 * kLargeBlock;
+
+XmlBlock AcquireXmlBlock(std::size_t nHeld)
+{
+    std::size_t nOctets = kSmallestBlock;
+    if (nHeld >= kLargeDocument)
+        nOctets = kLargeBlock;
+    else
+        while (nOctets < nHeld && nOctets < kLargestUsualBlock)
+            nOctets *= 2;
+    return {static_cast<unsigned char *>(TakeBlock(nOctets)), nOctets};
+}
+
+/// The block may be null.
+void ReturnXmlBlock(XmlBlock const & block) noexcept
+{
+    if (block.pFirst != nullptr)
+        GiveBackBlock(block.pFirst, block.nOctets);
+}
+
+} // namespace
 
 namespace
 {
@@ -24,6 +56,43 @@ std::u16string Widen(std::string_view text)
     std::u16string strWide(text.size(), u'\0');
     strWide.resize(WidenUtf8(text.data(), text.size(), &strWide[0]));
     return strWide;
+}
+
+constexpr std::size_t kShortPiece = 64;
+
+bool IsPlain(char c)
+{
+    return static_cast<signed char>(c) >= 0 && c != '\r';
+}
+
+/// Widens octets, and tells whether all of them are ASCII and none is a carriage return; if not, what is written at
+/// pOut is of no use.
+bool WidenPlain(char const * pText, std::size_t nOctets, char16_t * pOut)
+{
+    bool bPlain = true;
+#if defined(__SSE2__)
+    if (nOctets >= 8)
+    {
+        // Eight at a time; the last eight may overlap those before.
+        __m128i odd = _mm_setzero_si128();
+        for (std::size_t n = 0;; n += 8)
+        {
+            std::size_t const nAt = n + 8 < nOctets ? n : nOctets - 8;
+            __m128i const octets = _mm_loadl_epi64(reinterpret_cast<__m128i const *>(pText + nAt));
+            odd = _mm_or_si128(odd, _mm_or_si128(octets, _mm_cmpeq_epi8(octets, _mm_set1_epi8('\r'))));
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + nAt), _mm_unpacklo_epi8(octets, _mm_setzero_si128()));
+            if (n + 8 >= nOctets)
+                break;
+        }
+        return _mm_movemask_epi8(odd) == 0;
+    }
+#endif
+    for (std::size_t n = 0; n < nOctets; ++n)
+    {
+        bPlain = bPlain && IsPlain(pText[n]);
+        pOut[n] = static_cast<unsigned char>(pText[n]);
+    }
+    return bPlain;
 }
 
 void AppendOctets(std::string & strKey, void const * p, std::size_t nOctets)
@@ -170,6 +239,132 @@ void CXmlTree::Release(CXmlElement * pTop)
 void CXmlTree::AppendUtf8(CXmlText & text, char const * pText, std::size_t nOctets)
 {
     Append(text, nOctets, [pText, nOctets](char16_t * pOut) { return WidenUtf8(pText, nOctets, pOut); });
+}
+
+void CXmlTree::AppendUtf8ExcludingCR(CXmlText & text, char const * pText, std::size_t nOctets)
+{
+    // Most pieces are short and plain: those are looked over and widened in one go.
+    if (nOctets <= kShortPiece && !text.m_bString && text.m_nUnits + nOctets <= kLongestInBlock)
+    {
+        bool const bTrim = MakeRoom(text, static_cast<std::uint32_t>(nOctets));
+        if (WidenPlain(pText, nOctets, text.m_pUnits + text.m_nUnits))
+        {
+            text.m_nUnits += static_cast<std::uint32_t>(nOctets);
+            return;
+        }
+        if (bTrim)
+            Trim(text);
+    }
+    std::string_view rest(pText, nOctets);
+    for (;;)
+    {
+        std::size_t const nReturn = rest.find('\r');
+        std::string_view const stretch = rest.substr(0, nReturn);
+        if (!stretch.empty())
+            AppendUtf8(text, stretch.data(), stretch.size());
+        if (nReturn == std::string_view::npos)
+            return;
+        rest.remove_prefix(nReturn + 1);
+    }
+}
+
+/// Keeps a new run, or goes on with the last one if nothing has been created behind it.
+void CXmlTree::KeepRun(XmlRuns & runs, std::u16string_view head, std::u16string_view tail)
+{
+    auto * const pEnd = reinterpret_cast<unsigned char *>(runs.pLast->pUnits + runs.pLast->nUnits);
+    bool const bGoOn = head.empty() && pEnd == m_pCursor && runs.pLast->nRepeat == 1 && !runs.bMatching;
+    std::size_t const nOctets = (head.size() + tail.size()) * sizeof(char16_t);
+    XmlRun * pRun = runs.pLast;
+    if (!bGoOn || Room() < nOctets)
+    {
+        pRun = new (AllocateNode<XmlRun>()) XmlRun;
+        pRun->pUnits = reinterpret_cast<char16_t *>(Room() < nOctets ? AllocateInNewBlock(0) : m_pCursor);
+        runs.pLast->pNext = pRun;
+        runs.pLast = pRun;
+    }
+    m_pCursor += nOctets;
+    char16_t * const pOut = std::copy(head.begin(), head.end(), pRun->pUnits + pRun->nUnits);
+    std::copy(tail.begin(), tail.end(), pOut);
+    pRun->nUnits += static_cast<std::uint32_t>(head.size() + tail.size());
+}
+
+/// The runs of the element's text. Behind another child than before, the run of the old gap is closed.
+XmlRuns & CXmlTree::BeginPiece(CXmlElement & element)
+{
+    CXmlText & text = element.m_text;
+    if (!text.m_bRuns)
+    {
+        auto * const pRuns = new (AllocateNode<XmlRuns>()) XmlRuns;
+        pRuns->first.pUnits = text.m_pUnits;
+        pRuns->first.nUnits = text.m_nUnits;
+        pRuns->pLast = &pRuns->first;
+        text.m_pRuns = pRuns;
+        text.m_bRuns = 1;
+        text.m_nCapacity = 0;
+    }
+    XmlRuns & runs = *text.m_pRuns;
+    if (runs.pBehind == element.m_pLastChild)
+        return runs;
+    if (runs.bMatching && runs.nMatched == runs.pLast->nUnits)
+        ++runs.pLast->nRepeat;
+    else if (runs.bMatching)
+        KeepRun(runs, {}, {runs.pLast->pUnits, runs.nMatched});
+    runs.pBehind = element.m_pLastChild;
+    runs.nMatched = 0;
+    runs.bMatching = true;
+    return runs;
+}
+
+bool CXmlTree::MatchRun(CXmlElement & element, char const * pText, std::size_t nOctets)
+{
+    if (element.m_text.m_bString)
+        return false;
+    XmlRuns & runs = BeginPiece(element);
+    if (!runs.bMatching || nOctets > runs.pLast->nUnits - runs.nMatched)
+        return false;
+    char16_t const * const pLast = runs.pLast->pUnits + runs.nMatched;
+    for (std::size_t i = 0; i < nOctets; ++i)
+        if (pLast[i] != static_cast<unsigned char>(pText[i]) || pLast[i] > 0x7F)
+            return false;
+    runs.nMatched += static_cast<std::uint32_t>(nOctets);
+    element.m_text.m_nUnits += static_cast<std::uint32_t>(nOctets);
+    return true;
+}
+
+void CXmlTree::AppendRun(CXmlElement & element, char16_t const * pText, std::size_t nUnits)
+{
+    CXmlText & text = element.m_text;
+    if (text.m_bString)
+    {
+        text.m_pString->append(pText, nUnits);
+        return;
+    }
+    XmlRuns & runs = BeginPiece(element);
+    text.m_nUnits += static_cast<std::uint32_t>(nUnits);
+    std::u16string_view piece(pText, nUnits);
+    if (runs.bMatching)
+    {
+        std::u16string_view const last(runs.pLast->pUnits, runs.pLast->nUnits);
+        if (last.substr(runs.nMatched, nUnits) == piece)
+        {
+            runs.nMatched += static_cast<std::uint32_t>(nUnits);
+            return;
+        }
+        std::u16string_view const head = last.substr(0, runs.nMatched);
+        std::u16string_view const part = piece.substr(0, kLongestInBlock);
+        if (head.size() <= kLongestInBlock - part.size())
+        {
+            KeepRun(runs, head, part);
+            piece.remove_prefix(part.size());
+        }
+        else
+        {
+            KeepRun(runs, {}, head);
+        }
+        runs.bMatching = false;
+    }
+    for (; !piece.empty(); piece.remove_prefix(std::min(piece.size(), kLongestInBlock)))
+        KeepRun(runs, {}, piece.substr(0, kLongestInBlock));
 }
 
 /// nOctets is at most the size of the smallest block.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "qzxmllib/document/XmlBlockInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/support/BlockMemoryInternal.h"
 
 #include <cstdint>
 #include <cstring>
@@ -12,6 +12,35 @@
 
 namespace QzXmlLib16
 {
+
+/// A stretch of memory for the tree of a document.
+struct XmlBlock
+{
+    unsigned char * pFirst = nullptr;
+    std::size_t nOctets = 0;
+};
+
+/// Text between two children of an element, nRepeat times in a row.
+struct XmlRun
+{
+    char16_t * pUnits = nullptr;
+    XmlRun * pNext = nullptr;
+    std::uint32_t nUnits = 0;
+    std::uint32_t nRepeat = 1;
+};
+
+/// The runs of an element's text. Indented documents repeat the same run between most children, so a run that equals
+/// the one before it is counted and not kept.
+struct XmlRuns
+{
+    XmlRun first;
+    XmlRun * pLast = nullptr;
+    /// The child behind which the present run began.
+    CXmlElement const * pBehind = nullptr;
+    /// While the present run agrees with the last one that was kept: how many of its units it has so far.
+    std::uint32_t nMatched = 0;
+    bool bMatching = false;
+};
 
 /// A name with the octets under which it is found: what the parser calls it, or a form of its own for other readers.
 struct CXmlNameRecord : CXmlName
@@ -138,10 +167,16 @@ public:
     }
     /// Appends valid UTF-8 without an octet 0.
     void AppendUtf8(CXmlText & text, char const * pText, std::size_t nOctets);
+    /// The same without the carriage returns.
+    void AppendUtf8ExcludingCR(CXmlText & text, char const * pText, std::size_t nOctets);
+    /// True if the piece goes on as the last run of the element's text did, so that nothing had to be kept.
+    bool MatchRun(CXmlElement & element, char const * pText, std::size_t nOctets);
+    /// Appends to the text of an element that has children.
+    void AppendRun(CXmlElement & element, char16_t const * pText, std::size_t nUnits);
     /// Takes back the room behind the text if nothing has been created since.
     void Trim(CXmlText & text)
     {
-        if (!text.m_bString && EndOf(text) == m_pCursor)
+        if (!text.m_bString && !text.m_bRuns && EndOf(text) == m_pCursor)
         {
             text.m_nCapacity = text.m_nUnits & kCapacityMask;
             m_pCursor = EndOf(text);
@@ -151,8 +186,10 @@ public:
 private:
     /// Longer text lies in a string of its own, whose memory comes back when it grows.
     static constexpr std::size_t kLongestInBlock = 4096;
-    static constexpr std::uint32_t kCapacityMask = (std::uint32_t(1) << 30) - 1;
+    static constexpr std::uint32_t kCapacityMask = (std::uint32_t(1) << 29) - 1;
 
+    XmlRuns & BeginPiece(CXmlElement & element);
+    void KeepRun(XmlRuns & runs, std::u16string_view head, std::u16string_view tail);
     static unsigned char * EndOf(CXmlText const & text)
     {
         return reinterpret_cast<unsigned char *>(text.m_pUnits + text.m_nCapacity);

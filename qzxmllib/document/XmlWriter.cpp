@@ -1,5 +1,7 @@
 #include "qzxmllib/document/XmlWriter.h"
 
+#include "qzxmllib/support/EqualTextInternal.h"
+#include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
@@ -12,6 +14,8 @@ namespace QzXmlLib16
 namespace
 {
 
+CInstanceName g_contextName(u"CXmlWriterContext");
+
 constexpr char16_t kXmlNamespace[] = u"http://www.w3.org/XML/1998/namespace";
 
 /// Limits of the number of aliases remembered by hash; between them it follows the size of the map.
@@ -19,11 +23,6 @@ constexpr std::size_t kFewestAliasSlots = 16;
 constexpr std::size_t kMostAliasSlots = 4096;
 
 constexpr std::size_t kLetters = 26;
-
-bool SameText(std::u16string const & strA, std::u16string const & strB) noexcept
-{
-    return strA.size() == strB.size() && std::memcmp(strA.data(), strB.data(), strA.size() * sizeof(char16_t)) == 0;
-}
 
 /// URIs differ mostly at their ends.
 std::size_t HashUri(std::u16string const & strUri) noexcept
@@ -60,15 +59,15 @@ struct CXmlWriter::Slot
 
 // The count of a nested record comes from its parent's, which saves looking the name up for each element.
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(CTexts & texts, CXmlWriterContext * pParent)
-    : CInstanceMonitor(static_cast<CInstanceMonitor const &>(*pParent)), m_nDepth(pParent->m_nDepth + 1),
-      m_strNamespace(texts.strNamespace), m_strName(texts.strName), m_strWrittenAlias(texts.strWrittenAlias),
-      m_pParent(pParent), m_pScope(pParent->m_pScope)
+    : CInstanceMonitor(g_contextName), m_nDepth(pParent->m_nDepth + 1), m_strNamespace(texts.strNamespace),
+      m_strName(texts.strName), m_strWrittenAlias(texts.strWrittenAlias), m_pParent(pParent),
+      m_pScope(pParent->m_pScope)
 {
     pParent->m_pChild = this;
 }
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(CTexts & texts, std::unique_ptr<CScope> spScope)
-    : CInstanceMonitor(u"CXmlWriterContext"), m_strNamespace(texts.strNamespace), m_strName(texts.strName),
+    : CInstanceMonitor(g_contextName), m_strNamespace(texts.strNamespace), m_strName(texts.strName),
       m_strWrittenAlias(texts.strWrittenAlias), m_pParent(nullptr), m_pScope(this), m_spScope(std::move(spScope))
 {
 }
@@ -197,6 +196,14 @@ void CXmlWriter::WriteTextView(std::u16string_view text, ItemType eType)
     WriteText(std::u16string(text), eType);
 }
 
+void CXmlWriter::WriteElementView(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
+{
+    WriteStartElement(strName, strUri);
+    WriteTextView(text, eType);
+    WriteEndElement();
+}
+
 void CXmlWriter::WriteAttributeView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
@@ -225,8 +232,14 @@ std::u16string CXmlWriter::GenerateNamespaceAlias(CNamespaceMap const & namespac
 
 void CXmlWriter::SetArrayState(std::int32_t eState) noexcept
 {
-    if (m_pContext != nullptr)
-        m_pContext->m_eArrayState = eState;
+    if (m_pContext == nullptr)
+        return;
+    std::int32_t & eNow = m_pContext->m_eArrayState;
+    if (eState == 1 && eNow == 3)
+        eState = 4; // the finished array is still to be closed
+    else if (eState == 3 && eNow == 1)
+        eState = 0; // no item has opened the array
+    eNow = eState;
 }
 
 CXmlWriter::CXmlWriterContext & CXmlWriter::PushContext(std::u16string const & strName, std::u16string const & strUri)
@@ -261,28 +274,50 @@ void CXmlWriter::PopContext() noexcept
 
 bool CXmlWriter::NeedsNoPrefix(CXmlWriterContext const & context, std::u16string const & strUri) noexcept
 {
-    return strUri.empty() || SameText(strUri, context.GetDefaultNamespace());
+    return strUri.empty() || EqualText(strUri, context.GetDefaultNamespace());
 }
 
-CXmlWriter::CPrefix CXmlWriter::FindPrefix(CXmlWriterContext & context, std::u16string const & strUri)
+std::u16string const * CXmlWriter::FindKnownPrefix(CXmlWriterContext const & context, std::u16string const & strUri)
 {
     CNamespaceMap const & namespaces = context.GetNamespaces();
+    auto const holds = [&](LastAlias const & last) {
+        return last.pMap == &namespaces && last.nGeneration == m_nScopeGeneration &&
+               EqualText(last.pEntry->first, strUri);
+    };
+    if (holds(m_lastAlias))
+        return &m_lastAlias.pEntry->second;
     std::size_t nSlots = kFewestAliasSlots;
     while (nSlots < 2 * namespaces.size() && nSlots < kMostAliasSlots)
         nSlots *= 2;
     if (m_lastAliases.size() < nSlots)
         m_lastAliases.assign(nSlots, LastAlias());
     LastAlias & last = m_lastAliases[HashUri(strUri) & (m_lastAliases.size() - 1)];
-    if (last.pMap == &namespaces && last.nGeneration == m_nScopeGeneration && SameText(last.pEntry->first, strUri))
-        return {&last.pEntry->second, false};
-    auto const it = namespaces.find(strUri);
-    if (it == namespaces.end())
+    if (!holds(last))
     {
-        context.AddNamespace(strUri, GenerateNamespaceAlias(namespaces));
-        return {&context.GetNamespaces().find(strUri)->second, true};
+        auto const it = namespaces.find(strUri);
+        if (it == namespaces.end())
+            return nullptr;
+        last = {&*it, &namespaces, m_nScopeGeneration};
     }
-    last = {&*it, &namespaces, m_nScopeGeneration};
-    return {&it->second, false};
+    m_lastAlias = last;
+    return &last.pEntry->second;
+}
+
+CXmlWriter::CPrefix CXmlWriter::FindPrefix(CXmlWriterContext & context, std::u16string const & strUri)
+{
+    if (std::u16string const * const pAlias = FindKnownPrefix(context, strUri))
+        return {pAlias, false};
+    context.AddNamespace(strUri, GenerateNamespaceAlias(context.GetNamespaces()));
+    return {&context.GetNamespaces().find(strUri)->second, true};
+}
+
+void CXmlWriter::CountPassingContext()
+{
+    struct CPassing : CInstanceMonitor
+    {
+        CPassing() : CInstanceMonitor(g_contextName) {}
+    };
+    CPassing const passing;
 }
 
 void CXmlWriter::ThrowNoElement()

@@ -133,10 +133,16 @@ public:
     virtual void WriteAttributeView(
         std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType);
 
+    /// A whole element that holds nothing but the text: WriteStartElement, WriteTextView and WriteEndElement, which the
+    /// default calls. The text may be empty.
+    virtual void WriteElementView(
+        std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType);
+
     /// An alias that is no value of the map: "AA" to "ZZ", then three letters, and so on. It is not stored.
     static std::u16string GenerateNamespaceAlias(CNamespaceMap const & namespaces);
     /// Tells the open element how far the array of its collection is: 0 none, 1 about to be written, 2 opened,
-    /// 3 finished. Does nothing with no element open.
+    /// 3 finished. The writer closes a finished array later, so announcing one behind it stores 4; finishing one that
+    /// was never opened stores 0. Does nothing with no element open.
     void SetArrayState(std::int32_t eState) noexcept;
 
     /// The innermost open element, or null.
@@ -170,6 +176,10 @@ protected:
     static bool NeedsNoPrefix(CXmlWriterContext const & context, std::u16string const & strUri) noexcept;
     /// The alias of a namespace. If there is none, one is made up and added to the element.
     CPrefix FindPrefix(CXmlWriterContext & context, std::u16string const & strUri);
+    /// The alias of a namespace, or null if there is none.
+    std::u16string const * FindKnownPrefix(CXmlWriterContext const & context, std::u16string const & strUri);
+    /// Counts a record that comes and goes, for an element that is written without one.
+    static void CountPassingContext();
 
     std::u16string m_strDefaultNamespace;
     CXmlWriterContext * m_pContext = nullptr;
@@ -192,6 +202,7 @@ private:
     std::size_t m_nSlotsUsed = 0;
     /// Entries found lately, by a hash of the URI. They hold as long as the map of that generation lives.
     std::vector<LastAlias> m_lastAliases;
+    LastAlias m_lastAlias;
     std::uint64_t m_nScopeGeneration = 0;
 };
 

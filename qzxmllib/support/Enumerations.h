@@ -4,7 +4,7 @@ namespace QzXmlLib16
 {
 
 /// Character encoding of text output. The numbers are part of the interface.
-enum XmlEncoding
+enum XmlEncoding : int
 {
     XmlEncoding_None = 0,       ///< wide text; no octets can be produced
     XmlEncoding_UTF8 = 1,       ///< UTF-8 without a byte order mark
@@ -13,14 +13,14 @@ enum XmlEncoding
 };
 
 /// Line end of text output.
-enum EOLType
+enum EOLType : int
 {
     EOLType_CRLF = 0, ///< 13 10
     EOLType_LF = 1    ///< 10
 };
 
 /// Container into which finished output is compressed.
-enum CompressionType
+enum CompressionType : int
 {
     CompressionType_None = 0, ///< output as it is
     CompressionType_GZip = 1, ///< gzip, RFC 1952
@@ -28,7 +28,7 @@ enum CompressionType
 };
 
 /// XML declaration in front of a Fast Infoset document, as ITU-T X.891 clause 12.3 lists them.
-enum FInfoDecl
+enum FInfoDecl : int
 {
     FInfoDecl_None = 0,
     FInfoDecl_1 = 1,
@@ -43,7 +43,7 @@ enum FInfoDecl
 };
 
 /// Kind of schema from which the generated classes came.
-enum SchemaType
+enum SchemaType : int
 {
     SchemaType_Default = 0,
     SchemaType_Namespaces = 1,  ///< behaves as SchemaType_Default

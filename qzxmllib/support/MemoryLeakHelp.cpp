@@ -2,6 +2,7 @@
 
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cassert>
 #include <cstdint>
@@ -195,7 +196,7 @@ void CInstanceCounters::Retire(CInstanceCounters * pShard)
 void CInstanceCounters::CountUp(CInstanceMonitor & monitor, ClassType & ct)
 {
     monitor.m_pct = &ct;
-    CInstanceCounters * const pShard = OfThread();
+    CInstanceCounters * const pShard = t_pShard != nullptr ? t_pShard : OfThread();
     if (pShard != nullptr && ct.nIndex != kNotSharded && !ct.bDetached.load(std::memory_order_relaxed))
         pShard->Count(ct);
     else
@@ -221,6 +222,24 @@ CInstanceMonitor::CInstanceMonitor(char16_t const * name) : m_pct(nullptr)
         t_pShard->Remember(name, &ct, nGeneration);
 }
 
+CInstanceMonitor::CInstanceMonitor(CInstanceName & name) : m_pct(nullptr)
+{
+    unsigned const nGeneration = g_nGeneration.load(std::memory_order_relaxed);
+    CInstanceCounters * const pShard = t_pShard;
+    if (pShard != nullptr && name.m_nGeneration.load(std::memory_order_acquire) == nGeneration)
+    {
+        m_pct = name.m_pct.load(std::memory_order_relaxed);
+        pShard->Count(*m_pct);
+        return;
+    }
+    ClassType & ct = CInstanceCounters::Find(name.m_pszName);
+    CInstanceCounters::CountUp(*this, ct);
+    if (ct.nIndex == kNotSharded)
+        return;
+    name.m_pct.store(&ct, std::memory_order_relaxed);
+    name.m_nGeneration.store(nGeneration, std::memory_order_release);
+}
+
 CInstanceMonitor::CInstanceMonitor(CInstanceMonitor const & other) : m_pct(nullptr)
 {
     CInstanceCounters::CountUp(*this, *other.m_pct);
@@ -235,7 +254,7 @@ CInstanceMonitor::~CInstanceMonitor()
             delete m_pct;
         return;
     }
-    CInstanceCounters * const pShard = CInstanceCounters::OfThread();
+    CInstanceCounters * const pShard = t_pShard;
     if (pShard != nullptr && m_pct->nIndex != kNotSharded)
         CInstanceCounters::Add(pShard->aCounters[m_pct->nIndex].lInstanceCount, -1);
     else
@@ -252,8 +271,9 @@ std::u16string CInstanceMonitor::DumpState()
         if (!bFirst)
             strResult.append(u"\n");
         bFirst = false;
-        std::int64_t const nLive =
-            CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lInstanceCount, pct->lInstanceCount);
+        // Shards are read one by one, so an object on its way from thread to thread may count down only.
+        std::int64_t const nLive = std::max<std::int64_t>(
+            0, CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lInstanceCount, pct->lInstanceCount));
         std::int64_t const nTotal =
             CInstanceCounters::Sum(*pct, &CInstanceCounters::Counter::lTotalCount, pct->lTotalCount);
         strResult.append(QzXmlLib16::FormatString(

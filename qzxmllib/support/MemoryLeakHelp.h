@@ -23,6 +23,8 @@ private:
     std::recursive_mutex m_mutex;
 };
 
+class CInstanceName;
+
 /// Counts the live and the total instances of each monitored class by name and reports them when the library is
 /// unloaded, so that leaks show by class. Any thread may create and destroy monitored objects.
 class QZXMLLIB_API CInstanceMonitor
@@ -44,6 +46,10 @@ public:
     static void Cleanup();
 
     struct ClassType;
+
+protected:
+    /// As above, for a name whose record is remembered by name itself. For classes with many instances.
+    explicit CInstanceMonitor(CInstanceName & name);
 
 private:
     friend struct CInstanceCounters;

@@ -3,6 +3,7 @@
 #include "qzxmllib/support/FormatString.h"
 #include "qzxmllib/support/MemoryLeakHelp.h"
 
+#include <atomic>
 #include <string>
 
 /// Holds a CQZCriticalSection for the length of a block.
@@ -16,6 +17,21 @@ public:
 
 private:
     CQZCriticalSection & m_cs;
+};
+
+/// An instance name with the record it was found to have. A static object of the class that it names.
+class CInstanceName
+{
+public:
+    explicit constexpr CInstanceName(char16_t const * pszName) : m_pszName(pszName) {}
+
+private:
+    friend class CInstanceMonitor;
+
+    char16_t const * m_pszName;
+    std::atomic<CInstanceMonitor::ClassType *> m_pct{nullptr};
+    /// The generation of names for which the record holds; 0 for none.
+    std::atomic<unsigned> m_nGeneration{0};
 };
 
 /// Starts the report when the library is loaded and prints it when the library is unloaded.

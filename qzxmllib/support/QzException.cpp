@@ -43,7 +43,13 @@ CQzException & CQzException::operator=(CQzException const & other)
 
 CQzException::~CQzException()
 {
-    delete m_pInnerException;
+    // Link by link, as a chain has one for each level of a deep object.
+    while (m_pInnerException != nullptr)
+    {
+        CQzException * const pLink = m_pInnerException;
+        m_pInnerException = std::exchange(pLink->m_pInnerException, nullptr);
+        delete pLink;
+    }
 }
 
 std::u16string CQzException::GetMessageW() const
@@ -59,7 +65,7 @@ std::u16string CQzException::GetPath() const
 std::u16string CQzException::GetFullMessage() const
 {
     std::u16string strResult = m_strMessage;
-    for (CQzException const * p = m_pInnerException; p != nullptr; p = p->m_pInnerException)
+    for (CQzException const * p = GetInnerException(); p != nullptr; p = p->GetInnerException())
         strResult.append(u"\n").append(p->m_strMessage);
     return strResult;
 }

@@ -40,6 +40,9 @@ protected:
 private:
     std::u16string m_strMessage;
     std::u16string m_strPath;
+    friend struct CExceptionChain;
+
+    /// A private copy, made by Clone.
     CQzException * m_pInnerException = nullptr;
 };
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cassert>
-#include <cstddef>
 #include <type_traits>
 
 namespace QzXmlLib16
@@ -15,7 +14,6 @@ class CSmartPtr
 {
 public:
     CSmartPtr() noexcept = default;
-    CSmartPtr(std::nullptr_t) noexcept {}
     /// Takes one count of p. p may be null.
     CSmartPtr(T * p) : m_p(p) { AddRefIfSet(); }
     CSmartPtr(CSmartPtr const & other) : m_p(other.m_p) { AddRefIfSet(); }
@@ -43,7 +41,6 @@ public:
             pOld->Release();
         return *this;
     }
-    CSmartPtr & operator=(std::nullptr_t) { return *this = static_cast<T *>(nullptr); }
     CSmartPtr & operator=(CSmartPtr const & other) { return *this = other.m_p; }
     CSmartPtr & operator=(CSmartPtr && other)
     {
@@ -63,7 +60,7 @@ public:
         return *this = static_cast<T *>(other.Get());
     }
 
-    /// The raw pointer, without a check and without a count.
+    /// The raw pointer, without a check and without a count. All comparisons go through it.
     operator T *() const noexcept { return m_p; }
     T * Get() const noexcept { return m_p; }
     /// Requires a non-null pointer.
@@ -78,23 +75,6 @@ public:
         return *m_p;
     }
 
-    // Each pairing has its own exact match, so that neither the conversion to T * nor the rewritten operators of C++20
-    // leave a comparison ambiguous.
-    friend bool operator==(CSmartPtr const & a, CSmartPtr const & b) noexcept { return a.m_p == b.m_p; }
-    friend bool operator!=(CSmartPtr const & a, CSmartPtr const & b) noexcept { return a.m_p != b.m_p; }
-    friend bool operator==(CSmartPtr const & a, T const * b) noexcept { return a.m_p == b; }
-    friend bool operator!=(CSmartPtr const & a, T const * b) noexcept { return a.m_p != b; }
-    friend bool operator==(T const * a, CSmartPtr const & b) noexcept { return a == b.m_p; }
-    friend bool operator!=(T const * a, CSmartPtr const & b) noexcept { return a != b.m_p; }
-    friend bool operator==(CSmartPtr const & a, T * b) noexcept { return a.m_p == b; }
-    friend bool operator!=(CSmartPtr const & a, T * b) noexcept { return a.m_p != b; }
-    friend bool operator==(T * a, CSmartPtr const & b) noexcept { return a == b.m_p; }
-    friend bool operator!=(T * a, CSmartPtr const & b) noexcept { return a != b.m_p; }
-    friend bool operator==(CSmartPtr const & a, std::nullptr_t) noexcept { return a.m_p == nullptr; }
-    friend bool operator!=(CSmartPtr const & a, std::nullptr_t) noexcept { return a.m_p != nullptr; }
-    friend bool operator==(std::nullptr_t, CSmartPtr const & b) noexcept { return b.m_p == nullptr; }
-    friend bool operator!=(std::nullptr_t, CSmartPtr const & b) noexcept { return b.m_p != nullptr; }
-
 private:
     void AddRefIfSet() const
     {
@@ -104,17 +84,5 @@ private:
 
     T * m_p = nullptr;
 };
-
-/// Compares two pointers to different classes of one family by the object they point to.
-template <class T, class U, class = std::enable_if_t<!std::is_same_v<T, U>>>
-bool operator==(CSmartPtr<T> const & a, CSmartPtr<U> const & b) noexcept
-{
-    return a.Get() == b.Get();
-}
-template <class T, class U, class = std::enable_if_t<!std::is_same_v<T, U>>>
-bool operator!=(CSmartPtr<T> const & a, CSmartPtr<U> const & b) noexcept
-{
-    return a.Get() != b.Get();
-}
 
 } // namespace QzXmlLib16

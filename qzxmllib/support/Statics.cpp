@@ -3,6 +3,7 @@
 // everything else that may own a monitored object.
 
 #include "qzxmllib/binding/SerializationContext.h"
+#include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/support/MemoryLeakHelp.h"
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 
@@ -20,5 +21,6 @@ namespace QzXmlLib16
 {
 
 CSerializationContext CSerializationContext::m_defaultContext;
+CQZCriticalSection CXmlGeneratedClass::m_csInit;
 
 } // namespace QzXmlLib16

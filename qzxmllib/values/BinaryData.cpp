@@ -230,7 +230,7 @@ void CBinaryData::Append(char16_t c)
 
 void CBinaryData::AppendWide(char16_t const * pText, std::size_t nUnits)
 {
-    if (nUnits > CBinaryDataBuffer::kMaxLength / 2)
+    if (nUnits > (CBinaryDataBuffer::kMaxLength - GetLength()) / 2)
         throw CQzException(u"Binary data too large.");
     // A code unit goes out low octet first, which is how this processor holds it where it is little-endian.
     static constexpr std::size_t kChunk = 2048;

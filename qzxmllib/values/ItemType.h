@@ -4,7 +4,7 @@ namespace QzXmlLib16
 {
 
 /// The primitive kinds. The numbers are part of the interface: generated code stores them.
-enum ItemType
+enum ItemType : int
 {
     ItemType_Invalid = 0,
     ItemType_hexBinary = 1,

@@ -134,7 +134,7 @@ TEST(XmlGeneratedClassTest, TextProperty)
 
 TEST(XmlGeneratedClassTest, UnknownGroupType)
 {
-    CTableSchema schema(Info(static_cast<XmlElementGroupType>(3), XmlElementType_Element, u"r", false));
+    CTableSchema schema(Info(static_cast<XmlElementGroupType>(7), XmlElementType_Element, u"r", false));
     CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
     EXPECT_EQ(FullMessage([&] { spObject->FromXml("<r/>"); }),
         "validation: Failed to process the element.\nPath: /r\nUnknown Group Type");

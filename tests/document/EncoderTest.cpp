@@ -60,7 +60,7 @@ class EncoderPairTest : public testing::TestWithParam<Pair>
 /// The text is tried at every offset around the stretches of 16 that are converted at once.
 TEST_P(EncoderPairTest, BothWaysAtAnyOffset)
 {
-    for (std::size_t nBefore : {0, 1, 7, 15, 16, 17, 33})
+    for (std::size_t nBefore : {0u, 1u, 7u, 15u, 16u, 17u, 33u})
     {
         std::u16string const strText =
             std::u16string(nBefore, u'a') + GetParam().strText + std::u16string(40 - nBefore, u'b');
@@ -94,7 +94,7 @@ TEST(EncoderTest, IllFormedOctetsAreRefused)
     for (char const * pszBad :
         {"\x80", "\xC0\x80", "\xC1\xBF", "\xC2", "\xC2\x41", "\xE0\x9F\xBF", "\xE1\x80", "\xE1\x80\xC0", "\xED\xA0\x80",
             "\xF0\x8F\xBF\xBF", "\xF1\x80\x80", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"})
-        for (std::size_t nBefore : {0, 3, 20})
+        for (std::size_t nBefore : {0u, 3u, 20u})
             EXPECT_EQ(MessageOf([&] { Decode(std::string(nBefore, 'x') + pszBad); }),
                 FormatString(u"Failed to convert text from UTF-8. Invalid sequence at position [%d].", nBefore))
                 << testing::PrintToString(std::string(pszBad));

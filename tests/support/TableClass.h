@@ -152,9 +152,9 @@ public:
 
     CTableClass * Add()
     {
-        auto * const pItem = new CTableClass(m_schema, m_strElementName.c_str());
-        AppendItem(pItem);
-        return pItem;
+        QzXmlLib16::CSmartPtr<CTableClass> const spItem(new CTableClass(m_schema, m_strElementName.c_str()));
+        AppendItem(spItem);
+        return spItem;
     }
 
     using CXmlCollection::AddAfterItem;

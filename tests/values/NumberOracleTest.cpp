@@ -3,11 +3,10 @@
 #include "qzxmllib/values/BigInteger.h"
 #include "qzxmllib/values/Decimal.h"
 
-#include <gmp.h>
+#include <gmpxx.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 #include <string>
 
@@ -23,86 +22,49 @@ std::u16string Widen(std::string const & strText)
     return std::u16string(strText.begin(), strText.end());
 }
 
-class CMpz
+std::u16string Text(mpz_class const & value)
 {
-public:
-    CMpz() { mpz_init(m_z); }
-    explicit CMpz(std::string const & strText) { mpz_init_set_str(m_z, strText.c_str(), 10); }
-    CMpz(CMpz const & other) { mpz_init_set(m_z, other.m_z); }
-    CMpz & operator=(CMpz const & other)
-    {
-        mpz_set(m_z, other.m_z);
-        return *this;
-    }
-    ~CMpz() { mpz_clear(m_z); }
-    mpz_ptr Get() const { return const_cast<mpz_ptr>(m_z); }
-    int Sign() const { return mpz_sgn(m_z); }
-    std::string Text() const
-    {
-        char * pText = mpz_get_str(nullptr, 10, m_z);
-        std::string strText(pText);
-        std::free(pText);
-        return strText;
-    }
-
-private:
-    mpz_t m_z;
-};
-
-template <class F>
-CMpz Apply(F * fn, CMpz const & a, CMpz const & b)
-{
-    CMpz result;
-    fn(result.Get(), a.Get(), b.Get());
-    return result;
+    return Widen(value.get_str());
 }
 
-CMpz Pow10(unsigned long n)
+mpz_class Pow10(std::size_t n)
 {
-    CMpz result;
-    mpz_ui_pow_ui(result.Get(), 10, n);
-    return result;
+    return mpz_class("1" + std::string(n, '0'));
 }
 
 // A whole number with a point in front of its last nPlaces digits.
 struct Scaled
 {
-    CMpz value;
-    unsigned long nPlaces;
+    mpz_class value;
+    std::size_t nPlaces;
 
-    CMpz At(unsigned long nMore) const { return Apply(mpz_mul, value, Pow10(nMore - nPlaces)); }
     // Cuts to the places, and goes one away from zero if the part cut off is above half, or also at half.
-    Scaled Rounded(unsigned long nKept, bool bHalfAway) const
+    Scaled Rounded(std::size_t nKept, bool bHalfAway) const
     {
         if (nKept >= nPlaces)
             return *this;
-        CMpz const unit = Pow10(nPlaces - nKept);
-        CMpz quotient, rest;
-        mpz_tdiv_qr(quotient.Get(), rest.Get(), value.Get(), unit.Get());
-        mpz_mul_ui(rest.Get(), rest.Get(), 2);
-        int nOrder = mpz_cmpabs(rest.Get(), unit.Get());
-        if (nOrder > 0 || (nOrder == 0 && bHalfAway))
-            (value.Sign() > 0 ? mpz_add_ui : mpz_sub_ui)(quotient.Get(), quotient.Get(), 1);
-        return {quotient, nKept};
+        mpz_class const unit = Pow10(nPlaces - nKept);
+        mpz_class const twice = abs(mpz_class(value % unit)) * 2;
+        bool bUp = twice > unit || (bHalfAway && twice == unit);
+        return {value / unit + (bUp ? sgn(value) : 0), nKept};
     }
     // Takes zeros at the end away, then rounds to the limit of places, which may bring up new ones.
     Scaled Limited() const
     {
         Scaled result(*this);
-        for (; result.nPlaces > 1 && mpz_divisible_ui_p(result.value.Get(), 10) != 0; --result.nPlaces)
-            mpz_divexact_ui(result.value.Get(), result.value.Get(), 10);
+        for (; result.nPlaces > 1 && result.value % 10 == 0; --result.nPlaces)
+            result.value /= 10;
         return result.Rounded(30, false);
     }
-    std::string Text() const
+    std::u16string Text() const
     {
-        std::string strText = value.Text();
-        std::size_t nFirst = value.Sign() < 0 ? 1 : 0;
-        if (strText.size() - nFirst <= nPlaces)
-            strText.insert(nFirst, nPlaces + 1 - (strText.size() - nFirst), '0');
-        strText.insert(strText.size() - nPlaces, ".");
-        if (strText.find_last_not_of('0') == strText.size() - nPlaces - 1)
-            strText.resize(strText.size() - nPlaces - 1);
-        return strText;
+        std::string strText = mpz_class(abs(value)).get_str();
+        strText.insert(0, nPlaces + 1 - std::min(strText.size(), nPlaces + 1), '0');
+        if (value % Pow10(nPlaces) == 0)
+            strText.resize(strText.size() - nPlaces);
+        else
+            strText.insert(strText.size() - nPlaces, ".");
+        return Widen((sgn(value) < 0 ? "-" : "") + strText);
     }
 };
 
@@ -136,28 +98,21 @@ TEST_F(NumberOracleTest, IntegersAgree)
         std::string const strA = Integer(), strB = Integer();
         SCOPED_TRACE(strA + " and " + strB);
         CBigInteger const a(Widen(strA)), b(Widen(strB));
-        CMpz const za(strA), zb(strB);
-        ASSERT_EQ(a.ToString(), Widen(za.Text()));
-        ASSERT_EQ((a + b).ToString(), Widen(Apply(mpz_add, za, zb).Text()));
-        ASSERT_EQ((a - b).ToString(), Widen(Apply(mpz_sub, za, zb).Text()));
-        ASSERT_EQ((a * b).ToString(), Widen(Apply(mpz_mul, za, zb).Text()));
-        if (zb.Sign() != 0)
+        mpz_class const za(strA, 10), zb(strB, 10);
+        ASSERT_EQ(a.ToString(), Text(za));
+        ASSERT_EQ((a + b).ToString(), Text(za + zb));
+        ASSERT_EQ((a - b).ToString(), Text(za - zb));
+        ASSERT_EQ((a * b).ToString(), Text(za * zb));
+        ASSERT_EQ(a == b, za == zb);
+        if (zb != 0)
         {
-            ASSERT_EQ((a / b).ToString(), Widen(Apply(mpz_tdiv_q, za, zb).Text()));
-            ASSERT_EQ((a % b.GetAbs()).ToString(), Widen(Apply(mpz_tdiv_r, za, zb).Text()));
+            ASSERT_EQ(a < b, za < zb);
+            ASSERT_EQ((a / b).ToString(), Text(za / zb));
+            ASSERT_EQ((a % b.GetAbs()).ToString(), Text(za % zb));
         }
-        if (za.Sign() != 0 || zb.Sign() != 0)
-        {
-            int nOrder = mpz_cmp(za.Get(), zb.Get());
-            ASSERT_EQ(a < b, nOrder < 0);
-            ASSERT_EQ(a == b, nOrder == 0);
-        }
-        CMpz root, magnitude;
-        mpz_abs(magnitude.Get(), za.Get());
-        mpz_sqrt(root.Get(), magnitude.Get());
-        ASSERT_EQ(a.GetAbs().SquareRoot().ToString(), Widen(root.Text()));
-        CBigInteger const square(Widen(Apply(mpz_mul, root, root).Text()));
-        ASSERT_EQ(square.SquareRoot().ToString(), Widen(root.Text()));
+        mpz_class const root = sqrt(mpz_class(abs(za)));
+        ASSERT_EQ(a.GetAbs().SquareRoot().ToString(), Text(root));
+        ASSERT_EQ(CBigInteger(Text(root * root)).SquareRoot().ToString(), Text(root));
     }
 }
 
@@ -165,32 +120,26 @@ TEST_F(NumberOracleTest, DecimalsAgree)
 {
     for (int i = 0; i < kRounds; ++i)
     {
-        std::string astrText[2];
-        Scaled aScaled[2];
-        for (int k = 0; k < 2; ++k)
+        std::string const strA = Integer().substr(0, 30), strB = Integer().substr(0, 30);
+        std::string const strFractionA = Digits(40), strFractionB = Digits(40);
+        SCOPED_TRACE(strA + "." + strFractionA + " and " + strB + "." + strFractionB);
+        CDecimal const a(Widen(strA + "." + strFractionA)), b(Widen(strB + "." + strFractionB));
+        Scaled const scaled = Scaled{mpz_class(strA + strFractionA, 10), strFractionA.size()}.Limited();
+        Scaled const other = Scaled{mpz_class(strB + strFractionB, 10), strFractionB.size()}.Limited();
+        mpz_class const za = scaled.value * Pow10(40 - scaled.nPlaces), zb = other.value * Pow10(40 - other.nPlaces);
+        ASSERT_EQ(a.ToString(), scaled.Text());
+        ASSERT_EQ((a + b).ToString(), (Scaled{za + zb, 40}.Limited().Text()));
+        ASSERT_EQ((a - b).ToString(), (Scaled{za - zb, 40}.Limited().Text()));
+        ASSERT_EQ((a * b).ToString(), (Scaled{za * zb, 80}.Limited().Text()));
+        if (zb != 0)
         {
-            std::string const strInteger = Integer().substr(0, 30), strFraction = Digits(40);
-            astrText[k] = strInteger + "." + strFraction;
-            aScaled[k] = Scaled{CMpz(strInteger + strFraction), strFraction.size()}.Limited();
+            ASSERT_EQ((a / b).ToString(), (Scaled{za * Pow10(32) / zb, 32}.Limited().Text()));
         }
-        SCOPED_TRACE(astrText[0] + " and " + astrText[1]);
-        CDecimal const a(Widen(astrText[0])), b(Widen(astrText[1]));
-        CMpz const za = aScaled[0].At(40), zb = aScaled[1].At(40);
-        ASSERT_EQ(a.ToString(), Widen(aScaled[0].Text()));
-        ASSERT_EQ((a + b).ToString(), Widen(Scaled{Apply(mpz_add, za, zb), 40}.Limited().Text()));
-        ASSERT_EQ((a - b).ToString(), Widen(Scaled{Apply(mpz_sub, za, zb), 40}.Limited().Text()));
-        ASSERT_EQ((a * b).ToString(), Widen(Scaled{Apply(mpz_mul, za, zb), 80}.Limited().Text()));
-        if (zb.Sign() != 0)
-        {
-            Scaled const quotient{Apply(mpz_tdiv_q, Apply(mpz_mul, za, Pow10(32)), zb), 32};
-            ASSERT_EQ((a / b).ToString(), Widen(quotient.Limited().Text()));
-        }
-        int nOrder = mpz_cmp(za.Get(), zb.Get());
-        ASSERT_TRUE((a < b) == (nOrder < 0) && (a > b) == (nOrder > 0) && (a == b) == (nOrder == 0));
-        ASSERT_EQ(a.ToBigInteger().ToString(), Widen(aScaled[0].Rounded(0, false).Text()));
-        int nPlaces = static_cast<int>(Below(30));
-        ASSERT_EQ(CDecimal(a.ToString(nPlaces)).ToString(),
-            Widen(aScaled[0].Rounded(static_cast<unsigned long>(nPlaces), true).Limited().Text()));
+        ASSERT_TRUE((a < b) == (za < zb) && (a > b) == (za > zb) && (a == b) == (za == zb));
+        ASSERT_EQ(a.ToBigInteger().ToString(), scaled.Rounded(0, false).Text());
+        std::size_t const nPlaces = Below(30);
+        ASSERT_EQ(
+            CDecimal(a.ToString(static_cast<int>(nPlaces))).ToString(), scaled.Rounded(nPlaces, true).Limited().Text());
     }
 }
 

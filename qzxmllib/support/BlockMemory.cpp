@@ -1,4 +1,4 @@
-#include "qzxmllib/document/BlockMemoryInternal.h"
+#include "qzxmllib/support/BlockMemoryInternal.h"
 
 #include <cstdint>
 #include <new>
@@ -10,15 +10,28 @@ namespace QzXmlLib16
 namespace
 {
 
-constexpr std::size_t kSpareBlocks = 16;
-constexpr std::size_t kLargestSpareBlock = 512 * 1024;
-constexpr std::size_t kMostSpareOctets = 1024 * 1024 + 64 * 1024;
-
+constexpr std::size_t kSpareBlocks = 24;
 constexpr std::size_t kLargeOctets = 2 * 1024 * 1024; // the size of a large page as well
+constexpr std::size_t kLargestSpareBlock = kLargeOctets;
+constexpr std::size_t kMostSpareOctets = 2 * kLargeOctets;
+
 constexpr std::uintptr_t kPage = 4096;
 
 /// Outlives the blocks below, as outputs may still be destroyed when the thread has dropped them.
 thread_local bool t_bSparesGone = false;
+
+constexpr std::uintptr_t RoundUp(std::uintptr_t n, std::uintptr_t nUnit)
+{
+    return (n + nUnit - 1) & ~(nUnit - 1);
+}
+
+void FreeBlock(void * pBlock, std::size_t nOctets) noexcept
+{
+    if (nOctets >= kLargeOctets)
+        ::munmap(pBlock, RoundUp(nOctets, kPage));
+    else
+        ::operator delete(pBlock);
+}
 
 struct SpareBlocks
 {
@@ -32,7 +45,7 @@ struct SpareBlocks
     {
         t_bSparesGone = true;
         for (std::size_t nIndex = 0; nIndex < nCount; ++nIndex)
-            ::operator delete(aSpares[nIndex].pBlock);
+            FreeBlock(aSpares[nIndex].pBlock, aSpares[nIndex].nOctets);
     }
 
     Spare aSpares[kSpareBlocks];
@@ -41,11 +54,6 @@ struct SpareBlocks
 };
 
 thread_local SpareBlocks t_spares;
-
-constexpr std::uintptr_t RoundUp(std::uintptr_t n, std::uintptr_t nUnit)
-{
-    return (n + nUnit - 1) & ~(nUnit - 1);
-}
 
 /// A block straight from the platform, placed so that it can consist of large pages.
 void * MapLargeBlock(std::size_t nOctets)
@@ -70,8 +78,6 @@ void * MapLargeBlock(std::size_t nOctets)
 
 void * TakeBlock(std::size_t nOctets)
 {
-    if (nOctets >= kLargeOctets)
-        return MapLargeBlock(nOctets);
     if (!t_bSparesGone)
     {
         SpareBlocks & spares = t_spares;
@@ -85,17 +91,13 @@ void * TakeBlock(std::size_t nOctets)
             return pBlock;
         }
     }
-    return ::operator new(nOctets);
+    return nOctets >= kLargeOctets ? MapLargeBlock(nOctets) : ::operator new(nOctets);
 }
 
 void GiveBackBlock(void * pBlock, std::size_t nOctets) noexcept
 {
-    if (nOctets >= kLargeOctets)
-    {
-        ::munmap(pBlock, RoundUp(nOctets, kPage));
-        return;
-    }
-    if (!t_bSparesGone && nOctets <= kLargestSpareBlock)
+    // Blocks of odd sizes are not asked for again.
+    if (!t_bSparesGone && nOctets <= kLargestSpareBlock && (nOctets & (nOctets - 1)) == 0)
     {
         SpareBlocks & spares = t_spares;
         if (spares.nCount < kSpareBlocks && nOctets <= kMostSpareOctets - spares.nOctetsHeld)
@@ -105,7 +107,7 @@ void GiveBackBlock(void * pBlock, std::size_t nOctets) noexcept
             return;
         }
     }
-    ::operator delete(pBlock);
+    FreeBlock(pBlock, nOctets);
 }
 
 void AdviseLargePages(void * p, std::size_t nOctets) noexcept

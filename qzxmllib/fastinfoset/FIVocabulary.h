@@ -1,0 +1,173 @@
+#pragma once
+
+#include "qzxmllib/support/Export.h"
+#include "qzxmllib/support/Forward.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace QzXmlLib16
+{
+
+/// The tables of a Fast Infoset document (ITU-T X.891, clause 8): each gives an index, counted from 1, to a string or
+/// a qualified name. A writer looks up strings, a reader looks up indexes; what the operations below add serves both.
+/// A table holds 1048576 entries; what is added beyond is dropped without a failure, as is a string that is already
+/// there.
+class QZXMLLIB_API CFIVocabulary
+{
+public:
+    /// A qualified name as three indexes. The index 0 stands for a part that is absent.
+    class CQNameParts
+    {
+    public:
+        CQNameParts(std::uint32_t dwPrefixIndex, std::uint32_t dwNamespaceIndex, std::uint32_t dwLocalNameIndex)
+            : m_dwPrefixIndex(dwPrefixIndex), m_dwNamespaceIndex(dwNamespaceIndex), m_dwLocalNameIndex(dwLocalNameIndex)
+        {
+        }
+
+        std::uint32_t m_dwPrefixIndex;
+        std::uint32_t m_dwNamespaceIndex;
+        std::uint32_t m_dwLocalNameIndex;
+    };
+
+    /// Strings by index.
+    class QZXMLLIB_API CFIStringTable
+    {
+    public:
+        using const_iterator = std::vector<std::u16string>::const_iterator;
+
+        CFIStringTable() = default;
+        CFIStringTable(CFIStringTable const &) = default;
+        CFIStringTable & operator=(CFIStringTable const &) = default;
+        virtual ~CFIStringTable();
+
+        const_iterator begin() const { return m_table.begin(); }
+        const_iterator end() const { return m_table.end(); }
+
+    private:
+        friend class CFIVocabulary;
+        friend class CFastInfosetReader;
+
+        std::vector<std::u16string> m_table;
+    };
+
+    /// Qualified names by index.
+    class QZXMLLIB_API CFIQNameTable
+    {
+    public:
+        using const_iterator = std::vector<CQNameParts>::const_iterator;
+
+        CFIQNameTable() = default;
+        CFIQNameTable(CFIQNameTable const &) = default;
+        CFIQNameTable & operator=(CFIQNameTable const &) = default;
+        virtual ~CFIQNameTable();
+
+        const_iterator begin() const { return m_table.begin(); }
+        const_iterator end() const { return m_table.end(); }
+
+    private:
+        friend class CFIVocabulary;
+        friend class CFastInfosetReader;
+
+        std::vector<CQNameParts> m_table;
+    };
+
+    /// Holds the prefix "xml", its namespace and the two restricted alphabets of X.891, and nothing else.
+    CFIVocabulary();
+    CFIVocabulary & operator=(CFIVocabulary const & other);
+    virtual ~CFIVocabulary();
+
+    void AddPrefixName(std::u16string const & strPrefix);
+    void AddNamespaceName(std::u16string const & strNamespace);
+    void AddLocalName(std::u16string const & strLocalName);
+    void AddAttributeValue(std::u16string const & strValue);
+    /// A string of the table of character chunks.
+    void AddElementValue(std::u16string const & strValue);
+    /// Adds a name and those of its parts that are not there yet. Prefix and namespace may be empty. If one part finds
+    /// its table full, nothing is added.
+    void AddAttribute(
+        std::u16string const & strPrefix, std::u16string const & strNamespace, std::u16string const & strLocalName);
+    void AddElement(
+        std::u16string const & strPrefix, std::u16string const & strNamespace, std::u16string const & strLocalName);
+
+    CFIQNameTable const & GetAttributeNamesTable() const { return m_attributeNames; }
+    CFIQNameTable const & GetElementNamesTable() const { return m_elementNames; }
+    CFIStringTable const & GetAttributeValuesTable() const { return m_attributeValues; }
+    CFIStringTable const & GetCharacterChunksTable() const { return m_characterChunks; }
+    CFIStringTable const & GetLocalNamesTable() const { return m_localNames; }
+    CFIStringTable const & GetNamespaceNamesTable() const { return m_namespaceNames; }
+    CFIStringTable const & GetPrefixNamesTable() const { return m_prefixNames; }
+
+    /// Prints what a writer would find, ordered by string, to standard output in UTF-8.
+    void Dump() const;
+
+private:
+    friend class CFastInfosetReader;
+    friend class CFastInfosetWriter;
+
+    /// Index of each string that was added, in the order of adding.
+    class CIndexMap
+    {
+    public:
+        CIndexMap();
+
+        /// True with the index of the key; false with dwIndex untouched if the key is absent.
+        bool Find(std::u16string_view key, std::uint32_t & dwIndex) const noexcept;
+        std::uint32_t Size() const noexcept { return static_cast<std::uint32_t>(m_keys.size()); }
+        /// The key of an index.
+        std::u16string const & Key(std::uint32_t dwIndex) const { return m_keys[dwIndex - 1]; }
+        /// Requires that the key is absent. Does nothing when the map is full.
+        void Add(std::u16string_view key);
+
+    private:
+        struct Slot
+        {
+            std::uint32_t dwHash = 0;
+            std::uint32_t dwIndex = 0;
+        };
+
+        std::uint32_t Hash(std::u16string_view key) const noexcept;
+        void Place(Slot slot) noexcept;
+
+        std::uint64_t m_nSeed;
+        std::deque<std::u16string> m_keys;
+        std::vector<Slot> m_slots;
+    };
+
+    static constexpr std::size_t kMaxEntries = 1048576;
+
+    CFIVocabulary(CFIVocabulary const & other);
+
+    /// Key of a qualified name in the maps. No part of a name holds the separator, which XML does not allow.
+    static std::u16string NameKey(
+        std::u16string_view prefix, std::u16string_view namespaceName, std::u16string_view localName);
+    static void AddValueToVector(std::u16string_view value, std::vector<std::u16string> & table);
+    static void AddQNameToVector(CQNameParts const & parts, std::vector<CQNameParts> & table);
+    static void AddValue(std::u16string const & strValue, CIndexMap & map, CFIStringTable & table);
+    static bool CanAdd(std::u16string const & strValue, CIndexMap const & map, CFIStringTable const & table);
+    static std::uint32_t AddPart(std::u16string const & strValue, CIndexMap & map, CFIStringTable & table);
+    void AddQName(std::u16string const & strPrefix, std::u16string const & strNamespace,
+        std::u16string const & strLocalName, CIndexMap & map, CFIQNameTable & table);
+
+    std::vector<std::u16string> m_restrictedAlphabets;
+    CIndexMap m_mapAttributeNames;
+    CIndexMap m_mapAttributeValues;
+    CIndexMap m_mapElementNames;
+    CIndexMap m_mapCharacterChunks;
+    CIndexMap m_mapLocalNames;
+    CIndexMap m_mapNamespaceNames;
+    CIndexMap m_mapPrefixNames;
+    CFIQNameTable m_attributeNames;
+    CFIStringTable m_attributeValues;
+    CFIQNameTable m_elementNames;
+    CFIStringTable m_characterChunks;
+    CFIStringTable m_localNames;
+    CFIStringTable m_namespaceNames;
+    CFIStringTable m_prefixNames;
+};
+
+} // namespace QzXmlLib16

@@ -1,0 +1,673 @@
+#include "qzxmllib/fastinfoset/FastInfosetReader.h"
+
+#include "qzxmllib/binding/SerializationContext.h"
+#include "qzxmllib/document/Encoder.h"
+#include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
+#include "qzxmllib/fastinfoset/FastInfosetContext.h"
+#include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
+#include "qzxmllib/support/QzException.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+constexpr std::uint32_t kCdata = 10;
+
+// Octets, or their upper six bits, that begin something other than an element or text.
+constexpr unsigned char kInstruction = 0xE1;
+constexpr unsigned char kComment = 0xE2;
+constexpr unsigned char kDocumentType = 0xC4 >> 2;
+constexpr unsigned char kEntityReference = 0xC8 >> 2;
+constexpr unsigned char kNamespaceAttribute = 0xCC >> 2;
+
+constexpr char16_t kPrefixes[] = u"prefixes";
+constexpr char16_t kNamespaceNames[] = u"namespace names";
+constexpr char16_t kLocalNames[] = u"local names";
+constexpr char16_t kElementNames[] = u"element names";
+constexpr char16_t kAttributeNames[] = u"attribute names";
+constexpr char16_t kAttributeValues[] = u"attribute values";
+constexpr char16_t kCharacterChunks[] = u"character chunks";
+
+constexpr char16_t kBadLengthOnBit2[] =
+    u"Failed to parse FastInfoset. Invalid NonEmptyOctetString type  on the second bit of an octet.";
+constexpr char16_t kBadLengthOnBit5[] =
+    u"Failed to parse FastInfoset. Invalid NonEmptyOctetString type  on the fifth bit of an octet.";
+constexpr char16_t kBadIntegerOnBit3[] =
+    u"Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.";
+constexpr char16_t kBadIntegerOnBit4[] =
+    u"Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an octet.";
+
+[[noreturn]] void ThrowEndOfFile()
+{
+    throw CQzException(u"Failed to parse FastInfoset. Unexpected End of File.");
+}
+
+[[noreturn]] void ThrowBadIndex(std::uint32_t dwIndex, char16_t const * pszTable)
+{
+    throw CQzException(
+        FormatString(u"Failed to parse FastInfoset. Invalid index [%d] in the table of %s.", dwIndex, pszTable));
+}
+
+/// The only way from an index of the input to an entry.
+template <class Table>
+auto & At(Table & table, std::uint32_t dwIndex, char16_t const * pszTable)
+{
+    if (dwIndex - 1 >= table.size())
+        ThrowBadIndex(dwIndex, pszTable);
+    return table[dwIndex - 1];
+}
+
+/// Whether the octets are ASCII without the octet 0, so that text in UTF-8 needs no further test.
+bool IsPlainAscii(unsigned char const * pOctets, std::size_t nOctets) noexcept
+{
+    static constexpr std::uint64_t kOnes = 0x0101010101010101u;
+    static constexpr std::uint64_t kHighs = 0x8080808080808080u;
+    std::uint64_t nFound = 0;
+    std::size_t nAt = 0;
+    for (; nAt + sizeof(std::uint64_t) <= nOctets; nAt += sizeof(std::uint64_t))
+    {
+        std::uint64_t nEight;
+        std::memcpy(&nEight, pOctets + nAt, sizeof nEight);
+        // The subtraction borrows from the high bit of an octet 0.
+        nFound |= nEight | (nEight - kOnes);
+    }
+    if ((nFound & kHighs) != 0)
+        return false;
+    unsigned dwFound = 0;
+    for (; nAt < nOctets; ++nAt)
+        dwFound |= pOctets[nAt] | (pOctets[nAt] - 1u);
+    return (dwFound & 0x80) == 0;
+}
+
+} // namespace
+
+CFastInfosetReader::CFastInfosetReader(CFastInfosetContext const & context, CXmlDocument & doc)
+    : CInstanceMonitor(u"CFastInfosetReader"), m_pFIContext(&context), m_doc(doc)
+{
+}
+
+CFastInfosetReader::~CFastInfosetReader() = default;
+
+bool CFastInfosetReader::ReadDocument(unsigned char const * pOctets, std::size_t nOctets)
+{
+    m_pCurrent = pOctets;
+    m_pEnd = pOctets + nOctets;
+    if (!StepOverIdentification())
+    {
+        bool const bDeclared = std::any_of(std::begin(kDeclarations), std::end(kDeclarations),
+            [this](std::string_view declaration) { return StepOver(declaration.data(), declaration.size()); });
+        if (!bDeclared || !StepOverIdentification())
+            return false;
+    }
+    CReadLimits const & limits = m_doc.GetContext().GetReadLimits();
+    m_nMaxDepth = limits.nMaxDepth != 0 ? limits.nMaxDepth : std::numeric_limits<std::size_t>::max();
+    m_nMaxNamedUnits = limits.nMaxAmplification != 0 && limits.nMaxAmplifiedUnits != 0
+                           ? std::max(limits.nMaxAmplifiedUnits, std::uint64_t(nOctets) * limits.nMaxAmplification)
+                           : std::numeric_limits<std::uint64_t>::max();
+    m_pVocabulary.reset(m_pFIContext->GetUseGeneratedVocabulary() ? new CFIVocabulary(*m_pFIContext->GetVocabulary())
+                                                                  : new CFIVocabulary());
+    m_elementNames.assign(m_pVocabulary->m_elementNames.m_table.size(), nullptr);
+    m_attributeNames.assign(m_pVocabulary->m_attributeNames.m_table.size(), nullptr);
+    SkipHeader();
+    ReadChildren();
+    if (m_doc.m_pDocumentElement == nullptr)
+        throw CQzException(u"Failed to parse FastInfoset. The document has no element.");
+    return true;
+}
+
+/// True if the octets come next and others follow them.
+bool CFastInfosetReader::StepOver(void const * pOctets, std::size_t nOctets)
+{
+    if (Remaining() <= nOctets || std::memcmp(m_pCurrent, pOctets, nOctets) != 0)
+        return false;
+    m_pCurrent += nOctets;
+    return true;
+}
+
+bool CFastInfosetReader::StepOverIdentification()
+{
+    return StepOver(kIdentification, sizeof kIdentification);
+}
+
+inline unsigned char CFastInfosetReader::ReadOctet()
+{
+    if (m_pCurrent == m_pEnd)
+        ThrowEndOfFile();
+    return *m_pCurrent++;
+}
+
+inline unsigned char const * CFastInfosetReader::ReadOctets(std::size_t nOctets)
+{
+    if (nOctets > Remaining())
+        ThrowEndOfFile();
+    unsigned char const * const pOctets = m_pCurrent;
+    m_pCurrent += nOctets;
+    return pOctets;
+}
+
+/// The number whose first octet has the pattern of the form. Sums wrap at 32 bits.
+inline std::uint32_t CFastInfosetReader::ReadForm(FIForm const & form, unsigned char byLead)
+{
+    std::uint64_t nRest = byLead & form.dwData;
+    unsigned char const * const pOctets = ReadOctets(form.nOctets);
+    for (std::uint32_t n = 0; n < form.nOctets; ++n)
+        nRest = nRest << 8 | pOctets[n];
+    return static_cast<std::uint32_t>(nRest) + form.dwBase;
+}
+
+inline std::uint32_t CFastInfosetReader::ReadNumber(
+    FIForms const & forms, unsigned char byLead, char16_t const * pszFailure)
+{
+    for (FIForm const & form : forms)
+        if ((byLead & form.dwMask) == form.dwLead)
+            return ReadForm(form, byLead);
+    throw CQzException(pszFailure);
+}
+
+/// Some form fits any octet.
+inline std::uint32_t CFastInfosetReader::ReadIndexOnBit2(unsigned char byLead)
+{
+    return ReadNumber(kIntegerOnBit2, byLead, nullptr);
+}
+
+inline std::uint32_t CFastInfosetReader::ReadIndexFrom0(unsigned char byLead)
+{
+    if ((byLead & 0x7F) == 0x7F)
+        return 0;
+    for (FIForm const & form : kIntegerOnBit2)
+        if ((byLead & form.dwMask) == form.dwLead && form.nOctets > Remaining())
+            throw CQzException(u"Failed to parse FastInfoset. Invalid Encoding of integers 0 To 2^20 type  on the "
+                               u"second bit of an octet.");
+    return ReadIndexOnBit2(byLead);
+}
+
+inline std::size_t CFastInfosetReader::ReadLengthOnBit2(unsigned char byLead)
+{
+    return ReadNumber(kLengthOnBit2, byLead, kBadLengthOnBit2);
+}
+
+std::uint32_t CFastInfosetReader::ReadSequenceLength()
+{
+    unsigned char const byLead = ReadOctet();
+    if (byLead < 0x80)
+        return byLead + 1u;
+    unsigned char const * const pOctets = ReadOctets(2);
+    return ((byLead & 0x0Fu) << 16 | unsigned(pOctets[0]) << 8 | pOctets[1]) + 129;
+}
+
+/// X.891 clause C.13.
+CFastInfosetReader::CString CFastInfosetReader::ReadIdentifyingString()
+{
+    CString string;
+    unsigned char const byLead = ReadOctet();
+    string.bIndex = (byLead & 0x80) != 0;
+    if (string.bIndex)
+    {
+        string.dwIndex = ReadIndexOnBit2(byLead);
+        return string;
+    }
+    string.nOctets = ReadLengthOnBit2(byLead);
+    string.pOctets = ReadOctets(string.nOctets);
+    return string;
+}
+
+/// X.891 clause C.14: a value of an attribute and the like.
+inline CFastInfosetReader::CString CFastInfosetReader::ReadValue()
+{
+    unsigned char const byLead = ReadOctet();
+    if ((byLead & 0x80) == 0)
+    {
+        CString string = ReadEncodedString(kStringOnBit3, byLead);
+        string.bAddToTable = (byLead & 0x40) != 0;
+        return string;
+    }
+    CString string;
+    string.bIndex = true;
+    string.dwIndex = ReadIndexFrom0(byLead);
+    return string;
+}
+
+/// X.891 clause C.15.
+inline CFastInfosetReader::CString CFastInfosetReader::ReadChunk(unsigned char byLead)
+{
+    if ((byLead & 0x20) == 0)
+    {
+        CString string = ReadEncodedString(kStringOnBit5, byLead);
+        string.bAddToTable = (byLead & 0x10) != 0;
+        return string;
+    }
+    CString string;
+    string.bIndex = true;
+    string.dwIndex = ReadNumber(kIntegerOnBit4, byLead, kBadIntegerOnBit4);
+    return string;
+}
+
+/// X.891 clauses C.19 and C.20.
+inline CFastInfosetReader::CString CFastInfosetReader::ReadEncodedString(
+    FIStringForm const & form, unsigned char byLead)
+{
+    CString string;
+    string.eKind = byLead >> form.nShift & 0x03;
+    if (string.eKind == FIStringKind_Alphabet || string.eKind == FIStringKind_Algorithm)
+    {
+        unsigned const dwFirst = byLead & ((1u << form.nShift) - 1);
+        byLead = ReadOctet();
+        string.dwIndex = (dwFirst << (8 - form.nShift) | unsigned(byLead) >> form.nShift) + 1;
+    }
+    string.nOctets = ReadNumber(form.lengths, byLead, kBadLengthOnBit5);
+    string.pOctets = ReadOctets(string.nOctets);
+    return string;
+}
+
+std::u16string CFastInfosetReader::Decode(CString const & string) const
+{
+    switch (string.eKind)
+    {
+    case FIStringKind_Utf8:
+        if (IsPlainAscii(string.pOctets, string.nOctets))
+            return std::u16string(string.pOctets, string.pOctets + string.nOctets);
+        return DecodeUtf8(string.pOctets, string.nOctets);
+    case FIStringKind_Utf16:
+    {
+        if (string.nOctets % 2 != 0)
+            throw CQzException(u"Failed to parse FastInfoset. Invalid length of UTF-16 string.");
+        std::u16string strText(string.nOctets / 2, u'\0');
+        for (std::size_t i = 0; i < strText.size(); ++i)
+            strText[i] = static_cast<char16_t>(string.pOctets[2 * i] << 8 | string.pOctets[2 * i + 1]);
+        return strText;
+    }
+    case FIStringKind_Alphabet:
+        return DecodeAlphabet(string);
+    default:
+        if (string.dwIndex == kCdata)
+            return DecodeUtf8(string.pOctets, string.nOctets);
+        return TextOfAlgorithm(string.dwIndex, string.pOctets, string.nOctets);
+    }
+}
+
+/// What stands behind the value that ends the string is ignored.
+std::u16string CFastInfosetReader::DecodeAlphabet(CString const & string) const
+{
+    auto const & alphabets = m_pVocabulary->m_restrictedAlphabets;
+    if (string.dwIndex > alphabets.size())
+        throw CQzException(
+            FormatString(u"Failed to parse FastInfoset. Invalid Restricted Alphabet value [%d].", string.dwIndex));
+    std::u16string const & strAlphabet = alphabets[string.dwIndex - 1];
+    unsigned const nWidth = AlphabetWidth(strAlphabet.size());
+    if (nWidth == 0)
+        throw CQzException(u"Failed to parse FastInfoset. Invalid Encoding of Restricted Alphabet. Alphabet must "
+                           u"contain between 2 and 2^20 characters.");
+    std::uint32_t const dwEnd = (1u << nWidth) - 1;
+    std::u16string strText;
+    std::uint32_t dwBits = 0;
+    unsigned nBits = 0;
+    for (std::size_t i = 0; i < string.nOctets; ++i)
+    {
+        dwBits = dwBits << 8 | string.pOctets[i];
+        for (nBits += 8; nBits >= nWidth; nBits -= nWidth)
+        {
+            std::uint32_t const dwValue = dwBits >> (nBits - nWidth) & dwEnd;
+            if (dwValue == dwEnd)
+                return strText;
+            strText += At(strAlphabet, dwValue + 1, u"characters");
+        }
+    }
+    return strText;
+}
+
+void CFastInfosetReader::SkipOctetString()
+{
+    ReadOctets(ReadLengthOnBit2(ReadOctet()));
+}
+
+void CFastInfosetReader::SkipIdentifyingStrings(unsigned nCount)
+{
+    for (; nCount > 0; --nCount)
+        SkipString(ReadIdentifyingString());
+}
+
+/// Text that nobody wants is still decoded, as it must be text. Indexes are not looked up.
+void CFastInfosetReader::SkipString(CString const & string) const
+{
+    if (!string.bIndex)
+        Decode(string);
+}
+
+void CFastInfosetReader::SkipInstruction()
+{
+    SkipIdentifyingStrings(1);
+    SkipString(ReadValue());
+}
+
+void CFastInfosetReader::SkipComment()
+{
+    SkipString(ReadValue());
+}
+
+/// Skips a sequence of notations or unparsed entities: octets of the pattern, whose lowest nFlags bits each add a
+/// string to the nStrings that are always there. The octet that ends the sequence is taken too.
+void CFastInfosetReader::SkipDeclared(unsigned dwPattern, unsigned nFlags, unsigned nStrings)
+{
+    for (;;)
+    {
+        unsigned char const byLead = ReadOctet();
+        if (unsigned(byLead) >> nFlags != dwPattern)
+            return;
+        unsigned const dwFlags = byLead & ((1u << nFlags) - 1);
+        SkipIdentifyingStrings(nStrings + (dwFlags & 1) + (dwFlags >> 1));
+    }
+}
+
+/// X.891 clause C.2: the optional components in front of the children, in the order of their bits.
+void CFastInfosetReader::SkipHeader()
+{
+    unsigned char const byParts = ReadOctet();
+    if ((byParts & 0x40) != 0)
+        SkipOctetStrings(2 * ReadSequenceLength());
+    if ((byParts & 0x20) != 0)
+        SkipInitialVocabulary();
+    if ((byParts & 0x10) != 0)
+        SkipDeclared(48, 2, 1);
+    if ((byParts & 0x08) != 0)
+        SkipDeclared(104, 1, 3);
+    if ((byParts & 0x04) != 0)
+        SkipOctetString();
+    if ((byParts & 0x02) != 0)
+        ReadOctet();
+    if ((byParts & 0x01) != 0)
+        SkipString(ReadValue());
+}
+
+void CFastInfosetReader::SkipOctetStrings(std::uint32_t nCount)
+{
+    for (; nCount > 0; --nCount)
+        SkipOctetString();
+}
+
+/// X.891 clause C.2.5. The body of the document is numbered as if none of these entries were there.
+void CFastInfosetReader::SkipInitialVocabulary()
+{
+    unsigned const dwFirst = ReadOctet();
+    unsigned const dwParts = dwFirst << 8 | ReadOctet();
+    if ((dwParts & 0x1000) != 0)
+        SkipOctetString();
+    // Restricted alphabets, encoding algorithms, prefixes, namespace names, local names, other NCNames, other URIs.
+    for (unsigned dwBit = 0x0800; dwBit >= 0x0020; dwBit >>= 1)
+        if ((dwParts & dwBit) != 0)
+            SkipOctetStrings(ReadSequenceLength());
+    // Attribute values, content character chunks, other strings.
+    for (unsigned dwBit = 0x0010; dwBit >= 0x0004; dwBit >>= 1)
+        if ((dwParts & dwBit) != 0)
+            for (std::uint32_t n = ReadSequenceLength(); n > 0; --n)
+                SkipString(ReadEncodedString(kStringOnBit3, ReadOctet()));
+    // Element and attribute name surrogates.
+    for (unsigned dwBit = 0x0002; dwBit >= 0x0001; dwBit >>= 1)
+        if ((dwParts & dwBit) != 0)
+            SkipNameSurrogates();
+}
+
+/// X.891 clause C.16.
+void CFastInfosetReader::SkipNameSurrogates()
+{
+    for (std::uint32_t n = ReadSequenceLength(); n > 0; --n)
+    {
+        unsigned char const byParts = ReadOctet();
+        unsigned const nIndexes = 1 + (byParts >> 1 & 1u) + (byParts & 1u);
+        for (unsigned i = 0; i < nIndexes; ++i)
+            ReadIndexOnBit2(ReadOctet());
+    }
+}
+
+/// X.891 clause C.9.
+void CFastInfosetReader::SkipDocumentType(unsigned char byLead)
+{
+    SkipIdentifyingStrings((byLead >> 1 & 1u) + (byLead & 1u));
+    for (unsigned char by = ReadOctet(); by != kTerminator; by = ReadOctet())
+        if (by == kInstruction)
+            SkipInstruction();
+}
+
+/// The children of the document. The root is the last one that counts.
+void CFastInfosetReader::ReadChildren()
+{
+    for (;;)
+    {
+        unsigned char const byLead = ReadOctet();
+        if (byLead < 0x80)
+            return ReadElements(byLead);
+        if (byLead == kInstruction)
+            SkipInstruction();
+        else if (byLead == kComment)
+            SkipComment();
+        else if (byLead >> 2 == kDocumentType)
+            SkipDocumentType(byLead);
+        else if (byLead == kTerminator || byLead == kDoubleTerminator)
+            return;
+    }
+}
+
+/// The root and all below it. The stack of the document tells where the reading is, so no depth is too deep for the
+/// native stack.
+void CFastInfosetReader::ReadElements(unsigned char byLead)
+{
+    std::vector<CXmlElement *> & stack = m_doc.m_pElementStack;
+    if (ReadElementStart(byLead))
+        stack.pop_back();
+    while (!stack.empty())
+    {
+        byLead = ReadOctet();
+        if (byLead < 0x80)
+        {
+            if (ReadElementStart(byLead))
+                stack.pop_back();
+        }
+        else if (byLead < 0xC0)
+        {
+            ReadText(stack.back(), byLead);
+        }
+        else if (byLead == kTerminator)
+        {
+            stack.pop_back();
+        }
+        else if (byLead == kDoubleTerminator)
+        {
+            // Ends the parent as well; behind the root it is the document that ends.
+            stack.pop_back();
+            if (!stack.empty())
+                stack.pop_back();
+        }
+        else if (byLead == kInstruction)
+        {
+            SkipInstruction();
+        }
+        else if (byLead == kComment)
+        {
+            SkipComment();
+        }
+        else if (byLead >> 2 == kEntityReference)
+        {
+            SkipIdentifyingStrings(1 + (byLead >> 1 & 1u) + (byLead & 1u));
+        }
+        else
+        {
+            throw CQzException(u"Failed to parse FastInfoset. Invalid Encoding of Element type.");
+        }
+    }
+}
+
+/// X.891 clause C.3. True if the element has ended together with its attributes.
+bool CFastInfosetReader::ReadElementStart(unsigned char byLead)
+{
+    bool const bAttributes = (byLead & 0x40) != 0;
+    if ((byLead & 0x3C) == 0x38)
+    {
+        ReadNamespaceAttributes();
+        byLead = ReadOctet();
+    }
+    CXmlName const & name = ReadName(kElementName, byLead);
+    if (m_doc.m_pElementStack.size() >= m_nMaxDepth)
+        throw CQzException(FormatString(u"Failed to parse FastInfoset. Elements are nested deeper than %d levels.",
+            static_cast<std::uint64_t>(m_nMaxDepth)));
+    CXmlElement * const pElement =
+        m_doc.m_pDocumentElement == nullptr ? m_doc.AddDocElement(name) : m_doc.AddChildElement(name);
+    return bAttributes && ReadAttributes(pElement);
+}
+
+bool CFastInfosetReader::ReadAttributes(CXmlElement * pElement)
+{
+    for (;;)
+    {
+        unsigned char const byLead = ReadOctet();
+        if (byLead >= 0x80)
+            return byLead == kDoubleTerminator;
+        ReadAttribute(pElement, byLead);
+    }
+}
+
+/// X.891 clause C.12. A later declaration of an alias replaces an earlier one, wherever in the document it stands.
+void CFastInfosetReader::ReadNamespaceAttributes()
+{
+    auto const readPart = [this](bool bPresent, CStringTable & table, char16_t const * pszTable)
+    {
+        std::uint32_t const dwIndex = bPresent ? ReadNamePart(table, pszTable) : 0;
+        return dwIndex != 0 ? table[dwIndex - 1] : std::u16string();
+    };
+    for (unsigned char byLead = ReadOctet(); byLead >> 2 == kNamespaceAttribute; byLead = ReadOctet())
+    {
+        std::u16string strAlias =
+            readPart((byLead & kNamePrefix) != 0, m_pVocabulary->m_prefixNames.m_table, kPrefixes);
+        m_doc.m_mapNamespaces[std::move(strAlias)] =
+            readPart((byLead & kNameNamespace) != 0, m_pVocabulary->m_namespaceNames.m_table, kNamespaceNames);
+    }
+}
+
+/// X.891 clause C.4.
+void CFastInfosetReader::ReadAttribute(CXmlElement * pElement, unsigned char byLead)
+{
+    CXmlName const & name = ReadName(kAttributeName, byLead);
+    CString const value = ReadValue();
+    CStringTable & table = m_pVocabulary->m_attributeValues.m_table;
+    if (value.bIndex)
+    {
+        std::u16string_view text;
+        if (value.dwIndex != 0)
+            text = At(table, value.dwIndex, kAttributeValues);
+        CountNamed(text.size());
+        CXmlDocument::AddElementAttribute(pElement, name, text);
+    }
+    else if (value.bAddToTable)
+    {
+        table.push_back(Decode(value));
+        CXmlDocument::AddElementAttribute(pElement, name, table.back());
+    }
+    else if (value.eKind == FIStringKind_Utf8 && IsPlainAscii(value.pOctets, value.nOctets))
+    {
+        CXmlDocument::AddElementAttributeUtf8(
+            pElement, name, reinterpret_cast<char const *>(value.pOctets), value.nOctets);
+    }
+    else
+    {
+        CXmlDocument::AddElementAttribute(pElement, name, Decode(value));
+    }
+}
+
+/// X.891 clause C.7. A table keeps carriage returns, the text of an element does not.
+void CFastInfosetReader::ReadText(CXmlElement * pElement, unsigned char byLead)
+{
+    CString const chunk = ReadChunk(byLead);
+    CStringTable & table = m_pVocabulary->m_characterChunks.m_table;
+    if (chunk.bIndex)
+    {
+        std::u16string const & strText = At(table, chunk.dwIndex, kCharacterChunks);
+        CountNamed(strText.size());
+        CXmlDocument::AppendTextExcludingCR(pElement, strText.data(), strText.size());
+    }
+    else if (chunk.bAddToTable)
+    {
+        table.push_back(Decode(chunk));
+        CXmlDocument::AppendTextExcludingCR(pElement, table.back().data(), table.back().size());
+    }
+    else if (chunk.eKind == FIStringKind_Utf8 && IsPlainAscii(chunk.pOctets, chunk.nOctets))
+    {
+        CXmlDocument::AppendUtf8ExcludingCR(pElement, reinterpret_cast<char const *>(chunk.pOctets), chunk.nOctets);
+    }
+    else
+    {
+        std::u16string const strText = Decode(chunk);
+        CXmlDocument::AppendTextExcludingCR(pElement, strText.data(), strText.size());
+    }
+}
+
+/// X.891 clauses C.17 and C.18.
+inline CXmlName const & CFastInfosetReader::ReadName(FINameForm const & form, unsigned char byLead)
+{
+    bool const bElement = &form == &kElementName;
+    CFIVocabulary::CFIQNameTable & table = bElement ? m_pVocabulary->m_elementNames : m_pVocabulary->m_attributeNames;
+    CNameCache & names = bElement ? m_elementNames : m_attributeNames;
+    if ((byLead & form.dwLiteral) == form.dwLiteral)
+        return ReadLiteralName(byLead, table, names);
+    std::uint32_t const dwIndex = ReadNumber(form.indexes, byLead, kBadIntegerOnBit3);
+    CXmlName const *& pName = At(names, dwIndex, bElement ? kElementNames : kAttributeNames);
+    if (pName == nullptr)
+        pName = &FindName(table.m_table[dwIndex - 1]);
+    return *pName;
+}
+
+CXmlName const & CFastInfosetReader::ReadLiteralName(
+    unsigned char byLead, CFIVocabulary::CFIQNameTable & table, CNameCache & names)
+{
+    bool const bPrefix = (byLead & kNamePrefix) != 0;
+    bool const bNamespace = (byLead & kNameNamespace) != 0;
+    if (bPrefix && !bNamespace)
+        throw CQzException(u"Failed to parse FastInfoset. Invalid QName type Prefix without Namespace.");
+    CFIVocabulary::CQNameParts parts(0, 0, 0);
+    if (bPrefix)
+        parts.m_dwPrefixIndex = ReadNamePart(m_pVocabulary->m_prefixNames.m_table, kPrefixes);
+    if (bNamespace)
+        parts.m_dwNamespaceIndex = ReadNamePart(m_pVocabulary->m_namespaceNames.m_table, kNamespaceNames);
+    parts.m_dwLocalNameIndex = ReadNamePart(m_pVocabulary->m_localNames.m_table, kLocalNames);
+    CXmlName const & name = FindName(parts);
+    CFIVocabulary::AddQNameToVector(parts, table.m_table);
+    if (names.size() < table.m_table.size())
+        names.push_back(&name);
+    return name;
+}
+
+/// The name of the tree. Prefixes are not part of it.
+CXmlName const & CFastInfosetReader::FindName(CFIVocabulary::CQNameParts const & parts)
+{
+    std::u16string_view namespaceURI;
+    if (parts.m_dwNamespaceIndex != 0)
+        namespaceURI = At(m_pVocabulary->m_namespaceNames.m_table, parts.m_dwNamespaceIndex, kNamespaceNames);
+    std::u16string_view const localName =
+        At(m_pVocabulary->m_localNames.m_table, parts.m_dwLocalNameIndex, kLocalNames);
+    return m_doc.InternName(namespaceURI, localName);
+}
+
+/// The index of a string of the table, which a literal joins first. A literal that is there already is one more entry.
+std::uint32_t CFastInfosetReader::ReadNamePart(CStringTable & table, char16_t const * pszTable)
+{
+    CString const string = ReadIdentifyingString();
+    if (string.bIndex)
+    {
+        CountNamed(At(table, string.dwIndex, pszTable).size());
+        return string.dwIndex;
+    }
+    table.push_back(Decode(string));
+    return static_cast<std::uint32_t>(table.size());
+}
+
+inline void CFastInfosetReader::CountNamed(std::size_t nUnits)
+{
+    m_nNamedUnits += nUnits;
+    if (m_nNamedUnits > m_nMaxNamedUnits)
+        throw CQzException(u"Failed to parse FastInfoset. The input names more text than the limits allow.");
+}
+
+} // namespace QzXmlLib16

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/fastinfoset/FastInfosetContext.h"
+#include "qzxmllib/support/Enumerations.h"
+#include "qzxmllib/support/Export.h"
+#include "qzxmllib/support/Forward.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace QzXmlLib16
+{
+
+struct FIForms;
+struct FINameForm;
+struct FIStringForm;
+
+/// Writes Fast Infoset (ITU-T X.891). Call StartDocument, WriteHeader, the elements, WriteDocumentEnd and EndDocument.
+/// Comments, processing instructions and in-line schemas do not reach the output. The stream receives octets in large
+/// pieces; it holds all of them after WriteDocumentEnd.
+class QZXMLLIB_API CFastInfosetWriter : public CXmlWriter
+{
+public:
+    /// Context and stream must outlive the writer.
+    CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream);
+    ~CFastInfosetWriter() override;
+
+    /// The start of the document, behind an XML declaration if one is named. Throws CQzException for any other number.
+    void WriteHeader(FInfoDecl eDecl);
+    void WriteDocumentEnd();
+
+    void EndDocument() override;
+    void WriteComment(std::u16string const & strText) override;
+    void WriteProcessingInstruction(std::u16string const & strText) override;
+    void WriteInLineSchema(std::u16string const & strText) override;
+    void WriteStartElement(std::u16string const & strName, std::u16string const & strUri) override;
+    void WriteText(std::u16string const & strText, ItemType eType) override;
+    void WriteEndElement() override;
+    void WriteAttribute(std::u16string const & strName, std::u16string const & strUri, std::u16string const & strValue,
+        ItemType eType) override;
+    void WriteXsiType(std::u16string const & strTypeUri, std::u16string const & strTypeName, ItemType eType) override;
+    void WriteXsiNil() override;
+    void WriteTextView(std::u16string_view text, ItemType eType) override;
+    void WriteAttributeView(std::u16string const & strName, std::u16string const & strUri, std::u16string_view value,
+        ItemType eType) override;
+
+private:
+    /// A name written lately, as its key in the map, with its index. Saves putting the key together.
+    struct LastName
+    {
+        std::u16string strKey;
+        std::uint32_t dwIndex = 0;
+    };
+    using CIndexMap = CFIVocabulary::CIndexMap;
+
+    void FlushStartElement(bool bHasAttributes);
+    void WriteRootNamespaces(unsigned dwLead);
+    void WriteNamespaceAttribute(unsigned char byLead, std::u16string const & strAlias, std::u16string const & strUri);
+    void ClosePendingTerminator();
+    void CloseAttributeList(CXmlWriterContext & context);
+    CXmlWriterContext & RequireAttributes();
+    void WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix, std::u16string_view uri,
+        std::u16string_view localName);
+    void WriteNamePart(CIndexMap & map, std::u16string_view name);
+    void WriteLiteralName(std::u16string_view name);
+    void WriteAttributeValue(std::u16string_view value, ItemType eType);
+    void WriteEncodedString(FIStringForm const & form, unsigned dwLead, std::u16string_view text, ItemType eType);
+    void WriteUtf8(FIForms const & lengths, unsigned dwLead, std::u16string_view text);
+    void PackByAlphabet(std::uint32_t dwIndex, std::u16string_view text);
+
+    unsigned char * Room(std::size_t nOctets);
+    void Put(unsigned dwOctet);
+    void Put(unsigned char const * pOctets, std::size_t nOctets);
+    void PutNumber(FIForms const & forms, unsigned dwLead, std::uint32_t dwNumber);
+    void PutLength(FIForms const & forms, unsigned dwLead, std::size_t nOctets);
+    void FlushOctets();
+
+    CBinaryStream * m_pStream;
+    CFastInfosetContext const * m_pFIContext;
+    /// An element whose lead octets wait until it is known whether attributes follow. Becomes the innermost record.
+    CXmlWriterContext * m_pPendingContext = nullptr;
+    /// The end of an element that may merge with the next end into one octet.
+    bool m_bPendingTerminator = false;
+    std::unique_ptr<CFIVocabulary> m_pVocabulary;
+
+    std::vector<LastName> m_lastElementNames;
+    std::vector<LastName> m_lastAttributeNames;
+    /// The octets of one value.
+    std::vector<unsigned char> m_value;
+    /// Octets on their way to the stream.
+    std::unique_ptr<unsigned char[]> m_spOctets;
+    std::size_t m_nUsed = 0;
+    std::size_t m_nSize = 0;
+};
+
+} // namespace QzXmlLib16
