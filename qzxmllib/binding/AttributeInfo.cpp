@@ -1,5 +1,6 @@
 #include "qzxmllib/binding/AttributeInfo.h"
 
+#include "qzxmllib/binding/Attribute.h"
 #include "qzxmllib/binding/EnumTextInternal.h"
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/XmlDocument.h"
@@ -191,5 +192,39 @@ void CAttributeInfoEnum::Validate(CSerializationContext const &, bool bFound) co
 {
     ThrowIfMissing(bFound);
 }
+
+CAttributeInfoAny::CAttributeInfoAny(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
+    bool optional, char16_t const * namespaceList, char16_t const * targetNamespace, char16_t const * defaultValue)
+    : CAttributeInfo(name, namespaceUri, propertyIndex, optional, defaultValue),
+      m_strNamespaceList(namespaceList != nullptr ? namespaceList : u""),
+      m_strTargetNamespace(targetNamespace != nullptr ? targetNamespace : u"")
+{
+}
+
+void CAttributeInfoAny::AttributeToXml(
+    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    QzVariant value;
+    ReadProperty(pClass, value);
+    ToXml_Int(value.GetXmlCollection(), pWriter, false, GetTargetNamespace(pClass).c_str(), ctx);
+}
+
+bool CAttributeInfoAny::AttributeFromXml(
+    CSerializationContext const &, CXmlGeneratedClass * pClass, CXmlAttribute * pAttribute)
+{
+    std::u16string const & strNamespace = pAttribute->GetNamespaceURI();
+    if (!IsNamespaceValid(strNamespace, m_strNamespaceList, m_strTargetNamespace))
+        return false;
+    QzVariant value;
+    InvokePropertyGet(pClass, value);
+    CSmartPtr<CXmlCollectionBase> const spCollection = value.GetXmlCollection();
+    auto * const pAttributes = dynamic_cast<CAttributeCol *>(spCollection.Get());
+    if (pAttributes == nullptr)
+        throw CQzException(u"Serialization Data Error : The collection should be a CAttributeCol, it was not!");
+    pAttributes->Add(pAttribute->GetLocalName().c_str(), pAttribute->GetValue().c_str(), strNamespace.c_str());
+    return true;
+}
+
+void CAttributeInfoAny::Validate(CSerializationContext const &, bool) const {}
 
 } // namespace QzXmlLib16Data

@@ -105,4 +105,23 @@ private:
     EnumToStringFunction m_pfnEnumToString;
 };
 
+/// Gathers attributes by a wildcard into the CAttributeCol that the property holds. It takes every attribute whose
+/// namespace matches the list, so it stands behind the named entries of its table.
+class QZXMLLIB_API CAttributeInfoAny : public CAttributeInfo
+{
+public:
+    CAttributeInfoAny(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool optional,
+        char16_t const * namespaceList, char16_t const * targetNamespace, char16_t const * defaultValue);
+
+    void AttributeToXml(
+        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    bool AttributeFromXml(
+        CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlAttribute * pAttribute) override;
+    void Validate(CSerializationContext const & ctx, bool bFound) const override;
+
+private:
+    std::u16string m_strNamespaceList;
+    std::u16string m_strTargetNamespace;
+};
+
 } // namespace QzXmlLib16Data

@@ -5,3 +5,4 @@
 #include "qzxmllib/binding/ElementInfoCls.h"
 #include "qzxmllib/binding/ElementInfoCol.h"
 #include "qzxmllib/binding/ElementInfoPrim.h"
+#include "qzxmllib/binding/ElementInfoUntpd.h"

@@ -9,6 +9,13 @@
 #include <string>
 #include <string_view>
 
+namespace QzXmlLib16
+{
+
+class CElement;
+
+} // namespace QzXmlLib16
+
 namespace QzXmlLib16Data
 {
 
@@ -28,6 +35,15 @@ struct AbsEntry
 {
     XmlElementType m_eElementType;
     CreateFromElementFunction m_pfnCreateFromElement;
+};
+
+/// What an entry for untyped content knows of the namespaces that it takes. Null counts as empty.
+struct QZXMLLIB_API UntypedEntry
+{
+    UntypedEntry(char16_t const * namespaceList, char16_t const * targetNamespace);
+
+    std::u16string m_strNamespaceList;
+    std::u16string m_strTargetNamespace;
 };
 
 /// Describes one child of a generated class: its name, the property that holds it and how it becomes text. The classes
@@ -154,6 +170,21 @@ protected:
         CXmlElement ** ppCurrent, CXmlObjectBase * pObject) const;
     /// Lets the collection of the property read from *ppCurrent on and gives the position behind.
     CXmlElement * ReadCollection(CXmlGeneratedClass * pClass, CXmlElement * pParent, CXmlElement * pCurrent,
+        CSerializationContext const & ctx, QzVariant & value) const;
+    /// The namespace of a new element for a wildcard with this namespace list.
+    static std::u16string GetAnyDefaultNamespace(
+        char16_t const * list, char16_t const * parentNamespace, char16_t const * targetNamespace);
+    /// A new element for untyped content. Throws when its own default breaks the namespace list.
+    CSmartPtr<QzXmlLib16::CElement> NewUntyped(UntypedEntry const & entry, char16_t const * parentNamespace) const;
+    /// Fills untyped content from *ppCurrent, which must not be null, if the name is this entry's or the entry is a
+    /// wildcard. *ppHeld gets the position behind; true means that the element was taken.
+    bool FillUntyped(CXmlObjectBase * pElement, CXmlElement * pParent, CXmlElement * const * ppCurrent,
+        CSerializationContext const & ctx, CXmlElement ** ppHeld) const;
+    /// Reads untyped content into a new element and sets the property. True when it was there.
+    bool ReadNewUntyped(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
+        CXmlElement ** ppCurrent, char16_t const * parentNamespace, UntypedEntry const & entry) const;
+    /// As ReadCollection, for untyped content: an entry with a name takes only the run of elements of that name.
+    CXmlElement * ReadUntypedCollection(CXmlGeneratedClass * pClass, CXmlElement * pParent, CXmlElement * pCurrent,
         CSerializationContext const & ctx, QzVariant & value) const;
     /// Validate of a mandatory entry of an all group.
     bool ValidateMandatory(bool bFound, bool bStrict) const;

@@ -1,5 +1,6 @@
 #include "qzxmllib/binding/SerializationContext.h"
 
+#include "qzxmllib/binding/Attribute.h"
 #include "qzxmllib/fastinfoset/FastInfosetContext.h"
 #include "qzxmllib/json/JsonContext.h"
 #include "qzxmllib/support/EqualTextInternal.h"
@@ -106,6 +107,21 @@ private:
 using FIOptions = CSharedOptions<CFastInfosetContext>;
 using JsonOptions = CSharedOptions<CJsonContext>;
 
+namespace
+{
+
+/// The slot takes a count of the new collection and gives back that of the old one.
+void ReplaceAttributes(std::atomic<CAttributeCol *> & slot, CAttributeCol * pNew)
+{
+    if (pNew != nullptr)
+        pNew->AddRef();
+    CAttributeCol * const pOld = slot.exchange(pNew, std::memory_order_acq_rel);
+    if (pOld != nullptr)
+        pOld->Release();
+}
+
+} // namespace
+
 CSerializationContext::CSerializationContext() = default;
 
 CSerializationContext::CSerializationContext(CSerializationContext const & other)
@@ -119,6 +135,7 @@ CSerializationContext & CSerializationContext::operator=(CSerializationContext c
         return *this;
     FIOptions::Replace(m_pFIContext, FIOptions::Share(other.m_pFIContext));
     JsonOptions::Replace(m_pJsonContext, JsonOptions::Share(other.m_pJsonContext));
+    ReplaceAttributes(m_spAdditionalRootAttributes, other.FindAdditionalRootAttributes());
     m_strDefaultNamespaceURI = other.m_strDefaultNamespaceURI;
     m_bWriteTypeAttribute = other.m_bWriteTypeAttribute;
     m_namespaceAliases = other.m_namespaceAliases;
@@ -143,6 +160,7 @@ CSerializationContext::~CSerializationContext()
 {
     FIOptions::Replace(m_pFIContext, nullptr);
     JsonOptions::Replace(m_pJsonContext, nullptr);
+    ReplaceAttributes(m_spAdditionalRootAttributes, nullptr);
 }
 
 CSerializationContext & CSerializationContext::GetDefaultContext()
@@ -186,6 +204,22 @@ void CSerializationContext::SetIndentChars(char16_t const * text)
     if (strText.find_first_not_of(u" \t") != std::u16string::npos)
         throw CQzInvalidParamException(u"IndentChars can only contain Whitespace characters, i.e. \\t or spaces");
     m_strIndentChars = std::move(strText);
+}
+
+CSmartPtr<CAttributeCol> CSerializationContext::GetAdditionalRootAttributes() const
+{
+    CAttributeCol * pAttributes = FindAdditionalRootAttributes();
+    if (pAttributes == nullptr)
+    {
+        CSmartPtr<CAttributeCol> const spNew(new CAttributeCol(u"", u"##any", u""));
+        // When two threads create it at once, one collection stays.
+        if (m_spAdditionalRootAttributes.compare_exchange_strong(pAttributes, spNew, std::memory_order_acq_rel))
+        {
+            spNew->AddRef();
+            return spNew;
+        }
+    }
+    return pAttributes;
 }
 
 CFastInfosetContext & CSerializationContext::GetFIContext() const

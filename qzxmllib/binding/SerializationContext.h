@@ -2,6 +2,7 @@
 
 #include "qzxmllib/support/Enumerations.h"
 #include "qzxmllib/support/Export.h"
+#include "qzxmllib/support/SmartPtr.h"
 
 #include <atomic>
 #include <cstdint>
@@ -12,6 +13,7 @@
 namespace QzXmlLib16
 {
 
+class CAttributeCol;
 class CFastInfosetContext;
 class CJsonContext;
 template <class T>
@@ -65,7 +67,8 @@ class QZXMLLIB_API CSerializationContext
 {
 public:
     CSerializationContext();
-    /// Copies every option. The Fast Infoset and JSON options that exist are shared with the copy.
+    /// Copies every option. Fast Infoset and JSON options and additional root attributes that exist are shared with the
+    /// copy.
     CSerializationContext(CSerializationContext const & other);
     CSerializationContext & operator=(CSerializationContext const & other);
     virtual ~CSerializationContext();
@@ -128,6 +131,9 @@ public:
     /// Declared on the root of every document that is written.
     CNamespaceAliasMap & GetNamespaceAliases() { return m_namespaceAliases; }
     CNamespaceAliasMap const & GetNamespaceAliases() const { return m_namespaceAliases; }
+    /// Written on the root of every document, in front of its own attributes. Created by the first call, empty and open
+    /// to every namespace. Shared with copies made after that call.
+    CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
     /// Complete texts, with their markers, written in front of the root.
     std::vector<std::u16string> & GetProcessingInstructions() { return m_processingInstructions; }
     std::vector<std::u16string> const & GetProcessingInstructions() const { return m_processingInstructions; }
@@ -141,13 +147,22 @@ public:
     void SetReadLimits(CReadLimits const & limits) { m_readLimits = limits; }
 
 private:
+    friend class CXmlGeneratedClass;
     friend class CXmlObjectBase;
+
+    /// The additional root attributes, or null if nobody has asked for them yet.
+    CAttributeCol * FindAdditionalRootAttributes() const
+    {
+        return m_spAdditionalRootAttributes.load(std::memory_order_acquire);
+    }
 
     mutable std::atomic<CSharedOptions<CFastInfosetContext> *> m_pFIContext{nullptr};
     mutable std::atomic<CSharedOptions<CJsonContext> *> m_pJsonContext{nullptr};
     std::u16string m_strDefaultNamespaceURI;
     bool m_bWriteTypeAttribute = true;
     CNamespaceAliasMap m_namespaceAliases;
+    /// Holds one count.
+    mutable std::atomic<CAttributeCol *> m_spAdditionalRootAttributes{nullptr};
     std::vector<std::u16string> m_processingInstructions;
     std::u16string m_strInLineSchema;
     bool m_bIgnoreInvalidCollectionCounts = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qzxmllib/binding/TreeMemory.h"
 #include "qzxmllib/binding/XmlObjectBase.h"
 #include "qzxmllib/support/Export.h"
 #include "qzxmllib/support/SmartPtr.h"
@@ -70,7 +71,7 @@ private:
 };
 
 /// One link of a CXmlCollection.
-struct CNode
+struct CNode : CTreeMemory
 {
     CSmartPtr<CXmlObjectBase> m_spItem;
     CNode * m_pNext = nullptr;

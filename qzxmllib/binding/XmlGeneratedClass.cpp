@@ -1,5 +1,6 @@
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 
+#include "qzxmllib/binding/Attribute.h"
 #include "qzxmllib/binding/AttributeInfo.h"
 #include "qzxmllib/binding/ElementInfo.h"
 #include "qzxmllib/binding/GeneratedClassInternal.h"
@@ -158,7 +159,7 @@ bool CXmlGeneratedClass::DoesElementContainOptionalElements() const
     {
         CElementInfo const * const pEntry = *ppElements;
         if (IsOneOf<CElementInfoChoicePrimCol, CElementInfoChoiceClsCol, CElementInfoChoiceAbsClsCol,
-                CElementInfoChoiceEnumCol>(pEntry))
+                CElementInfoChoiceEnumCol, CElementInfoChoiceUntpdCol>(pEntry))
         {
             QzVariant value;
             ReadProperty(pEntry->GetPropertyIndex(), value);
@@ -166,7 +167,7 @@ bool CXmlGeneratedClass::DoesElementContainOptionalElements() const
                 return true;
         }
         else if (IsOneOf<CElementInfoChoicePrimOpt, CElementInfoChoiceClsOpt, CElementInfoChoiceAbsClsOpt,
-                     CElementInfoChoiceEnumOpt>(pEntry))
+                     CElementInfoChoiceEnumOpt, CElementInfoChoiceUntpdOpt>(pEntry))
         {
             return true;
         }
@@ -236,6 +237,9 @@ void CXmlGeneratedClass::WriteStartTag(
     if (isRoot)
         WriteRootDeclarations(pWriter, ctx);
     pWriter->WriteStartElement(m_strElementName, OrEmpty(namespaceUri));
+    if (isRoot)
+        if (CAttributeCol const * const pAttributes = ctx.FindAdditionalRootAttributes())
+            CXmlObjectBase::ToXml_Int(pAttributes, pWriter, false, namespaceUri, ctx, false);
     AttributesToXml_Int(pWriter, ctx);
     if (!isRoot)
         return;

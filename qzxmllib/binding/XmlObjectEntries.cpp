@@ -1,5 +1,6 @@
 #include "qzxmllib/binding/XmlObjectBase.h"
 
+#include "qzxmllib/binding/Element.h"
 #include "qzxmllib/binding/XmlObjectEntriesInternal.h"
 #include "qzxmllib/document/FileBinaryStream.h"
 #include "qzxmllib/document/FileTextStream.h"
@@ -150,6 +151,14 @@ void CXmlObjectBase::FromXmlStream(unsigned char * const pData, unsigned long le
     CXmlDocument document(ctx);
     document.LoadXmlStream(pData, length);
     ReadFrom(document, ctx);
+}
+
+void CXmlObjectBase::FromXmlElement(CElement const * pElement, CSerializationContext const & ctx)
+{
+    if (pElement == nullptr)
+        throw CQzException(u"Invalid or empty XML document");
+    // Through text, written by the default context and read by the caller's.
+    FromXml(pElement->ToXml(false, false, EOLType_LF, CSerializationContext::GetDefaultContext()).c_str(), ctx);
 }
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const * pElement, CSerializationContext const & ctx)

@@ -424,8 +424,14 @@ void CXmlDocument::AppendUtf8ExcludingCR(CXmlElement * pElement, char const * pT
         return;
     }
     // Between children stands white space as a rule, the same each time.
-    if (pElement->GetTree().MatchRun(*pElement, pText, nOctets))
-        return;
+    if (!pElement->GetTree().MatchRun(*pElement, pText, nOctets))
+        AppendBetweenChildren(pElement, pText, nOctets);
+}
+
+/// Apart from the function above, whose frame is then small.
+[[gnu::noinline]] void CXmlDocument::AppendBetweenChildren(
+    CXmlElement * pElement, char const * pText, std::size_t nOctets)
+{
     char16_t aPiece[kPieceUnits];
     std::string_view rest(pText, nOctets);
     while (!rest.empty())

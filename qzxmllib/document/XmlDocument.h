@@ -273,6 +273,7 @@ private:
     static void AppendTextExcludingCR(CXmlElement * pElement, char16_t const * pText);
     /// The text is valid UTF-8 without an octet 0.
     static void AppendUtf8ExcludingCR(CXmlElement * pElement, char const * pText, std::size_t nOctets);
+    static void AppendBetweenChildren(CXmlElement * pElement, char const * pText, std::size_t nOctets);
 
     void ReadWholeFile(char16_t const * pszFileName);
     void AsyncParse(char16_t const * pszFileName);

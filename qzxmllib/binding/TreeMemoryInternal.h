@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace QzXmlLib16
+{
+
+/// Gives the memory of the CTreeMemory objects that are made while a Use of it lives, on one thread. The objects may
+/// outlive it and may go on any thread.
+class CTreeArena
+{
+public:
+    CTreeArena() = default;
+    CTreeArena(CTreeArena const &) = delete;
+    CTreeArena & operator=(CTreeArena const &) = delete;
+    ~CTreeArena() { Retire(); }
+
+    class Use
+    {
+    public:
+        explicit Use(CTreeArena & arena) noexcept;
+        Use(Use const &) = delete;
+        Use & operator=(Use const &) = delete;
+        ~Use();
+
+    private:
+        CTreeArena * m_pOuter;
+    };
+
+private:
+    friend class CTreeMemory;
+    struct Block;
+
+    void * Take(std::size_t nOctets);
+    void NewBlock();
+    void Retire() noexcept;
+
+    Block * m_pBlock = nullptr;
+    unsigned char * m_pAt = nullptr;
+    unsigned char * m_pEnd = nullptr;
+    /// Objects that lie in the present block or have lain there.
+    std::int64_t m_nTaken = 0;
+    /// Size of all blocks so far.
+    std::size_t m_nHeld = 0;
+};
+
+} // namespace QzXmlLib16

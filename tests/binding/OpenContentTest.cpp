@@ -1,0 +1,548 @@
+#include "qzxmllib/binding/Element.h"
+#include "qzxmllib/document/TextStream.h"
+#include "qzxmllib/document/XmlTextWriter.h"
+#include "tests/support/TableClass.h"
+#include "tests/support/TestText.h"
+
+#include <algorithm>
+#include <functional>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <thread>
+
+using namespace QzXmlLib16;
+using namespace QzXmlLib16Data;
+
+namespace
+{
+
+/// Shows the protected operations.
+class COpenElement : public CElement
+{
+public:
+    using CElement::CElement;
+    using CElement::CopyXmlElement;
+    using CElement::FromXml_Int;
+    using CElement::GetElementName;
+};
+
+std::string TextOf(CXmlObjectBase & object, bool formatted = false)
+{
+    return Utf8(object.ToXml(false, formatted));
+}
+
+CSmartPtr<CElement> Parsed(std::string const & strDocument)
+{
+    CSmartPtr<CElement> spElement(new CElement(u"x"));
+    spElement->FromXml(Wide(strDocument).c_str());
+    return spElement;
+}
+
+/// The live count of a name in the instance report.
+int LiveCount(std::string const & strName)
+{
+    std::string const strReport = Utf8(CInstanceMonitor::DumpState());
+    std::size_t nAt = strReport.find(" " + strName + " = ");
+    return nAt == std::string::npos ? 0 : std::stoi(strReport.substr(nAt + strName.size() + 4));
+}
+
+struct TextRow
+{
+    char const * pszName;
+    char const * pszDocument;
+    char const * pszExpected;
+};
+
+void PrintTo(TextRow const & row, std::ostream * pOut)
+{
+    *pOut << row.pszName;
+}
+
+TextRow const kTexts[] = {
+    {"Empty", "<a/>", "<a/>"},
+    {"TextBehindChildren", "<a>x<b/>y</a>", "<a><b/>xy</a>"},
+    {"Deep", "<a><b><c>1</c></b><b/><d><e/></d>t</a>", "<a><b><c>1</c></b><b/><d><e/></d>t</a>"},
+    {"WhiteSpaceStays", "<a> <b/> </a>", "<a><b/>  </a>"},
+    {"Escapes", "<a b='&lt;&quot;'>&amp;</a>", "<a b=\"&lt;&quot;\">&amp;</a>"},
+    {"Namespaces", "<p:a xmlns:p='urn:x' p:b='1' c='2'><d xmlns='urn:y'/><p:e/></p:a>",
+        "<AA:a xmlns:AA=\"urn:x\" AA:b=\"1\" c=\"2\"><AB:d xmlns:AB=\"urn:y\"/><AA:e/></AA:a>"},
+    {"DirectivesAreAttributes", "<a xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil='true' i:type='t'/>",
+        "<a xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\" AA:type=\"t\"/>"},
+};
+
+class OpenContentTextTest : public testing::TestWithParam<TextRow>
+{
+};
+
+} // namespace
+
+TEST_P(OpenContentTextTest, IsReadWrittenAndCloned)
+{
+    CSmartPtr<CElement> const spElement = Parsed(GetParam().pszDocument);
+    EXPECT_EQ(TextOf(*spElement), GetParam().pszExpected);
+    EXPECT_EQ(TextOf(*spElement->Clone()), GetParam().pszExpected);
+    CXmlDocument document;
+    document.LoadXml(GetParam().pszDocument);
+    CSmartPtr<COpenElement> const spCopy(new COpenElement(u"x"));
+    spCopy->GetAttributes()->Add(u"gone");
+    spCopy->CopyXmlElement(document.GetDocumentElement());
+    EXPECT_EQ(TextOf(*spCopy), GetParam().pszExpected);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OpenContentTextTest, testing::ValuesIn(kTexts), CaseName);
+
+TEST(CElementTest, RefusesBadArguments)
+{
+    using E = CQzInvalidNamespaceException;
+    for (char16_t const * pKeyword : {u"##any", u"##other", u"##local", u"##targetNamespace"})
+        ExpectThrows<E>([&] { CElement e(u"a", pKeyword); }, FormatString(u"Invalid Namespace [%s].", pKeyword));
+    ExpectThrows<E>(
+        [] { CElement e(static_cast<char16_t const *>(nullptr), u"##any"); }, u"Element Name must have a value");
+    ExpectThrows<E>(
+        [] { CElement e(u"a", static_cast<char16_t const *>(nullptr)); }, u"Element Namespace must have a value");
+    ExpectThrows<E>([] { CElement e(u"a", u"", nullptr, u""); }, u"Namespace Restriction must have a value");
+    ExpectThrows<E>([] { CElement e(u"a", u"", u"##any", nullptr); }, u"Target Namespace must have a value");
+    ExpectThrows<E>([] { CElement e(u"a", u"urn:x", u"urn:y ##local", u"urn:t"); },
+        u"Invalid namespace [urn:x]. The namespace must be one of [urn:y ##local] where the target namespace is "
+        u"[urn:t].");
+}
+
+TEST(CElementTest, BuildsByHand)
+{
+    CSmartPtr<CElement> const spElement(new CElement(u"a", u"urn:x"));
+    spElement->GetAttributes()->Add(u"b", u"1");
+    spElement->GetAttributes()->Add(u"c", u"2", u"");
+    spElement->GetChildElements()->Add(u"d")->SetText(u"t");
+    CSmartPtr<CElement> const spOther(new CElement(u"f"));
+    spElement->GetChildElements()->AddBefore(spElement->GetChildElements()->Item(0), spOther);
+    spElement->SetNamespace(u"urn:y");
+    spElement->GetChildElements()->Add(u"g");
+    EXPECT_EQ(TextOf(*spElement), "<AA:a xmlns:AA=\"urn:y\" xmlns:AB=\"urn:x\" AB:b=\"1\" c=\"2\"><f/><AB:d>t</AB:d>"
+                                  "<AB:g/></AA:a>");
+    ExpectThrows<CQzInvalidStateException>(
+        [] { CElement(u"a").GetChildElements()->Add(u"b"); }, u"A Namespace has not been set for this Collection");
+    CElement plain(u"a");
+    plain.GetChildElements()->Add(u"b", u"");
+    EXPECT_EQ(TextOf(plain), "<a><b/></a>");
+}
+
+TEST(CElementTest, NameIsTheOneOfTheBase)
+{
+    CSmartPtr<COpenElement> const spElement(new COpenElement(u"a"));
+    EXPECT_EQ(spElement->GetElementName(), u"a");
+    spElement->SetName(u"b");
+    EXPECT_EQ(spElement->GetElementName(), u"b");
+    spElement->FromXml(u"<c/>");
+    EXPECT_EQ(spElement->GetElementName(), u"c");
+}
+
+TEST(CElementTest, LeavesAloneWhatItsRestrictionRefuses)
+{
+    CSmartPtr<COpenElement> const spElement(new COpenElement(u"a", u"urn:x"));
+    spElement->SetText(u"t");
+    CXmlDocument document;
+    document.LoadXml("<b xmlns='urn:y' c='1'><d/></b>");
+    CXmlElement * const pRoot = document.GetDocumentElement();
+    CSerializationContext const ctx;
+    EXPECT_EQ(spElement->FromXml_Int(pRoot, pRoot, ctx, false), pRoot);
+    EXPECT_EQ(spElement->FromXml_Int(pRoot, nullptr, ctx, false), nullptr);
+    spElement->FromXml(u"<b xmlns='urn:y' c='1'><d/></b>");
+    EXPECT_EQ(TextOf(*spElement), "<AA:a xmlns:AA=\"urn:x\">t</AA:a>");
+    // The base would hand over the first child of the root.
+    spElement->FromXmlElement(pRoot);
+    spElement->FromXml(u"<b xmlns='urn:x' c='1'><d/></b>");
+    spElement->FromXml(u"<b xmlns='urn:x'><e xmlns=''/></b>");
+    EXPECT_EQ(TextOf(*spElement), "<AA:b xmlns:AA=\"urn:x\" c=\"1\"><AA:d/><e/></AA:b>") << "reading adds";
+}
+
+TEST(CElementTest, CloneStandsAlone)
+{
+    CSmartPtr<CElement> const spElement = Parsed("<a b='1'><c><d/></c></a>");
+    CSmartPtr<CElement> const spClone = spElement->Clone();
+    spClone->GetChildElements()->Item(0)->GetChildElements()->Clear();
+    spClone->GetAttributes()->Item(0)->SetValue(u"2");
+    EXPECT_EQ(TextOf(*spElement), "<a b=\"1\"><c><d/></c></a>");
+    EXPECT_EQ(TextOf(*spClone), "<a b=\"2\"><c/></a>");
+}
+
+TEST(CElementTest, ChecksTheWholeTree)
+{
+    CSmartPtr<CElement> const spElement = Parsed("<a><b><c xmlns='urn:x'/><d p:e='' xmlns:p='urn:y'/></b></a>");
+    spElement->SetNamespaceRestrictions(u"urn:x urn:y", u"");
+    ExpectThrowsChain<CQzInvalidNamespaceException>([&] { spElement->SetNamespaceRestrictions(u"urn:x", u"urn:t"); },
+        u"The namespace  in the class a is invalid against restriction urn:x\n"
+        u"The namespace  in the class b is invalid against restriction urn:x\n"
+        u"The namespace  in the class d is invalid against restriction urn:x\n"
+        u"Invalid namespace [urn:y]. The namespace must be one of [urn:x] where the target namespace is [urn:t].");
+}
+
+TEST(CElementTest, WritesFragments)
+{
+    CTableSchema schema;
+    schema.Element<CElementInfoSeqUntpdOpt>(u"AnyElement", u"##any", u"");
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema, u"o"));
+    spObject->m_strNamespace = u"urn:o";
+    CSmartPtr<CElement> const spInner = Parsed("<i xmlns='urn:o' a='1'>t</i>");
+    (*spObject)[0].SetXmlObject(spInner);
+    CSmartPtr<CElement> const spFragment(new CElement(spObject, u"urn:o"));
+    spFragment->GetAttributes()->Add(u"lost");
+    CSmartPtr<CElement> const spRoot(new CElement(u"r"));
+    spRoot->GetChildElements()->Add(spFragment);
+    EXPECT_EQ(TextOf(*spRoot), "<r><o xmlns=\"urn:o\"><i a=\"1\">t</i></o></r>");
+    EXPECT_EQ(TextOf(*spRoot, true), "<r>\n<o xmlns=\"urn:o\">\n\t<i a=\"1\">t</i>\n</o>\n\n</r>\n");
+    EXPECT_EQ(TextOf(*spFragment->Clone()), "<AA:o xmlns:AA=\"urn:o\" lost=\"\"><AA:i a=\"1\">t</AA:i></AA:o>");
+    EXPECT_EQ(TextOf(*CSmartPtr<CElement>(new CElement(spObject, nullptr))),
+        "<AA:o xmlns:AA=\"urn:o\"><AA:i a=\"1\">t</AA:i></AA:o>");
+}
+
+TEST(CAttributeColTest, PicksTheNamespaceOfNewAttributes)
+{
+    struct
+    {
+        char16_t const * pNamespace;
+        char16_t const * pRestriction;
+        char16_t const * pExpected;
+    } const kRows[] = {
+        {u"", u"urn:a urn:b", u"urn:a"},
+        {u"urn:b", u"urn:a urn:b", u"urn:b"},
+        {u"", u"##any", u""},
+        {u"", u"a ##any", u""},
+        {u"", u"a# ##any", u""},
+        {nullptr, nullptr, u""},
+    };
+    for (auto const & row : kRows)
+    {
+        CSmartPtr<CAttributeCol> const spAttributes(new CAttributeCol(row.pNamespace, row.pRestriction, u""));
+        EXPECT_EQ(spAttributes->Add(u"x", u"1")->GetNamespace(), row.pExpected);
+        EXPECT_EQ(spAttributes->Clone()->Add(u"x")->GetNamespace(), row.pExpected);
+    }
+    CSmartPtr<CAttributeCol> const spAttributes(new CAttributeCol(u"", u"##local", u""));
+    CSmartPtr<CAttributeCol> const spOpen(new CAttributeCol(u"urn:a", u"##any", u""));
+    spAttributes->Add(spOpen->Add(u"any"));
+    EXPECT_EQ(spAttributes->GetCount(), 1);
+    ExpectThrows<CQzInvalidNamespaceException>([&] { spAttributes->Add(u"x", u"", u"urn:a"); },
+        u"Invalid namespace [urn:a]. The namespace must be one of [##local] where the target namespace is [].");
+    ExpectThrows<CQzInvalidParamException>([&] { spAttributes->Item(1); }, u"Index 1 is out of range, use 0 - 0");
+    ExpectThrows<CQzException>([&] { spOpen->ToXml(); }, u"No Element is open.");
+    ExpectThrows<CQzException>([&] { spOpen->Item(0)->FromXml("<a/>"); }, u"This should be done by the collection");
+}
+
+TEST(CQzIteratorTest, WalksItemsInOrder)
+{
+    CSmartPtr<CElement> const spElement = Parsed("<a><b/><c/></a>");
+    CSmartPtr<CElementCol> const spChildren = spElement->GetChildElements();
+    std::u16string strNames;
+    for (CElement & child : *spChildren)
+        strNames += child.GetName();
+    EXPECT_EQ(strNames, u"bc");
+    auto it = std::find_if(
+        spChildren->begin(), spChildren->end(), [](CElement const & child) { return child.GetName() == u"c"; });
+    EXPECT_EQ((it++)->GetName(), u"c");
+    EXPECT_TRUE(it == spChildren->end());
+    ExpectThrows<CQzException>([&] { ++it; }, u"No More Elements in the Collection");
+}
+
+TEST(OpenContentTest, CountsInstancesAndLeaksNone)
+{
+    struct CRefusing : IEventSink
+    {
+        void OnEvent(CXmlObjectBase *, MsgType, void *) override { throw CQzException(u"no"); }
+    } refusing;
+    int const nElements = LiveCount("CElement");
+    int const nAttributes = LiveCount("CAttribute");
+    {
+        CSmartPtr<CElement> const spElement = Parsed("<a b='1'><c d='2'/></a>");
+        EXPECT_EQ(LiveCount("CElement"), nElements + 2);
+        EXPECT_EQ(LiveCount("CAttribute"), nAttributes + 2);
+        spElement->GetAttributes()->AddEventListener(&refusing);
+        spElement->GetChildElements()->AddEventListener(&refusing);
+        EXPECT_THROW(spElement->GetAttributes()->Add(u"x"), CQzException);
+        EXPECT_THROW(spElement->GetChildElements()->Add(u"x", u""), CQzException);
+        EXPECT_THROW(spElement->FromXml(u"<a><b><c/></b></a>"), CQzException);
+        EXPECT_EQ(LiveCount("CElement"), nElements + 2);
+        spElement->GetAttributes()->RemoveEventListener(&refusing);
+        spElement->GetChildElements()->RemoveEventListener(&refusing);
+    }
+    EXPECT_EQ(LiveCount("CElement"), nElements);
+    EXPECT_EQ(LiveCount("CAttribute"), nAttributes);
+}
+
+namespace
+{
+
+#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__clang__)
+constexpr std::size_t kStack = 8u << 20;
+#else
+constexpr std::size_t kStack = 256u << 20;
+#endif
+
+/// Runs the function on a thread with a stack of kStack octets.
+void OnStack(std::function<void()> run)
+{
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStack), 0);
+    pthread_t thread;
+    auto * const pfnStart = +[](void * pRun) -> void *
+    {
+        (*static_cast<std::function<void()> *>(pRun))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, pfnStart, &run), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+} // namespace
+
+TEST(OpenContentDepthTest, LimitIsTenThousandLevels)
+{
+    OnStack(
+        []
+        {
+            std::string strDocument;
+            for (int i = 0; i < 10000; ++i)
+                strDocument += "<a>";
+            for (int i = 0; i < 10000; ++i)
+                strDocument += "</a>";
+            CSmartPtr<CElement> const spElement = Parsed(strDocument);
+            CSmartPtr<CElement> const spClone = spElement->Clone();
+            EXPECT_EQ(TextOf(*spClone).size(), strDocument.size() - 3);
+            spClone->SetNamespaceRestrictions(u"##local", u"");
+
+            CSmartPtr<CElement> const spDeeper(new CElement(u"a"));
+            spDeeper->GetChildElements()->Add(spClone);
+            std::u16string const strMessage = u"Elements are nested deeper than 10000 levels.";
+            ExpectThrows<CQzException>([&] { spDeeper->ToXml(); }, strMessage);
+            ExpectThrows<CQzException>([&] { spDeeper->Clone(); }, strMessage);
+            ExpectThrows<CQzException>([&] { spDeeper->SetNamespaceRestrictions(u"##local", u""); }, strMessage);
+        });
+}
+
+TEST(OpenContentDepthTest, ReadingAndDestructionDoNotRecurse)
+{
+    CSerializationContext ctx;
+    CReadLimits limits;
+    limits.nMaxDepth = 0;
+    ctx.SetReadLimits(limits);
+    std::string strDocument;
+    constexpr int kLevels = 300000;
+    for (int i = 0; i < kLevels; ++i)
+        strDocument += "<a>";
+    for (int i = 0; i < kLevels; ++i)
+        strDocument += "</a>";
+    CXmlDocument document(ctx);
+    document.LoadXml(strDocument.c_str());
+    int const nBefore = LiveCount("CElement");
+    CSmartPtr<COpenElement> spElement(new COpenElement(u"x"));
+    CXmlElement * const pRoot = document.GetDocumentElement();
+    spElement->FromXml_Int(pRoot, pRoot, ctx, false);
+    EXPECT_EQ(LiveCount("CElement"), nBefore + kLevels);
+    spElement = nullptr;
+    EXPECT_EQ(LiveCount("CElement"), nBefore);
+}
+
+// Wildcards in the tables of a class.
+
+namespace
+{
+
+constexpr auto kSeq = XmlElementGroupType_Sequence;
+constexpr auto kAll = XmlElementGroupType_All;
+constexpr auto kChoice = XmlElementGroupType_Choice;
+
+void NewElement(CTableClass & object)
+{
+    object[0].SetXmlObject(CSmartPtr<CXmlObjectBase>(new CElement(u"e", u"", u"##any", u"")));
+}
+
+void NewCollection(CTableClass & object)
+{
+    object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CElementCol(u"", u"##any", u"", 1, 1)));
+}
+
+template <class Entry>
+void Optional(CTableSchema & s)
+{
+    s.Element<Entry>(u"AnyElement", u"##local urn:x", u"");
+}
+template <class Entry>
+void Named(CTableSchema & s)
+{
+    s.Element<Entry>(u"e", u"##any", u"");
+}
+template <class Entry>
+void Mandatory(CTableSchema & s)
+{
+    Named<Entry>(s);
+    s.OnInit(NewElement);
+}
+template <class Entry>
+void Collection(CTableSchema & s)
+{
+    s.Element<Entry>(u"AnyElement").OnInit(NewCollection);
+}
+template <class Entry>
+void NamedCollection(CTableSchema & s)
+{
+    s.Element<Entry>(u"e").OnInit(NewCollection);
+}
+
+struct WildcardRow
+{
+    char const * pszName;
+    CTableSchema::Group eGroup;
+    void (*pfnTables)(CTableSchema & schema);
+    char const * pszDocument;
+    char const * pszExpected; ///< the document that is written, or the message of the failure
+};
+
+void PrintTo(WildcardRow const & row, std::ostream * pOut)
+{
+    *pOut << row.pszName;
+}
+
+class WildcardTest : public testing::TestWithParam<WildcardRow>
+{
+};
+
+#define QZ_LEFT_OVER(element)                                                                                          \
+    "Failed read all the elements held within the element [r]. The unexpected element [" element                       \
+    "] remains un processed\nPath: /r"
+
+WildcardRow const kWildcards[] = {
+    {"SeqMnd", kSeq, Mandatory<CElementInfoSeqUntpdMnd>, "<r><e a='1'><x/></e></r>", "<r><e a=\"1\"><x/></e></r>"},
+    {"SeqMndAtEnd", kSeq, Mandatory<CElementInfoSeqUntpdMnd>, "<r/>",
+        "Failed to find the required child element [e].\nPath: /r"},
+    {"SeqMndOtherName", kSeq, Mandatory<CElementInfoSeqUntpdMnd>, "<r><f/></r>",
+        "Failed to find the required element from namespace [].\nPath: /r"},
+    {"SeqOpt", kSeq, Optional<CElementInfoSeqUntpdOpt>, "<r><f xmlns='urn:x'>1</f></r>",
+        "<r><AA:f xmlns:AA=\"urn:x\">1</AA:f></r>"},
+    {"SeqOptRefused", kSeq, Optional<CElementInfoSeqUntpdOpt>, "<r><f xmlns='urn:y'/></r>", QZ_LEFT_OVER("f")},
+    {"SeqOptAbsent", kSeq, Optional<CElementInfoSeqUntpdOpt>, "<r/>", "<r/>"},
+    {"SeqOptAnyNamespace", kSeq, Named<CElementInfoSeqUntpdOpt>, "<r><e xmlns='urn:y'/></r>",
+        "<r><AA:e xmlns:AA=\"urn:y\"/></r>"},
+    // The namespace that ##other suggests for a parent without one is refused here, on a name that would not match too.
+    {"SeqOptOwnDefaultRefused", kSeq,
+        [](CTableSchema & s) { s.Element<CElementInfoSeqUntpdOpt>(u"e", u"##other", u"DefaultNamespace"); },
+        "<r><f/></r>",
+        "Failed to process the element.\nPath: /r\nInvalid namespace [DefaultNamespace]. The namespace must be one of "
+        "[##other] where the target namespace is [DefaultNamespace]."},
+    {"SeqOptLeadingKeyword", kSeq,
+        [](CTableSchema & s)
+        { s.Element<CElementInfoSeqUntpdOpt>(u"AnyElement", u"##targetNamespace urn:x", u"urn:t"); },
+        "<r><f xmlns='urn:t'/></r>", "<r><AA:f xmlns:AA=\"urn:t\"/></r>"},
+    {"SeqCol", kSeq, Collection<CElementInfoSeqUntpdCol>, "<r><a/><b xmlns='urn:x'/><a/></r>",
+        "<r><a/><AA:b xmlns:AA=\"urn:x\"/><a/></r>"},
+    {"SeqColLocks", kSeq, NamedCollection<CElementInfoSeqUntpdCol>, "<r><e/><e/><e xmlns='urn:x'/></r>",
+        QZ_LEFT_OVER("e")},
+    {"SeqColNamedRun", kSeq, NamedCollection<CElementInfoSeqUntpdCol>, "<r><e/><e>1</e></r>", "<r><e/><e>1</e></r>"},
+    {"SeqColEmpty", kSeq, NamedCollection<CElementInfoSeqUntpdCol>, "<r/>", "<r/>"},
+    {"SeqColOfOther", kSeq,
+        [](CTableSchema & s)
+        {
+            s.Element<CElementInfoSeqUntpdCol>(u"e").OnInit([](CTableClass & object)
+                { object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CAttributeCol(u"", u"", u""))); });
+        },
+        "<r/>",
+        "Failed to process the element.\nPath: /r\nSerialization Data Error : The collection should be a "
+        "CElementCol, it was not!"},
+    {"AllBoth", kAll,
+        [](CTableSchema & s)
+        {
+            Mandatory<CElementInfoAllUntpdMnd>(s);
+            Optional<CElementInfoAllUntpdOpt>(s);
+        },
+        "<r><o/><e/></r>", "<r><e/><o/></r>"},
+    {"AllMndAbsent", kAll, Mandatory<CElementInfoAllUntpdMnd>, "<r/>",
+        "Failed to process the element.\nPath: /r\nFailed to find the mandatory element [e]."},
+    {"AllOptRefused", kAll, Optional<CElementInfoAllUntpdOpt>, "<r><f xmlns='urn:y'/></r>", QZ_LEFT_OVER("f")},
+    {"AllColNeverReads", kAll, Collection<CElementInfoAllUntpdCol>, "<r><a/></r>",
+        "Failed to process the element.\nPath: /r\nNot implemented, should never be called"},
+    {"ChoiceOpt", kChoice, Optional<CElementInfoChoiceUntpdOpt>, "<r><f/></r>", "<r><f/></r>"},
+    {"ChoiceOptNothing", kChoice, Optional<CElementInfoChoiceUntpdOpt>, "<r/>", "<r/>"},
+    {"ChoiceCol", kChoice, Collection<CElementInfoChoiceUntpdCol>, "<r><a/><b/></r>", "<r><a/><b/></r>"},
+    {"ChoiceColNothing", kChoice, NamedCollection<CElementInfoChoiceUntpdCol>, "<r/>", "<r/>"},
+};
+
+} // namespace
+
+TEST_P(WildcardTest, GivesTheSameOrFails)
+{
+    CTableSchema schema(GetParam().eGroup);
+    GetParam().pfnTables(schema);
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    std::string strResult;
+    try
+    {
+        spObject->FromXml(GetParam().pszDocument);
+        strResult = TextOf(*spObject);
+    }
+    catch (CQzException const & e)
+    {
+        strResult = Utf8(e.GetFullMessage());
+    }
+    EXPECT_EQ(strResult, GetParam().pszExpected);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, WildcardTest, testing::ValuesIn(kWildcards), CaseName);
+
+TEST(WildcardSetTest, ChoiceTellsThePropertyOfAMiss)
+{
+    CTableSchema schema(kChoice);
+    Named<CElementInfoChoiceUntpdOpt>(schema);
+    Named<CElementInfoChoiceUntpdOpt>(schema);
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    EXPECT_THROW(spObject->FromXml("<r><f/></r>"), CQzException);
+    EXPECT_EQ(spObject->m_setLog, (std::vector<int>{0, 1}));
+    spObject->m_setLog.clear();
+    spObject->FromXml("<r/>");
+    EXPECT_TRUE(spObject->m_setLog.empty());
+}
+
+TEST(WildcardSetTest, AttributesOfTheListAreGathered)
+{
+    CTableSchema schema;
+    schema.Attribute<CAttributeInfoAny>(u"", false, u"##other", u"urn:t", u"");
+    schema.OnInit([](CTableClass & object)
+        { object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CAttributeCol(u"", u"##any", u""))); });
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    spObject->FromXml("<r a='1' p:b='2' xmlns:p='urn:x'/>");
+    EXPECT_EQ(TextOf(*spObject), "<r a=\"1\" xmlns:AA=\"urn:x\" AA:b=\"2\"/>");
+    ExpectThrows<CQzException>(
+        [&] { spObject->FromXml("<r p:b='2' xmlns:p='urn:t'/>"); }, u"Unexpected Attribute found.", u"/r/p:@b");
+    spObject->m_schema.get().OnInit([](CTableClass & object)
+        { object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CElementCol(u"", u"##any", u"", 0, -1))); });
+    ExpectThrowsChain<CQzValidationException>([&] { spObject->FromXml("<r a='1'/>"); },
+        u"Failed to process the element.\nPath: /r\nSerialization Data Error : The collection should be a "
+        u"CAttributeCol, it was not!");
+}
+
+TEST(RootAttributesTest, AreWrittenFirstAndSharedWithCopies)
+{
+    CSerializationContext ctx;
+    CSerializationContext const before(ctx);
+    ctx.GetAdditionalRootAttributes()->Add(u"x", u"1");
+    ctx.GetAdditionalRootAttributes()->Add(u"y", u"2", u"urn:y");
+    CSerializationContext copy(ctx);
+    copy.GetAdditionalRootAttributes()->Add(u"z");
+    CTableSchema schema;
+    schema.Attribute<CAttributeInfoAny>(u"", true, u"##any", u"", u"");
+    schema.Element<CElementInfoSeqUntpdOpt>(u"AnyElement", u"##any", u"");
+    schema.OnInit([](CTableClass & object)
+        { object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CAttributeCol(u"", u"##any", u""))); });
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    spObject->FromXml("<r own='3'><c/></r>");
+    EXPECT_EQ(Utf8(spObject->ToXml(false, false, EOLType_LF, ctx)),
+        "<r x=\"1\" xmlns:AA=\"urn:y\" AA:y=\"2\" z=\"\" own=\"3\"><c/></r>");
+    EXPECT_EQ(before.GetAdditionalRootAttributes()->GetCount(), 0);
+    ctx = before;
+    EXPECT_EQ(ctx.GetAdditionalRootAttributes(), before.GetAdditionalRootAttributes());
+
+    // Another object takes what an element of open content holds.
+    CSmartPtr<CTableClass> const spOther(new CTableClass(schema));
+    spOther->FromXmlElement(Parsed("<q a='1'><d/></q>").Get());
+    EXPECT_EQ(TextOf(*spOther), "<q a=\"1\"><d/></q>");
+    ExpectThrows<CQzException>(
+        [&] { spOther->FromXmlElement(static_cast<CElement *>(nullptr)); }, u"Invalid or empty XML document");
+}
