@@ -313,11 +313,7 @@ CXmlWriter::CPrefix CXmlWriter::FindPrefix(CXmlWriterContext & context, std::u16
 
 void CXmlWriter::CountPassingContext()
 {
-    struct CPassing : CInstanceMonitor
-    {
-        CPassing() : CInstanceMonitor(g_contextName) {}
-    };
-    CPassing const passing;
+    CountPassing(g_contextName);
 }
 
 void CXmlWriter::ThrowNoElement()

@@ -240,6 +240,16 @@ CInstanceMonitor::CInstanceMonitor(CInstanceName & name) : m_pct(nullptr)
     name.m_nGeneration.store(nGeneration, std::memory_order_release);
 }
 
+void CInstanceMonitor::CountPassing(CInstanceName & name)
+{
+    CInstanceCounters * const pShard = t_pShard;
+    if (pShard != nullptr &&
+        name.m_nGeneration.load(std::memory_order_acquire) == g_nGeneration.load(std::memory_order_relaxed))
+        CInstanceCounters::Add(pShard->aCounters[name.m_pct.load(std::memory_order_relaxed)->nIndex].lTotalCount, 1);
+    else
+        CInstanceMonitor const passing(name);
+}
+
 CInstanceMonitor::CInstanceMonitor(CInstanceMonitor const & other) : m_pct(nullptr)
 {
     CInstanceCounters::CountUp(*this, *other.m_pct);

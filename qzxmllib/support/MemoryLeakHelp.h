@@ -50,6 +50,8 @@ public:
 protected:
     /// As above, for a name whose record is remembered by name itself. For classes with many instances.
     explicit CInstanceMonitor(CInstanceName & name);
+    /// Counts an instance that has come and gone, for one that need not be built.
+    static void CountPassing(CInstanceName & name);
 
 private:
     friend struct CInstanceCounters;
