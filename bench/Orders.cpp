@@ -111,7 +111,7 @@ void CItem::Init()
     m_strPartNumber.clear();
     m_strProductName.clear();
     m_nQuantity = 0;
-    m_unitPrice.clear();
+    m_unitPrice = 0;
     m_discount.reset();
     m_weight = 0;
     m_bInStock = false;
@@ -183,13 +183,13 @@ void COrder::Init()
     m_dwId = 0;
     m_eStatus = Status::Open;
     m_priority.reset();
-    m_orderDate.clear();
-    m_created.clear();
+    m_orderDate = Date();
+    m_created = Date();
     m_spCustomer->Init();
     m_spShipTo->Init();
     m_spBillTo = nullptr;
     m_spItems->Init();
-    m_total.clear();
+    m_total = 0;
     m_bPaid = false;
     m_comment.reset();
 }

@@ -15,12 +15,12 @@ using Text = std::u16string;
 using OptText = std::optional<Text>;
 constexpr QzXmlLib16::ItemType kText = QzXmlLib16::ItemType_string;
 
-using Decimal = std::u16string;
-constexpr QzXmlLib16::ItemType kDecimal = QzXmlLib16::ItemType_string;
+using Decimal = QzXmlLib16::CDecimal;
+constexpr QzXmlLib16::ItemType kDecimal = QzXmlLib16::ItemType_decimal;
 
-using Date = std::u16string;
-constexpr QzXmlLib16::ItemType kDate = QzXmlLib16::ItemType_string;
-constexpr QzXmlLib16::ItemType kDateTime = QzXmlLib16::ItemType_string;
+using Date = QzXmlLib16::CDateTime;
+constexpr QzXmlLib16::ItemType kDate = QzXmlLib16::ItemType_date;
+constexpr QzXmlLib16::ItemType kDateTime = QzXmlLib16::ItemType_datetime;
 
 enum class Status
 {

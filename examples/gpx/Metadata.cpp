@@ -82,8 +82,10 @@ void CCopyright::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & va
 Generated::CTables CBounds::MakeTables()
 {
     return {u"boundsType", kNamespace, {},
-        {kEntries.Attribute(u"minlat", 0, kDecimal), kEntries.Attribute(u"minlon", 1, kDecimal),
-            kEntries.Attribute(u"maxlat", 2, kDecimal), kEntries.Attribute(u"maxlon", 3, kDecimal)}};
+        {kEntries.Attribute(u"minlat", 0, kDecimal, false, Latitude()),
+            kEntries.Attribute(u"minlon", 1, kDecimal, false, Longitude()),
+            kEntries.Attribute(u"maxlat", 2, kDecimal, false, Latitude()),
+            kEntries.Attribute(u"maxlon", 3, kDecimal, false, Longitude())}};
 }
 
 void CBounds::Init()

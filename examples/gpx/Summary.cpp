@@ -14,27 +14,28 @@ double DistanceKm(CWayPoint const & a, CWayPoint const & b)
 {
     constexpr double kRadians = 3.14159265358979323846 / 180;
     constexpr double kEarthRadiusKm = 6371.0088;
-    double const latA = ToDouble(a.m_lat) * kRadians;
-    double const latB = ToDouble(b.m_lat) * kRadians;
+    double const latA = a.m_lat.ToDouble() * kRadians;
+    double const latB = b.m_lat.ToDouble() * kRadians;
     double const sinLat = std::sin((latB - latA) / 2);
-    double const sinLon = std::sin((ToDouble(b.m_lon) - ToDouble(a.m_lon)) * kRadians / 2);
+    double const sinLon = std::sin((b.m_lon.ToDouble() - a.m_lon.ToDouble()) * kRadians / 2);
     double const h = sinLat * sinLat + std::cos(latA) * std::cos(latB) * sinLon * sinLon;
     return 2 * kEarthRadiusKm * std::asin(std::sqrt(std::min(1.0, h)));
 }
 
 void AddPoint(Summary & summary, CWayPoint const & point)
 {
-    summary.minLat = std::min(summary.minLat, ToDouble(point.m_lat));
-    summary.maxLat = std::max(summary.maxLat, ToDouble(point.m_lat));
-    summary.minLon = std::min(summary.minLon, ToDouble(point.m_lon));
-    summary.maxLon = std::max(summary.maxLon, ToDouble(point.m_lon));
+    double const lat = point.m_lat.ToDouble();
+    double const lon = point.m_lon.ToDouble();
+    summary.minLat = std::min(summary.minLat, lat);
+    summary.maxLat = std::max(summary.maxLat, lat);
+    summary.minLon = std::min(summary.minLon, lon);
+    summary.maxLon = std::max(summary.maxLon, lon);
     if (!point.m_time)
         return;
-    // Times of one file are all UTC in practice, and then their texts sort as the times do.
-    if (summary.strFirst.empty() || *point.m_time < summary.strFirst)
-        summary.strFirst = *point.m_time;
-    if (*point.m_time > summary.strLast)
-        summary.strLast = *point.m_time;
+    if (!summary.first || *point.m_time < *summary.first)
+        summary.first = *point.m_time;
+    if (!summary.last || *point.m_time > *summary.last)
+        summary.last = *point.m_time;
 }
 
 /// Adds the points and gives the length of the line that joins them.

@@ -2,8 +2,6 @@
 
 #include "examples/gpx/Gpx.h"
 
-#include <string>
-
 namespace Gpx
 {
 
@@ -27,9 +25,9 @@ struct Summary
     double routeKm = 0;
     double trackKm = 0;
 
-    /// Times of the earliest and the latest point, empty if no point has one.
-    std::u16string strFirst;
-    std::u16string strLast;
+    /// Times of the earliest and the latest point, unset if no point has one.
+    std::optional<Time> first;
+    std::optional<Time> last;
 
     int GetPointCount() const { return nWayPoints + nRoutePoints + nTrackPoints; }
 };

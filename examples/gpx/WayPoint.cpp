@@ -6,15 +6,16 @@ namespace Gpx
 Generated::CTables CWayPoint::MakeTables()
 {
     return {u"wptType", kNamespace,
-        {kEntries.Opt(u"ele", 2, kDecimal), kEntries.Opt(u"time", 3, kTime), kEntries.Opt(u"magvar", 4, kDecimal),
-            kEntries.Opt(u"geoidheight", 5, kDecimal), kEntries.Opt(u"name", 6, kText), kEntries.Opt(u"cmt", 7, kText),
-            kEntries.Opt(u"desc", 8, kText), kEntries.Opt(u"src", 9, kText), kEntries.Col(u"link", 10),
-            kEntries.Opt(u"sym", 11, kText), kEntries.Opt(u"type", 12, kText),
-            kEntries.EnumOpt(u"fix", 13, &FixTypeToString, &FixTypeFromString), kEntries.Opt(u"sat", 14, kNumber),
-            kEntries.Opt(u"hdop", 15, kDecimal), kEntries.Opt(u"vdop", 16, kDecimal),
+        {kEntries.Opt(u"ele", 2, kDecimal), kEntries.Opt(u"time", 3, kTime),
+            kEntries.Opt(u"magvar", 4, kDecimal, Degrees()), kEntries.Opt(u"geoidheight", 5, kDecimal),
+            kEntries.Opt(u"name", 6, kText), kEntries.Opt(u"cmt", 7, kText), kEntries.Opt(u"desc", 8, kText),
+            kEntries.Opt(u"src", 9, kText), kEntries.Col(u"link", 10), kEntries.Opt(u"sym", 11, kText),
+            kEntries.Opt(u"type", 12, kText), kEntries.EnumOpt(u"fix", 13, &FixTypeToString, &FixTypeFromString),
+            kEntries.Opt(u"sat", 14, kNumber), kEntries.Opt(u"hdop", 15, kDecimal), kEntries.Opt(u"vdop", 16, kDecimal),
             kEntries.Opt(u"pdop", 17, kDecimal), kEntries.Opt(u"ageofdgpsdata", 18, kDecimal),
-            kEntries.Opt(u"dgpsid", 19, kNumber)},
-        {kEntries.Attribute(u"lat", 0, kDecimal), kEntries.Attribute(u"lon", 1, kDecimal)}};
+            kEntries.Opt(u"dgpsid", 19, kNumber, DgpsStation())},
+        {kEntries.Attribute(u"lat", 0, kDecimal, false, Latitude()),
+            kEntries.Attribute(u"lon", 1, kDecimal, false, Longitude())}};
 }
 
 void CWayPoint::Init()

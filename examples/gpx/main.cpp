@@ -13,23 +13,50 @@ namespace
 
 using namespace QzXmlLib16;
 
-/// One way to write an object as octets.
+using Write = CBinaryData(Gpx::CGpx const & gpx, CSerializationContext const & ctx, CompressionType eCompression);
+using Read = void(Gpx::CGpx & gpx, CBinaryData const & data, CSerializationContext const & ctx);
+
+/// One way to write an object as octets and to read them.
 struct Form
 {
     char const * pszName;
-    CBinaryData (*pfnWrite)(Gpx::CGpx const & gpx);
+    Write * pfnWrite;
+    Read * pfnRead;
+    CompressionType eCompression;
+    /// Numbers and dates in the short forms of Fast Infoset.
+    bool bSuggestedValues;
 };
 
-template <CompressionType eCompression>
-CBinaryData WriteXml(Gpx::CGpx const & gpx)
+CBinaryData WriteXml(Gpx::CGpx const & gpx, CSerializationContext const & ctx, CompressionType eCompression)
 {
-    return gpx.ToXmlStream(
-        true, true, XmlEncoding_UTF8, EOLType_LF, CSerializationContext::GetDefaultContext(), eCompression);
+    return gpx.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, ctx, eCompression);
+}
+CBinaryData WriteFastInfoset(Gpx::CGpx const & gpx, CSerializationContext const & ctx, CompressionType eCompression)
+{
+    return gpx.ToFastInfosetStream(FInfoDecl_None, ctx, eCompression);
+}
+CBinaryData WriteJson(Gpx::CGpx const & gpx, CSerializationContext const & ctx, CompressionType eCompression)
+{
+    return gpx.ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx, eCompression);
+}
+/// XML or Fast Infoset: the octets tell which.
+void ReadXml(Gpx::CGpx & gpx, CBinaryData const & data, CSerializationContext const & ctx)
+{
+    gpx.FromXmlStream(data, ctx);
+}
+void ReadJson(Gpx::CGpx & gpx, CBinaryData const & data, CSerializationContext const & ctx)
+{
+    gpx.FromJsonStream(data, ctx);
 }
 
 constexpr Form kForms[] = {
-    {"XML", &WriteXml<CompressionType_None>},
-    {"XML, gzip", &WriteXml<CompressionType_GZip>},
+    {"XML", &WriteXml, &ReadXml, CompressionType_None, false},
+    {"XML, gzip", &WriteXml, &ReadXml, CompressionType_GZip, false},
+    {"Fast Infoset", &WriteFastInfoset, &ReadXml, CompressionType_None, false},
+    {"FI, short values", &WriteFastInfoset, &ReadXml, CompressionType_None, true},
+    {"FI, gzip", &WriteFastInfoset, &ReadXml, CompressionType_GZip, false},
+    {"JSON", &WriteJson, &ReadJson, CompressionType_None, false},
+    {"JSON, gzip", &WriteJson, &ReadJson, CompressionType_GZip, false},
 };
 
 /// The options under which files are read: what GPX has no place for is left out.
@@ -37,6 +64,21 @@ CSerializationContext ReadContext()
 {
     CSerializationContext ctx;
     ctx.SetIgnoreUnknownElements(true);
+    return ctx;
+}
+
+/// The options under which a form is written and read.
+CSerializationContext FormContext(Form const & form)
+{
+    CSerializationContext ctx = ReadContext();
+    ctx.SetDefaultNamespaceURI(Gpx::kNamespace);
+    ctx.GetJsonContext().SetStrict(true);
+    if (form.bSuggestedValues)
+    {
+        ctx.GetFIContext().SetSuggestedValues();
+        // The alphabet of dates has neither the point of a fraction nor the plus sign of an offset.
+        ctx.GetFIContext().SetEncoding(ItemType_datetime, {CFastInfosetContext::ECS_DefaultEncoding, 0});
+    }
     return ctx;
 }
 
@@ -48,6 +90,14 @@ double Milliseconds(F && call)
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
+/// The time from one to the other, as a person says it.
+std::string Elapsed(CDateTime const & first, CDateTime const & last)
+{
+    std::int64_t const nMinutes = (last.GetTime() - first.GetTime()) / 60;
+    std::string const strMinutes = std::to_string(nMinutes % 60) + " min";
+    return nMinutes < 60 ? strMinutes : std::to_string(nMinutes / 60) + " h " + strMinutes;
+}
+
 void PrintSummary(Gpx::Summary const & summary, Gpx::Survey const & survey)
 {
     std::printf("  points   %d way points, %d in %d routes, %d in %d tracks of %d segments\n", summary.nWayPoints,
@@ -56,27 +106,14 @@ void PrintSummary(Gpx::Summary const & summary, Gpx::Survey const & survey)
         std::printf("  bounds   latitude %.6f to %.6f, longitude %.6f to %.6f\n", summary.minLat, summary.maxLat,
             summary.minLon, summary.maxLon);
     std::printf("  length   %.3f km of tracks, %.3f km of routes\n", summary.trackKm, summary.routeKm);
-    if (!summary.strFirst.empty())
-        std::printf("  time     %s to %s\n", Narrow(summary.strFirst).c_str(), Narrow(summary.strLast).c_str());
+    if (summary.first)
+        std::printf("  time     %s to %s, %s\n", Narrow(summary.first->ToString()).c_str(),
+            Narrow(summary.last->ToString()).c_str(), Elapsed(*summary.first, *summary.last).c_str());
     if (survey.nExtensions > 0)
         std::printf("  left out %d extensions elements\n", survey.nExtensions);
     if (survey.nPoints != summary.GetPointCount())
         std::printf("  left out %d points that stand where GPX has no place for them\n",
             survey.nPoints - summary.GetPointCount());
-}
-
-/// Writes the object in one form, reads it back and prints a line of the table. False if the copy differs.
-bool PrintForm(Form const & form, Gpx::CGpx & gpx)
-{
-    CBinaryData data;
-    double const writeMs = Milliseconds([&] { data = form.pfnWrite(gpx); });
-    CSmartPtr<Gpx::CGpx> spCopy(new Gpx::CGpx);
-    double const readMs = Milliseconds([&] { spCopy->FromXmlStream(data, ReadContext()); });
-    bool const bAgrees = Generated::Agree(gpx, *spCopy);
-    double const megabytes = data.GetLength() / 1e6;
-    std::printf("  %-12s %10u %10.2f %8.1f %10.2f %8.1f  %s\n", form.pszName, data.GetLength(), writeMs,
-        megabytes / (writeMs / 1e3), readMs, megabytes / (readMs / 1e3), bAgrees ? "same" : "DIFFERS");
-    return bAgrees;
 }
 
 /// The cause of a failure and the place where it was found, as one line.
@@ -95,6 +132,33 @@ std::string Explain(CQzException const & failure)
     return strPath.empty() ? strText : strText + " Path: " + Narrow(strPath);
 }
 
+/// Writes the object in one form, reads it back and prints a line of the table. False if the copy differs.
+bool PrintForm(Form const & form, Gpx::CGpx & gpx)
+{
+    CSerializationContext const ctx = FormContext(form);
+    CBinaryData data;
+    double writeMs = 0;
+    try
+    {
+        writeMs = Milliseconds([&] { data = form.pfnWrite(gpx, ctx, form.eCompression); });
+    }
+    catch (CQzException const & failure)
+    {
+        // Octets that compression would not shorten are refused, as those of a very small file.
+        if (form.eCompression == CompressionType_None)
+            throw;
+        std::printf("  %-16s %s\n", form.pszName, Explain(failure).c_str());
+        return true;
+    }
+    CSmartPtr<Gpx::CGpx> spCopy(new Gpx::CGpx);
+    double const readMs = Milliseconds([&] { form.pfnRead(*spCopy, data, ctx); });
+    bool const bAgrees = Generated::Agree(gpx, *spCopy);
+    double const megabytes = data.GetLength() / 1e6;
+    std::printf("  %-16s %10u %10.2f %8.1f %10.2f %8.1f  %s\n", form.pszName, data.GetLength(), writeMs,
+        megabytes / (writeMs / 1e3), readMs, megabytes / (readMs / 1e3), bAgrees ? "same" : "DIFFERS");
+    return bAgrees;
+}
+
 bool Process(char const * pszFile)
 {
     std::u16string const strFile = Widen(pszFile);
@@ -105,7 +169,7 @@ bool Process(char const * pszFile)
     std::printf("%s, written by %s, read in %.2f ms\n", pszFile, Narrow(spGpx->m_strCreator).c_str(), ms);
     PrintSummary(Gpx::Summarize(*spGpx), survey);
     std::printf(
-        "  %-12s %10s %10s %8s %10s %8s  %s\n", "form", "octets", "write ms", "MB/s", "read ms", "MB/s", "read back");
+        "  %-16s %10s %10s %8s %10s %8s  %s\n", "form", "octets", "write ms", "MB/s", "read ms", "MB/s", "read back");
     bool bAgrees = true;
     for (Form const & form : kForms)
         bAgrees = PrintForm(form, *spGpx) && bAgrees;

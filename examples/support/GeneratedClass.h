@@ -14,7 +14,18 @@
 namespace Generated
 {
 
-/// How the values of one kind go into a QzVariant and come out of it.
+/// How the values of one kind go into a QzVariant and come out of it: by a pair of its functions.
+template <auto pfnSet, auto pfnGet>
+struct SlotBy
+{
+    template <class T>
+    static void Put(QzXmlLib16::QzVariant & value, T const & source)
+    {
+        (value.*pfnSet)(source);
+    }
+    static auto Take(QzXmlLib16::QzVariant & value) { return (value.*pfnGet)(); }
+};
+
 template <QzXmlLib16::ItemType eType>
 struct Slot;
 
@@ -25,28 +36,39 @@ struct Slot<QzXmlLib16::ItemType_string>
     static std::u16string Take(QzXmlLib16::QzVariant & value) { return std::move(value).GetString(); }
 };
 template <>
-struct Slot<QzXmlLib16::ItemType_i4>
+struct Slot<QzXmlLib16::ItemType_i4> : SlotBy<&QzXmlLib16::QzVariant::SetI4, &QzXmlLib16::QzVariant::GetI4>
 {
-    static void Put(QzXmlLib16::QzVariant & value, std::int32_t n) { value.SetI4(n); }
-    static std::int32_t Take(QzXmlLib16::QzVariant & value) { return value.GetI4(); }
 };
 template <>
-struct Slot<QzXmlLib16::ItemType_ui4>
+struct Slot<QzXmlLib16::ItemType_ui4> : SlotBy<&QzXmlLib16::QzVariant::SetUI4, &QzXmlLib16::QzVariant::GetUI4>
 {
-    static void Put(QzXmlLib16::QzVariant & value, std::uint32_t dw) { value.SetUI4(dw); }
-    static std::uint32_t Take(QzXmlLib16::QzVariant & value) { return value.GetUI4(); }
 };
 template <>
-struct Slot<QzXmlLib16::ItemType_r8>
+struct Slot<QzXmlLib16::ItemType_r8> : SlotBy<&QzXmlLib16::QzVariant::SetR8, &QzXmlLib16::QzVariant::GetR8>
 {
-    static void Put(QzXmlLib16::QzVariant & value, double r) { value.SetR8(r); }
-    static double Take(QzXmlLib16::QzVariant & value) { return value.GetR8(); }
 };
 template <>
 struct Slot<QzXmlLib16::ItemType_boolean>
+    : SlotBy<&QzXmlLib16::QzVariant::SetBoolean, &QzXmlLib16::QzVariant::GetBoolean>
 {
-    static void Put(QzXmlLib16::QzVariant & value, bool b) { value.SetBoolean(b); }
-    static bool Take(QzXmlLib16::QzVariant & value) { return value.GetBoolean(); }
+};
+template <>
+struct Slot<QzXmlLib16::ItemType_decimal>
+    : SlotBy<&QzXmlLib16::QzVariant::SetDecimal, &QzXmlLib16::QzVariant::GetDecimal>
+{
+};
+template <>
+struct Slot<QzXmlLib16::ItemType_year> : SlotBy<&QzXmlLib16::QzVariant::SetYear, &QzXmlLib16::QzVariant::GetYear>
+{
+};
+template <>
+struct Slot<QzXmlLib16::ItemType_date> : SlotBy<&QzXmlLib16::QzVariant::SetDate, &QzXmlLib16::QzVariant::GetDate>
+{
+};
+template <>
+struct Slot<QzXmlLib16::ItemType_datetime>
+    : SlotBy<&QzXmlLib16::QzVariant::SetDateTime, &QzXmlLib16::QzVariant::GetDateTime>
+{
 };
 
 /// Moves a property that always has a value: into the variant when bRead, else out of it.
