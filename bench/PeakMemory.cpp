@@ -62,7 +62,8 @@ std::int64_t InChild(std::function<std::int64_t()> const & call)
 
 } // namespace
 
-std::int64_t PeakGrowth(std::function<void()> const & prepare, std::function<void()> const & job)
+std::int64_t PeakGrowth(
+    std::function<void()> const & prepare, std::function<void()> const & warmUp, std::function<void()> const & job)
 {
     // The peak of a process begins anew when it is forked, so the job gets a child of the one that is prepared.
     return InChild(
@@ -73,6 +74,8 @@ std::int64_t PeakGrowth(std::function<void()> const & prepare, std::function<voi
             return InChild(
                 [&]
                 {
+                    // The pages of the program itself are touched anew in a child; they are not what is measured.
+                    warmUp();
                     std::int64_t const nBefore = ResidentOctets();
                     job();
                     return PeakOctets() - nBefore;

@@ -245,11 +245,19 @@ void MemoryRows(Options const & options)
         std::string().swap(strXml);
     };
     auto const nothing = [] {};
+    auto const warmUp = []
+    {
+        CSmartPtr<Orders::COrders> const spSmall(new Orders::COrders);
+        spSmall->FromXml("<orders xmlns='urn:example:orders:v1' version='1'/>");
+        spSmall->FromXmlStream(spSmall->ToXmlStream());
+        spSmall->FromJsonStream(spSmall->ToJsonStream());
+    };
+    auto const growth = [&](std::function<void()> const & prepare, std::function<void()> const & job)
+    { return PeakGrowth(prepare, warmUp, job); };
 
     std::printf("%-34s %15s\n", "growth of peak memory", "");
-    PrintGrowth("UTF-8 XML to objects", PeakGrowth(load, [&] { ReadOrders(strXml); }), octets, "at most 6");
-    PrintGrowth(
-        "ToXmlStream", PeakGrowth(loadObjects, [&] { spOrders->ToXmlStream(true, true); }), octets, "at most 3");
+    PrintGrowth("UTF-8 XML to objects", growth(load, [&] { ReadOrders(strXml); }), octets, "at most 6");
+    PrintGrowth("ToXmlStream", growth(loadObjects, [&] { spOrders->ToXmlStream(true, true); }), octets, "at most 3");
     CSerializationContext ctx;
     ctx.SetDefaultNamespaceURI(Orders::kNamespace);
     CBinaryData json;
@@ -260,14 +268,14 @@ void MemoryRows(Options const & options)
         spOrders = nullptr;
     };
     PrintGrowth("JSON to objects",
-        PeakGrowth(loadJson, [&] { CSmartPtr<Orders::COrders>(new Orders::COrders)->FromJsonStream(json, ctx); }),
-        octets, "at most 12 per octet of JSON");
+        growth(loadJson, [&] { CSmartPtr<Orders::COrders>(new Orders::COrders)->FromJsonStream(json, ctx); }), octets,
+        "at most 12 per octet of JSON");
     PrintGrowth("ToJsonStream",
-        PeakGrowth(loadObjects, [&] { spOrders->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx); }), octets,
+        growth(loadObjects, [&] { spOrders->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx); }), octets,
         "at most 12");
     std::u16string const strOut = Widen((std::filesystem::temp_directory_path() / "bench_orders.xml").string());
     PrintGrowth("ToXmlFile, asynchronous",
-        PeakGrowth(loadObjects,
+        growth(loadObjects,
             [&]
             {
                 AsyncToXmlFile(true);
@@ -277,7 +285,7 @@ void MemoryRows(Options const & options)
     std::filesystem::remove(Narrow(strOut));
     std::u16string const strIn = Widen(options.strFile);
     PrintGrowth("Load, elements dropped",
-        PeakGrowth(nothing,
+        growth(nothing,
             [&]
             {
                 AsyncFromXmlFile(true);
