@@ -52,9 +52,7 @@ Case const kCases[] = {
     {"LastOfTwoWins", "<r xmlns:x='urn:x' f='small' x:f='large'/>", false, true, "<r f=\"large\"/>"},
 };
 
-class AttributeTest : public testing::TestWithParam<Case>
-{
-};
+using AttributeTest = testing::TestWithParam<Case>;
 
 TEST_P(AttributeTest, ReadsAndWrites)
 {
@@ -77,14 +75,9 @@ TEST_P(AttributeTest, ReadsAndWrites)
     EXPECT_EQ(strResult, GetParam().pszExpected);
 }
 
-std::string CaseName(testing::TestParamInfo<Case> const & info)
-{
-    return info.param.pszName;
-}
-
 INSTANTIATE_TEST_SUITE_P(All, AttributeTest, testing::ValuesIn(kCases), CaseName);
 
-TEST(AttributeInfoTest, NilIsNoValue)
+TEST(AttributeInfoTest, NilIsNoValueAndFailuresAreLayered)
 {
     CTableSchema schema;
     AddTables(schema);
@@ -94,38 +87,15 @@ TEST(AttributeInfoTest, NilIsNoValue)
     (*spObject)[2].SetI4(2);
     EXPECT_EQ(Utf8(spObject->ToXml(false, false)), "<r f=\"large\"/>");
     (*spObject)[2].SetNil();
-    try
-    {
-        spObject->ToXml();
-        ADD_FAILURE();
-    }
-    catch (CQzException const & e)
-    {
-        CQzException const * const pCause = e.GetInnerException()->GetInnerException();
-        EXPECT_NE(dynamic_cast<CQzInvalidParamException const *>(pCause), nullptr);
-        EXPECT_EQ(Utf8(pCause->GetMessageW()), "The Property [f] is mandatory, it may not be NULL");
-    }
-}
-
-TEST(AttributeInfoTest, PropertyFailures)
-{
-    CTableSchema schema;
-    AddTables(schema);
-    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    ExpectThrowsChain<CQzValidationException>([&] { spObject->ToXml(); },
+        u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nThe Property [f] is "
+        u"mandatory, it may not be NULL");
     spObject->m_hook = [](int, bool) { throw CQzException(u"refused"); };
     ExpectThrows<CQzException>(
         [&] { spObject->FromXml("<r p='7' f='small'/>"); }, u"Failed to set the property value [7].", u"/r/@p");
-    try
-    {
-        spObject->ToXml();
-        ADD_FAILURE();
-    }
-    catch (CQzException const & e)
-    {
-        EXPECT_EQ(Utf8(e.GetFullMessage()),
-            "Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nFailed to get the property "
-            "value for [p].\nrefused");
-    }
+    ExpectThrowsChain<CQzValidationException>([&] { spObject->ToXml(); },
+        u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nFailed to get the property "
+        u"value for [p].\nrefused");
 }
 
 } // namespace

@@ -60,11 +60,9 @@ constexpr Row kRows[] = {
 };
 
 /// In the order of the rows.
-// clang-format off
-using Members = testing::Types<ChexBinaryCol, Cbase64BinaryCol, Ci1Col, Ci2Col, Ci4Col, Ci8Col, Cui1Col, Cui2Col, Cui4Col,
-    Cui8Col, Cr4Col, Cr8Col, CdurationCol, CyearMonthCol, CmonthDayCol, CyearCol, CmonthCol, CdayCol, CdateCol,
+using Members = testing::Types<ChexBinaryCol, Cbase64BinaryCol, Ci1Col, Ci2Col, Ci4Col, Ci8Col, Cui1Col, Cui2Col,
+    Cui4Col, Cui8Col, Cr4Col, Cr8Col, CdurationCol, CyearMonthCol, CmonthDayCol, CyearCol, CmonthCol, CdayCol, CdateCol,
     CdatetimeCol, CtimeCol, CstringCol, CbooleanCol, CdecimalCol, CintegerCol>;
-// clang-format on
 
 struct MemberName
 {
@@ -74,15 +72,6 @@ struct MemberName
         return kRows[nIndex].pszName;
     }
 };
-
-template <class Value>
-bool IsSame(Value const & a, Value const & b)
-{
-    if constexpr (std::is_same_v<Value, CBinaryData>)
-        return HexOf(a) == HexOf(b);
-    else
-        return a == b;
-}
 
 /// Writes down what it hears, with the index of a removal and the number of items at that time.
 class CListener : public IEventSink
@@ -184,7 +173,7 @@ TYPED_TEST(TypedCollectionTest, ItemsAndTheirEvents)
     auto & listener = this->m_listener;
     int nSeen = 0;
     listener.m_onAdd = [&](void * pData)
-    { nSeen += IsSame(*static_cast<std::decay_t<decltype(this->m_first)> const *>(pData), this->m_first); };
+    { nSeen += *static_cast<std::decay_t<decltype(this->m_first)> const *>(pData) == this->m_first; };
     col.Add(this->m_first);
     EXPECT_EQ(nSeen, 2);
     EXPECT_EQ(listener.Take(), "add/0 added/1 change/1 ");
@@ -198,8 +187,8 @@ TYPED_TEST(TypedCollectionTest, ItemsAndTheirEvents)
     EXPECT_EQ(listener.Take(), "remove5/3 ");
     col.Remove(1);
     EXPECT_EQ(listener.Take(), "remove1/3 removed1/2 change/2 ");
-    EXPECT_TRUE(IsSame(col.Item(0), this->m_second));
-    EXPECT_TRUE(IsSame(col.Item(1), this->m_first));
+    EXPECT_TRUE(col.Item(0) == this->m_second);
+    EXPECT_TRUE(col.Item(1) == this->m_first);
     col.Clear();
     EXPECT_EQ(listener.Take(), "remove0/2 removed0/1 change/1 remove0/1 removed0/0 change/0 ");
     ExpectThrows<CQzInvalidParamException>([&] { col.Item(0); }, u"Index 0 is out of range, use 0 - -1");

@@ -20,26 +20,14 @@ CDateTimeSpan Span(std::u16string_view text)
 
 struct SpanRow
 {
-    char const * pszName;
     std::u16string_view text;
     std::u16string_view printed;
 };
 
-SpanRow const kTexts[] = {
-    {"All", u"P1Y2M3DT4H5M6.789S", u"P1Y2M3DT4H5M6.789S"},
-    {"Negative", u"-P1D", u"-P1D"},
-    {"OneNano", u"PT0.000000001S", u"PT0.000000001S"},
-    {"FractionOnly", u"PT.5S", u"PT0.5S"},
-    {"Point", u"PT1.", u"PT1S"},
-    {"NumberBeforeT", u"P5T1H", u"PT1H"},
-    {"YearAfterMonth", u"P1M1Y", u"P1Y1M"},
-    {"YearAfterTime", u"PT1H1Y", u"P1YT1H"},
-    {"YearStartsOver", u"PT1.5S1Y2M", u"P1Y2MT1.5S"},
-    {"YearAfterT", u"P1YT1Y", u"P1Y"},
-    {"NoNumber", u"PYMDTS", u"P"},
-    {"WrapAt32Bits", u"P4294967297M4294967295D", u"P1M4294967295D"},
-    {"WrapAt16Bits", u"P65536Y", u"P"},
-};
+SpanRow const kTexts[] = {{u"P1Y2M3DT4H5M6.789S", u"P1Y2M3DT4H5M6.789S"}, {u"-P1D", u"-P1D"},
+    {u"PT0.000000001S", u"PT0.000000001S"}, {u"PT.5S", u"PT0.5S"}, {u"PT1.", u"PT1S"}, {u"P5T1H", u"PT1H"},
+    {u"P1M1Y", u"P1Y1M"}, {u"PT1H1Y", u"P1YT1H"}, {u"PT1.5S1Y2M", u"P1Y2MT1.5S"}, {u"P1YT1Y", u"P1Y"},
+    {u"PYMDTS", u"P"}, {u"P4294967297M4294967295D", u"P1M4294967295D"}, {u"P65536Y", u"P"}};
 
 using SpanTextTest = testing::TestWithParam<SpanRow>;
 
@@ -48,7 +36,7 @@ TEST_P(SpanTextTest, ReadsAndPrints)
     EXPECT_EQ(Utf8(Span(GetParam().text).ToString()), Utf8(GetParam().printed));
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, SpanTextTest, ValuesIn(kTexts), CaseName);
+INSTANTIATE_TEST_SUITE_P(Texts, SpanTextTest, ValuesIn(kTexts));
 
 TEST(DateTimeSpanTest, RefusesOtherTexts)
 {

@@ -27,18 +27,12 @@ enum Facet
 /// One facet is set. A value that passes has no message.
 struct Case
 {
-    char const * pszName;
     ItemType eType;
     char16_t const * pszText;
     Facet eFacet;
     char16_t const * pszBound;
     char16_t const * pszMessage;
 };
-
-void PrintTo(Case const & c, std::ostream * pOut)
-{
-    *pOut << c.pszName;
-}
 
 CPrimitiveRestrictions FacetsOf(Case const & c)
 {
@@ -48,9 +42,7 @@ CPrimitiveRestrictions FacetsOf(Case const & c)
         text(MinExcl), text(MaxExcl), number(Length), number(TotalDigits), number(FractionDigits));
 }
 
-class FacetTest : public testing::TestWithParam<Case>
-{
-};
+using FacetTest = testing::TestWithParam<Case>;
 
 TEST_P(FacetTest, PassesOrTells)
 {
@@ -64,60 +56,44 @@ TEST_P(FacetTest, PassesOrTells)
         ExpectThrows<CQzException>(check, c.pszMessage);
 }
 
-// clang-format off
-Case const kCases[] = {
-    {"HexCountsOctets", ItemType_hexBinary, u"0A0B", Length, u"2", nullptr},
-    {"HexTooShort", ItemType_hexBinary, u"0A0B", MinLength, u"3", u"Invalid Value for n [0A0B]."},
-    {"Base64TooLong", ItemType_base64Binary, u"QUJD", MaxLength, u"2", u"Invalid Value for n [QUJD]."},
-    {"StringOtherLength", ItemType_string, u"abc", Length, u"4", u"Invalid Value for n [abc]."},
-    {"StringCountsUnits", ItemType_string, u"\U0001F600", Length, u"2", nullptr},
-    {"LengthIsNoFacetOfNumbers", ItemType_i4, u"12345", Length, u"1", nullptr},
-    {"TruthHasNoFacets", ItemType_boolean, u"true", MaxLength, u"0", nullptr},
-    {"AtMinInclusive", ItemType_i4, u"5", MinIncl, u" 5 ", nullptr},
-    {"AtMinExclusive", ItemType_i4, u"5", MinExcl, u"5", u"Invalid Value for n [5]"},
-    {"AtMaxInclusive", ItemType_i8, u"5", MaxIncl, u"5", nullptr},
-    {"AtMaxExclusive", ItemType_i8, u"-5", MaxExcl, u"-5", u"Invalid Value for n [-5]."},
-    {"BoundOutOfItsKind", ItemType_ui1, u"5", MinIncl, u"300", u"The value [300] is to large to fit in a ui1"},
-    {"BoundWithoutDigits", ItemType_i2, u"5", MaxExcl, u"x", u"The value [x] can not be converted to a i4"},
-    {"UnsignedShowsSigned", ItemType_ui4, u"4294967295", MaxIncl, u"7", u"Invalid Value for n [-1]"},
-    {"UnsignedOrder", ItemType_ui4, u"4294967295", MinIncl, u"7", nullptr},
-    {"Float", ItemType_r4, u"1.5", MaxExcl, u"1.5", u"Invalid Value for n [1.500000]"},
-    {"InfinityAboveAll", ItemType_r8, u"INF", MaxIncl, u"1E300", u"Invalid Value for n [inf]"},
-    {"NaNFailsMin", ItemType_r8, u"NaN", MinIncl, u"-INF", u"Invalid Value for n [nan]"},
-    {"NaNFailsMaxExclusive", ItemType_r8, u"NaN", MaxExcl, u"1", u"Invalid Value for n [nan]"},
-    {"NaNPassesWithoutBounds", ItemType_r8, u"NaN", TotalDigits, u"1", nullptr},
-    {"Duration", ItemType_duration, u"P2M", MaxIncl, u"P1M", u"Invalid Value for n [P2M]."},
-    {"DurationWithoutOrder", ItemType_duration, u"P30D", MaxExcl, u"P1M", nullptr},
-    {"Date", ItemType_date, u"2001-05-31", MinExcl, u"2001-05-31", u"Invalid Value for n [2001-05-31]."},
-    {"ZoneFarAway", ItemType_datetime, u"2001-01-01T00:00:00", MinIncl, u"2001-01-02T00:00:00Z", u"Invalid Value for n [2001-01-01T00:00:00]."},
-    {"ZoneWithoutOrderMin", ItemType_datetime, u"2001-01-01T12:00:00", MinIncl, u"2001-01-01T13:00:00Z", nullptr},
-    {"ZoneWithoutOrderMaxExclusive", ItemType_datetime, u"2001-01-01T12:00:00", MaxExcl, u"2001-01-01T11:00:00Z", nullptr},
-    {"Year", ItemType_year, u"2001", MaxIncl, u"2000", u"Invalid Value for n [2001]"},
-    {"YearIsUnsigned", ItemType_year, u"-0001", MaxIncl, u"2000", u"Invalid Value for n [65535]"},
-    {"Month", ItemType_month, u"--03", MinExcl, u"--03", u"Invalid Value for n [3]"},
-    {"Decimal", ItemType_decimal, u"90.0000000000000000001", MaxIncl, u"90", u"Invalid Value for n [90.0000000000000000001]."},
-    {"DecimalEqualOtherText", ItemType_decimal, u"-5.0", MinIncl, u"-5", nullptr},
-    {"Integer", ItemType_integer, u"123456789012345678901", MaxExcl, u"123456789012345678901", u"Invalid Value for n [123456789012345678901]."},
-    {"MinusCountsForIntegers", ItemType_i4, u"-12", TotalDigits, u"2", u"Invalid Value for n [-12]"},
-    {"MinusCountsForBigIntegers", ItemType_integer, u"-12", TotalDigits, u"2", u"Invalid Value for n [-12]."},
-    {"MinusIsFreeForDecimals", ItemType_decimal, u"-12", TotalDigits, u"2", nullptr},
-    {"NoZeroBeforeThePoint", ItemType_decimal, u"0.05", TotalDigits, u"2", nullptr},
-    {"ZeroHasNoDigits", ItemType_decimal, u"0", TotalDigits, u"0", nullptr},
-    {"WholePartCounts", ItemType_decimal, u"100", TotalDigits, u"2", u"Invalid Value for n [100]."},
-    {"FractionIsReduced", ItemType_decimal, u"12.50", FractionDigits, u"1", nullptr},
-    {"FractionTooLong", ItemType_decimal, u"0.05", FractionDigits, u"1", u"Invalid Value for n [0.05]."},
-};
-// clang-format on
-INSTANTIATE_TEST_SUITE_P(Table, FacetTest, testing::ValuesIn(kCases), CaseName);
+#define QZ_N(rest) u"Invalid Value for n [" rest
 
-TEST(FacetCheckTest, CharNeverPasses)
+Case const kCases[] = {{ItemType_hexBinary, u"0A0B", Length, u"2", nullptr},
+    {ItemType_hexBinary, u"0A0B", MinLength, u"3", QZ_N("0A0B].")},
+    {ItemType_base64Binary, u"QUJD", MaxLength, u"2", QZ_N("QUJD].")},
+    {ItemType_string, u"abc", Length, u"4", QZ_N("abc].")}, {ItemType_string, u"\U0001F600", Length, u"2", nullptr},
+    {ItemType_i4, u"12345", Length, u"1", nullptr}, {ItemType_boolean, u"true", MaxLength, u"0", nullptr},
+    {ItemType_i4, u"5", MinIncl, u" 5 ", nullptr}, {ItemType_i4, u"5", MinExcl, u"5", QZ_N("5]")},
+    {ItemType_i8, u"5", MaxIncl, u"5", nullptr}, {ItemType_i8, u"-5", MaxExcl, u"-5", QZ_N("-5].")},
+    {ItemType_ui1, u"5", MinIncl, u"300", u"The value [300] is to large to fit in a ui1"},
+    {ItemType_i2, u"5", MaxExcl, u"x", u"The value [x] can not be converted to a i4"},
+    {ItemType_ui4, u"4294967295", MaxIncl, u"7", QZ_N("-1]")}, {ItemType_ui4, u"4294967295", MinIncl, u"7", nullptr},
+    {ItemType_r4, u"1.5", MaxExcl, u"1.5", QZ_N("1.500000]")}, {ItemType_r8, u"INF", MaxIncl, u"1E300", QZ_N("inf]")},
+    {ItemType_r8, u"NaN", MinIncl, u"-INF", QZ_N("nan]")}, {ItemType_r8, u"NaN", MaxExcl, u"1", QZ_N("nan]")},
+    {ItemType_r8, u"NaN", TotalDigits, u"1", nullptr}, {ItemType_duration, u"P2M", MaxIncl, u"P1M", QZ_N("P2M].")},
+    {ItemType_duration, u"P30D", MaxExcl, u"P1M", nullptr},
+    {ItemType_date, u"2001-05-31", MinExcl, u"2001-05-31", QZ_N("2001-05-31].")},
+    {ItemType_datetime, u"2001-01-01T00:00:00", MinIncl, u"2001-01-02T00:00:00Z", QZ_N("2001-01-01T00:00:00].")},
+    {ItemType_datetime, u"2001-01-01T12:00:00", MinIncl, u"2001-01-01T13:00:00Z", nullptr},
+    {ItemType_datetime, u"2001-01-01T12:00:00", MaxExcl, u"2001-01-01T11:00:00Z", nullptr},
+    {ItemType_year, u"2001", MaxIncl, u"2000", QZ_N("2001]")},
+    {ItemType_year, u"-0001", MaxIncl, u"2000", QZ_N("65535]")},
+    {ItemType_month, u"--03", MinExcl, u"--03", QZ_N("3]")},
+    {ItemType_decimal, u"90.0000000000000000001", MaxIncl, u"90", QZ_N("90.0000000000000000001].")},
+    {ItemType_decimal, u"-5.0", MinIncl, u"-5", nullptr},
+    {ItemType_integer, u"123456789012345678901", MaxExcl, u"123456789012345678901", QZ_N("123456789012345678901].")},
+    {ItemType_i4, u"-12", TotalDigits, u"2", QZ_N("-12]")},
+    {ItemType_integer, u"-12", TotalDigits, u"2", QZ_N("-12].")},
+    {ItemType_decimal, u"-12", TotalDigits, u"2", nullptr}, {ItemType_decimal, u"0.05", TotalDigits, u"2", nullptr},
+    {ItemType_decimal, u"0", TotalDigits, u"0", nullptr}, {ItemType_decimal, u"100", TotalDigits, u"2", QZ_N("100].")},
+    {ItemType_decimal, u"12.50", FractionDigits, u"1", nullptr},
+    {ItemType_decimal, u"0.05", FractionDigits, u"1", QZ_N("0.05].")}};
+INSTANTIATE_TEST_SUITE_P(Table, FacetTest, testing::ValuesIn(kCases));
+
+TEST(FacetCheckTest, CharAndValuesOfAnotherKindNeverPass)
 {
     ExpectThrows<CQzInvalidValueException>(
         [] { CheckFacets(ItemType_char, u"c", CPrimitiveRestrictions()); }, u"Unknown type [char].");
-}
-
-TEST(FacetCheckTest, ValueOfAnotherKindIsRefused)
-{
     QzVariant value;
     value.SetR8(1);
     QzXmlLib16Data::CAttributeInfoPrimitive const entry(
@@ -168,18 +144,16 @@ TEST(FacetCheckTest, FacetsMayChangeAfterACheck)
     EXPECT_TRUE(text.Takes(u"a"));
     text.m_restrictions.m_pattern = std::u16string(u"b");
     EXPECT_FALSE(text.Takes(u"a"));
-}
 
-TEST(FacetCheckTest, BoundsFollowTheLimitOfPlaces)
-{
-    COpenCol<CdecimalCol> col;
-    col.m_restrictions.m_maxInclusive = std::u16string(u"1.26");
-    EXPECT_TRUE(col.Takes(u"1.25"));
+    // Bounds follow the limit of decimal places.
+    COpenCol<CdecimalCol> decimal;
+    decimal.m_restrictions.m_maxInclusive = std::u16string(u"1.26");
+    EXPECT_TRUE(decimal.Takes(u"1.25"));
     int const nPlaces = CDecimal::GetMaxDecimalPlaces();
     CDecimal::SetMaxDecimalPlaces(1);
-    EXPECT_TRUE(col.Takes(u"1.3"));
+    EXPECT_TRUE(decimal.Takes(u"1.3"));
     CDecimal::SetMaxDecimalPlaces(nPlaces);
-    EXPECT_FALSE(col.Takes(u"1.3"));
+    EXPECT_FALSE(decimal.Takes(u"1.3"));
 }
 
 TEST(FacetCheckTest, ThreadsShareAnEntry)
