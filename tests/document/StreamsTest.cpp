@@ -156,7 +156,8 @@ TEST(TextStreamTest, WhatCannotBeEncodedWaitsForTheQuestion)
     EXPECT_EQ(stream.GetText(), strText);
 
     stream.Open();
-    stream.Write(std::u16string(u"ab\0", 3));
+    stream.Write(u"ab");
+    stream.Write(u'\0');
     stream.Flush();
     stream.Write(u"c");
     EXPECT_EQ(TextOf(stream.GetBinary()), "ab");
@@ -192,7 +193,6 @@ TEST(FileStreamTest, PairAcrossFlushes)
     CFileTextStream stream(file.Name(), XmlEncoding_UTF8);
     stream.Open();
     stream.Write(u"a\xD83D");
-    stream.Flush();
     stream.Flush();
     stream.Write(u'\xDE00');
     stream.Close();
