@@ -2,11 +2,8 @@
 
 #include "qzxmllib/binding/SerializationContext.h"
 #include "tests/document/TreeText.h"
-#include "tests/support/TestText.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
-#include <string>
 
 using namespace QzXmlLib16;
 
@@ -20,9 +17,7 @@ struct ParseCase
     char const * pszTree;
 };
 
-class ParseTest : public testing::TestWithParam<ParseCase>
-{
-};
+using ParseTest = testing::TestWithParam<ParseCase>;
 
 TEST_P(ParseTest, Tree)
 {
@@ -31,7 +26,6 @@ TEST_P(ParseTest, Tree)
 }
 
 constexpr ParseCase kParses[] = {
-    {"Nothing", "<a/>", "a"},
     {"Order", "<a x='1' y='2'>t<b/>u<c/>v</a>", "a @x='1' @y='2' \"tuv\" (b) (c)"},
     {"DefaultNamespace", "<a xmlns='urn:x' k='v'/>", "{urn:x}a @k='v'"},
     {"Prefixes", "<p:a xmlns:p='urn:x' p:k='1' k='2'><p:b xmlns:p='urn:y'/></p:a>",
@@ -45,13 +39,10 @@ constexpr ParseCase kParses[] = {
     {"Entities", "<!DOCTYPE a [<!ENTITY e 'ab&#13;c'>]><a>&e;&lt;&#65;</a>", "a \"abc<A\""},
     {"CarriageReturns", "<a k='x&#13;y'>1\r\n2\r3&#13;4</a>", "a @k='x\\ry' \"1\n2\n34\""},
     {"OnlyCarriageReturns", "<a>&#13;&#13;<b/>&#13;</a>", "a (b)"},
-    {"CdataStripped", "<a><![CDATA[x<y]]></a>", "a \"x<y\""},
     {"Utf8", "<\xC3\xA9 k='\xF0\x9D\x84\x9E'>\xE2\x82\xAC\xF0\x9F\x98\x80 plain</\xC3\xA9>",
         "\xC3\xA9 @k='\xF0\x9D\x84\x9E' \"\xE2\x82\xAC\xF0\x9F\x98\x80 plain\""},
     {"Latin1", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>", "a \"\xC3\xA9\""},
     {"Mark", "\xEF\xBB\xBF<a/>", "a"},
-    {"BlankInput", " ", "failed: no element found at line 1"},
-    {"CutShort", "<a>\n<b>\n", "failed: no element found at line 3"},
     {"TwoRoots", "<a/>\n<b/>", "failed: junk after document element at line 2"},
     {"BarInUri", "<a xmlns='urn:x|y'/>", "failed: syntax error at line 1"},
     {"UnknownEncoding", "<?xml version='1.0' encoding='windows-1252'?><a/>", "failed: unknown encoding at line 1"},
@@ -127,13 +118,11 @@ TEST(ExpatReaderTest, TakesInputInAnyPieces)
 
 TEST(ExpatReaderTest, BoundsTheDepth)
 {
-    auto const nested = [](int nLevels)
+    auto const nested = [](std::size_t nLevels)
     {
         std::string strXml;
-        for (int i = 0; i < nLevels; ++i)
-            strXml += "<a>\n";
-        for (int i = 0; i < nLevels; ++i)
-            strXml += "</a>";
+        for (std::size_t i = 0; i < 2 * nLevels; ++i)
+            strXml += i < nLevels ? "<a>\n" : "</a>";
         return strXml;
     };
     CSerializationContext ctx;

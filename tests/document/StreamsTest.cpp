@@ -3,27 +3,17 @@
 #include "qzxmllib/document/StringBuffer.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/support/PlatformFileInternal.h"
-#include "qzxmllib/support/QzException.h"
-#include "qzxmllib/values/BinaryData.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/TestText.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <string>
 #include <unistd.h>
 
 using namespace QzXmlLib16;
 
 namespace
 {
-
-std::string Octets(CBinaryData const & data)
-{
-    return std::string(reinterpret_cast<char const *>(data.GetData()), data.GetLength());
-}
 
 template <class Call>
 std::u16string MessageOf(Call && call)
@@ -39,18 +29,12 @@ std::u16string MessageOf(Call && call)
     return u"no failure";
 }
 
-/// A file name of the running test.
+/// A file of the running test.
 class TestFile
 {
 public:
-    TestFile()
-        : m_strName(testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name() +
-                    std::to_string(::getpid()))
-    {
-    }
     ~TestFile() { ::unlink(m_strName.c_str()); }
-
-    std::u16string Name() const { return std::u16string(m_strName.begin(), m_strName.end()); }
+    std::u16string Name() const { return Wide(m_strName); }
     std::string Content() const
     {
         std::ifstream file(m_strName, std::ios::binary);
@@ -58,23 +42,8 @@ public:
     }
 
 private:
-    std::string m_strName;
+    std::string const m_strName = testing::TempDir() + "qzstreams" + std::to_string(::getpid());
 };
-
-TEST(StringBufferTest, BlockBorder)
-{
-    CStringBuffer buffer;
-    EXPECT_EQ(buffer.GetText(), std::u16string());
-    buffer.Append(std::u16string(4095, u'a'));
-    EXPECT_EQ(buffer.GetBlockCount(), 1u);
-    buffer.Append(u'b');
-    EXPECT_EQ(buffer.GetBlockCount(), 2u);
-    EXPECT_EQ(buffer.GetText(), std::u16string(4095, u'a') + u'b');
-    EXPECT_EQ(buffer.GetBlockCount(), 1u);
-    buffer.Reset();
-    EXPECT_EQ(buffer.GetBlockCount(), 1u);
-    EXPECT_EQ(buffer.GetText(), std::u16string());
-}
 
 /// Pieces of all lengths in blocks of all small sizes, with the text looked at on the way.
 TEST(StringBufferTest, PiecesJoinInOrder)
@@ -92,10 +61,7 @@ TEST(StringBufferTest, PiecesJoinInOrder)
             buffer.Append(u'.');
             buffer.Append(u"..");
             strExpected += strPiece + u"...";
-            if (nPiece % 20 == 19)
-            {
-                EXPECT_EQ(buffer.GetText(), strExpected);
-            }
+            EXPECT_EQ(nPiece % 20 == 19 ? buffer.GetText() : strExpected, strExpected);
         }
         EXPECT_EQ(buffer.GetLength(), strExpected.size());
         EXPECT_EQ(buffer.TakeText(), strExpected);
@@ -103,14 +69,19 @@ TEST(StringBufferTest, PiecesJoinInOrder)
     }
 }
 
-TEST(StringBufferTest, GoesOnBehindJoinedText)
+TEST(StringBufferTest, BlocksJoinAndGoOn)
 {
     CStringBuffer buffer;
-    buffer.Append(std::u16string(10000, u'a'));
-    buffer.GetText();
+    EXPECT_EQ(buffer.GetText(), std::u16string());
+    buffer.Append(std::u16string(4095, u'a'));
+    EXPECT_EQ(buffer.GetBlockCount(), 1u);
     buffer.Append(u'b');
-    EXPECT_EQ(buffer.GetLength(), 10001u);
-    EXPECT_EQ(buffer.GetText(), std::u16string(10000, u'a') + u'b');
+    EXPECT_EQ(buffer.GetBlockCount(), 2u);
+    EXPECT_EQ(buffer.GetText(), std::u16string(4095, u'a') + u'b');
+    EXPECT_EQ(buffer.GetBlockCount(), 1u);
+    buffer.Append(u'c');
+    EXPECT_EQ(buffer.GetLength(), 4097u);
+    EXPECT_EQ(buffer.GetText(), std::u16string(4095, u'a') + u"bc");
     buffer.Append(u'c');
     buffer.Reset();
     EXPECT_EQ(buffer.GetBlockCount(), 0u);
@@ -123,19 +94,14 @@ TEST(StringBufferTest, GoesOnBehindJoinedText)
 
 TEST(TextStreamTest, OctetsByEncoding)
 {
-    struct Case
+    for (XmlEncoding const eEncoding : {XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_UTF16NoDecl})
     {
-        XmlEncoding eEncoding;
-        std::string strOctets;
-    };
-    for (Case const & c : {Case{XmlEncoding_UTF8, "a\xC3\xA9"}, Case{XmlEncoding_UTF16, std::string("a\0\xE9\0", 4)},
-             Case{XmlEncoding_UTF16NoDecl, std::string("a\0\xE9\0", 4)}})
-    {
-        CTextStream stream(c.eEncoding);
+        CTextStream stream(eEncoding);
         stream.Write(std::u16string(u"a\xE9"));
         stream.Write(u'\0');
         stream.Write(u"behind");
-        EXPECT_EQ(Octets(stream.GetBinary()), c.strOctets);
+        EXPECT_EQ(
+            TextOf(stream.GetBinary()), eEncoding == XmlEncoding_UTF8 ? "a\xC3\xA9" : std::string("a\0\xE9\0", 4));
     }
     CTextStream stream;
     stream.Write(u"x");
@@ -161,21 +127,18 @@ TEST(TextStreamTest, TextAndOctetsStayWholeAcrossFlushes)
         }
         strText += strPiece;
         strOctets += strPieceOctets;
-        if (nPiece == 5000)
-        {
-            EXPECT_EQ(stream.GetText(), strText);
-        }
+        EXPECT_TRUE(nPiece != 5000 || stream.GetText() == strText);
     }
     EXPECT_EQ(stream.GetLength(), strText.size());
-    EXPECT_EQ(Octets(stream.GetBinary()), strOctets);
+    EXPECT_EQ(TextOf(stream.GetBinary()), strOctets);
     EXPECT_EQ(stream.GetText(), strText);
-    EXPECT_EQ(Octets(stream.TakeBinary()), strOctets);
+    EXPECT_EQ(TextOf(stream.TakeBinary()), strOctets);
     EXPECT_EQ(stream.GetLength(), 0u);
 
     stream.Write(strText);
     stream.Flush();
     stream.Write(u"end");
-    EXPECT_EQ(Octets(stream.GetBinary()), strOctets + "end");
+    EXPECT_EQ(TextOf(stream.GetBinary()), strOctets + "end");
     EXPECT_EQ(stream.TakeText(), strText + u"end");
 }
 
@@ -194,44 +157,33 @@ TEST(TextStreamTest, WhatCannotBeEncodedWaitsForTheQuestion)
 
     stream.Open();
     stream.Write(u"ab");
-    stream.Flush();
     stream.Write(u'\0');
-    stream.Write(u"c");
     stream.Flush();
-    EXPECT_EQ(stream.GetLength(), 4u);
-    EXPECT_EQ(Octets(stream.GetBinary()), "ab");
-    stream.Open();
-    EXPECT_EQ(stream.GetBinary().GetLength(), 0u);
+    stream.Write(u"c");
+    EXPECT_EQ(TextOf(stream.GetBinary()), "ab");
 }
-
-std::string const kMark = "\xFF\xFE";
 
 TEST(FileStreamTest, MarkAndContent)
 {
     TestFile file;
-    struct Case
+    for (XmlEncoding const eEncoding : {XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_UTF16NoDecl})
     {
-        XmlEncoding eEncoding;
-        std::string strMark;
-        std::string strText;
-    };
-    for (Case const & c : {Case{XmlEncoding_UTF8, "", "x"}, Case{XmlEncoding_UTF16, kMark, std::string("x\0", 2)},
-             Case{XmlEncoding_UTF16NoDecl, kMark, std::string("x\0", 2)}})
-    {
-        CFileTextStream stream(file.Name(), c.eEncoding);
+        bool const bUtf8 = eEncoding == XmlEncoding_UTF8;
+        std::string const strMark = bUtf8 ? "" : "\xFF\xFE";
+        CFileTextStream stream(file.Name(), eEncoding);
         stream.Open();
         stream.Close();
-        EXPECT_EQ(file.Content(), c.strMark);
+        EXPECT_EQ(file.Content(), strMark);
         stream.Open();
         stream.Write(u"x");
         stream.Flush();
         stream.Write(u"x");
         stream.Close();
         stream.Close();
-        EXPECT_EQ(file.Content(), c.strMark + c.strText + c.strText);
+        EXPECT_EQ(file.Content(), strMark + (bUtf8 ? "xx" : std::string("x\0x\0", 4)));
         unsigned char const abyData[] = {0, 1};
-        CFileBinaryStream(file.Name(), c.eEncoding, CBinaryData(abyData, 2)).WriteToFile();
-        EXPECT_EQ(file.Content(), c.strMark + std::string("\0\1", 2));
+        CFileBinaryStream(file.Name(), eEncoding, CBinaryData(abyData, 2)).WriteToFile();
+        EXPECT_EQ(file.Content(), strMark + std::string("\0\1", 2));
     }
 }
 
@@ -241,7 +193,6 @@ TEST(FileStreamTest, PairAcrossFlushes)
     CFileTextStream stream(file.Name(), XmlEncoding_UTF8);
     stream.Open();
     stream.Write(u"a\xD83D");
-    stream.Flush();
     stream.Flush();
     stream.Write(u'\xDE00');
     stream.Close();
@@ -256,26 +207,16 @@ TEST(FileStreamTest, PairAcrossFlushes)
 
 TEST(FileStreamTest, FilesThatCannotBeWritten)
 {
-    std::u16string const strMissing = u"/nonexistent/dir/file";
-    auto const message = [](std::u16string const & strName, int nError)
-    { return FormatString(u"Failed to write data to the file [%s] error [0x%08X]", strName, nError); };
-    EXPECT_EQ(MessageOf([&] { CFileTextStream(strMissing, XmlEncoding_UTF8).Open(); }), message(strMissing, ENOENT));
-    EXPECT_EQ(
-        MessageOf([&] { CFileBinaryStream(strMissing, XmlEncoding_UTF8).WriteToFile(); }), message(strMissing, ENOENT));
-
-    std::u16string const strFull = u"/dev/full";
-    EXPECT_EQ(MessageOf([&] { CFileTextStream(strFull, XmlEncoding_UTF16).Open(); }), message(strFull, ENOSPC));
     unsigned char const byData = 1;
-    EXPECT_EQ(MessageOf([&] { CFileBinaryStream(strFull, XmlEncoding_UTF8, CBinaryData(&byData, 1)).WriteToFile(); }),
-        message(strFull, ENOSPC));
-    CFileTextStream stream(strFull, XmlEncoding_UTF8);
-    stream.Open();
-    stream.Write(u"x");
-    stream.Flush();
-    EXPECT_EQ(
-        MessageOf([&] { stream.Close(); }), FormatString(u"Failed to write data to the file. Error [0x%08X]", ENOSPC));
-    stream.Write(u"more");
-    stream.Close();
+    for (auto const & [pszName, nError] : {std::pair(u"/nonexistent/file", ENOENT), {u"/dev/full", ENOSPC}})
+    {
+        std::u16string const strName = pszName;
+        std::u16string const strMessage =
+            FormatString(u"Failed to write data to the file [%s] error [0x%08X]", strName, nError);
+        ExpectThrows<CQzException>([&] { CFileTextStream(strName, XmlEncoding_UTF16).Open(); }, strMessage);
+        CFileBinaryStream binary(strName, XmlEncoding_UTF8, CBinaryData(&byData, 1));
+        ExpectThrows<CQzException>([&] { binary.WriteToFile(); }, strMessage);
+    }
 }
 
 int g_nWritesLeft = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qzxmllib/document/QzZip.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "tests/support/TestText.h"
 
@@ -27,16 +28,30 @@ inline std::string TreeText(QzXmlLib16::CXmlElement const * pElement)
     return strOut;
 }
 
-/// Loads octets and gives the tree, or the message of the failure.
-inline std::string LoadText(QzXmlLib16::CXmlDocument & doc, std::string const & strOctets)
+inline std::string Packed(std::string const & strPlain, QzXmlLib16::CompressionType eType)
+{
+    QzXmlLib16::CBinaryData data = Octets(strPlain);
+    QzXmlLib16::CQzZip::Compress(data, eType);
+    return TextOf(data);
+}
+
+/// The tree after a call that loads it, or the message of the failure.
+template <class F>
+std::string TreeOrFailure(QzXmlLib16::CXmlDocument & doc, F && load)
 {
     try
     {
-        doc.LoadXmlStream(reinterpret_cast<unsigned char const *>(strOctets.data()), strOctets.size());
+        load();
     }
     catch (QzXmlLib16::CQzException const & e)
     {
         return "failed: " + Utf8(e.GetMessageW());
     }
     return TreeText(doc.GetDocumentElement());
+}
+
+inline std::string LoadText(QzXmlLib16::CXmlDocument & doc, std::string const & strOctets)
+{
+    auto const * const p = reinterpret_cast<unsigned char const *>(strOctets.data());
+    return TreeOrFailure(doc, [&] { doc.LoadXmlStream(p, strOctets.size()); });
 }

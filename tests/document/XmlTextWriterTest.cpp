@@ -1,13 +1,9 @@
 #include "qzxmllib/document/XmlTextWriter.h"
 
 #include "qzxmllib/document/TextStream.h"
-#include "qzxmllib/support/QzException.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/TestText.h"
 
 #include <functional>
-#include <string>
-#include <vector>
 
 using namespace QzXmlLib16;
 
@@ -63,182 +59,102 @@ Step End(std::u16string strExpected)
     return {[](Writer & w) { w.WriteEndElement(); }, std::move(strExpected)};
 }
 
-Step Call(std::function<void(Writer &)> call, std::u16string strExpected)
-{
-    return {std::move(call), std::move(strExpected)};
-}
-
 struct Scenario
 {
     char const * pszName;
     std::vector<Step> steps;
 };
 
-Step const kUnformatted = Call([](Writer & w) { w.SetFormat(false); }, u"");
+Step const kUnformatted = {[](Writer & w) { w.SetFormat(false); }, u""};
 std::u16string const kXsi = u"http://www.w3.org/2001/XMLSchema-instance";
 
 Scenario const kScenarios[] = {
     {"WholeDocument",
-        {
-            Call([](Writer & w) { w.AddNamespace(u"p", u"urn:p"); }, u""),
-            Call([](Writer & w) { w.SetDefaultNamespace(u"urn:d"); }, u""),
-            Call([](Writer & w) { w.WriteHeader(); }, u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"),
+        {{[](Writer & w) { w.AddNamespace(u"p", u"urn:p"); }, u""},
+            {[](Writer & w) { w.SetDefaultNamespace(u"urn:d"); }, u""},
+            {[](Writer & w) { w.WriteHeader(); }, u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"},
             Start(u"root", u"urn:d", u"<root xmlns=\"urn:d\" xmlns:p=\"urn:p\""),
-            Attribute(u"id", u"", u"a\"b", u" id=\"a&quot;b\""),
-            Start(u"a", u"urn:p", u">\n\t<p:a"),
-            Text(u"x<y", u">x&lt;y"),
-            End(u"</p:a>\n"),
-            Start(u"b", u"urn:q", u"\t<AA:b xmlns:AA=\"urn:q\""),
-            Attribute(u"t", u"urn:r", u"1", u" xmlns:AB=\"urn:r\" AB:t=\"1\""),
-            Start(u"c", u"", u">\n\t\t<c"),
-            End(u"/>\n"),
-            End(u"\t</AA:b>\n"),
-            Start(u"b", u"urn:q", u"\t<AA:b xmlns:AA=\"urn:q\""),
-            End(u"/>\n"),
-            End(u"</root>\n"),
-        }},
+            Attribute(u"id", u"", u"a\"b", u" id=\"a&quot;b\""), Start(u"a", u"urn:p", u">\n\t<p:a"),
+            Text(u"x<y", u">x&lt;y"), End(u"</p:a>\n"), Start(u"b", u"urn:q", u"\t<AA:b xmlns:AA=\"urn:q\""),
+            Attribute(u"t", u"urn:r", u"1", u" xmlns:AB=\"urn:r\" AB:t=\"1\""), Start(u"c", u"", u">\n\t\t<c"),
+            End(u"/>\n"), End(u"\t</AA:b>\n"), Start(u"b", u"urn:q", u"\t<AA:b xmlns:AA=\"urn:q\""), End(u"/>\n"),
+            End(u"</root>\n")}},
     {"RootDeclarations",
-        {
-            kUnformatted,
-            Call([](Writer & w) { w.AddNamespace(u"z", u"urn:1"); }, u""),
-            Call([](Writer & w) { w.AddNamespace(u"y", u"urn:2"); }, u""),
-            Call([](Writer & w) { w.AddNamespace(u"w", u"http://www.w3.org/XML/1998/namespace/more"); }, u""),
-            Call([](Writer & w) { w.SetDefaultNamespace(u"urn:d"); }, u""),
+        {kUnformatted, {[](Writer & w) { w.AddNamespace(u"z", u"urn:1"); }, u""},
+            {[](Writer & w) { w.AddNamespace(u"y", u"urn:2"); }, u""},
+            {[](Writer & w) { w.AddNamespace(u"w", u"http://www.w3.org/XML/1998/namespace/more"); }, u""},
+            {[](Writer & w) { w.SetDefaultNamespace(u"urn:d"); }, u""},
             Start(u"r", u"urn:n&", u"<AA:r xmlns:AA=\"urn:n&\" xmlns=\"urn:d\" xmlns:z=\"urn:1\" xmlns:y=\"urn:2\""),
             Attribute(u"a", u"urn:d", u"", u" xmlns:AB=\"urn:d\" AB:a=\"\""),
             Attribute(u"lang", u"http://www.w3.org/XML/1998/namespace", u"de", u" xml:lang=\"de\""),
-            Start(u"e", u"urn:d", u"><e"),
-            End(u"/>"),
-            End(u"</AA:r>"),
-        }},
-    {"SecondRootDeclaresAgain",
-        {
-            kUnformatted,
-            Start(u"r", u"urn:n", u"<AA:r xmlns:AA=\"urn:n\""),
-            End(u"/>"),
-            Start(u"r", u"urn:n", u"<AA:r xmlns:AA=\"urn:n\""),
-            End(u"/>"),
-        }},
+            Start(u"e", u"urn:d", u"><e"), End(u"/>"), End(u"</AA:r>")}},
+    {"SecondRootDeclaresAgain", {kUnformatted, Start(u"r", u"urn:n", u"<AA:r xmlns:AA=\"urn:n\""), End(u"/>"),
+                                    Start(u"r", u"urn:n", u"<AA:r xmlns:AA=\"urn:n\""), End(u"/>")}},
     {"PrefixOfTheStartTagServesTheEndTag",
-        {
-            kUnformatted,
-            Start(u"r", u"urn:n", u"<AA:r xmlns:AA=\"urn:n\""),
-            Text(u"t", u">t"),
-            Call([](Writer & w) { w.SetDefaultNamespace(u"urn:n"); }, u""),
-            Start(u"s", u"urn:n", u"<s"),
-            End(u"/>"),
-            End(u"</AA:r>"),
-        }},
+        {kUnformatted, Start(u"r", u"urn:n", u"<AA:r xmlns:AA=\"urn:n\""), Text(u"t", u">t"),
+            {[](Writer & w) { w.SetDefaultNamespace(u"urn:n"); }, u""}, Start(u"s", u"urn:n", u"<s"), End(u"/>"),
+            End(u"</AA:r>")}},
     {"EmptyTextKeepsTheTagOpen",
-        {
-            kUnformatted,
-            Start(u"a", u"", u"<a"),
-            Text(u"", u""),
-            Attribute(u"b", u"", u"1", u" b=\"1\""),
-            End(u"/>"),
-        }},
-    {"TextThenChild",
-        {
-            Start(u"r", u"", u"<r"),
-            Text(u"t", u">t"),
-            Start(u"k", u"", u"\t<k"),
-            End(u"/>\n"),
-            Text(u"u", u"u"),
-            End(u"</r>\n"),
-        }},
+        {kUnformatted, Start(u"a", u"", u"<a"), Text(u"", u""), Attribute(u"b", u"", u"1", u" b=\"1\""), End(u"/>")}},
+    {"TextThenChild", {Start(u"r", u"", u"<r"), Text(u"t", u">t"), Start(u"k", u"", u"\t<k"), End(u"/>\n"),
+                          Text(u"u", u"u"), End(u"</r>\n")}},
     {"Escapes",
-        {
-            kUnformatted,
-            Start(u"r", u"", u"<r"),
+        {kUnformatted, Start(u"r", u"", u"<r"),
             Attribute(u"a", u"", u"\t'\"&<>\r\n!", u" a=\"\t'&quot;&amp;&lt;&gt;&#xA;!\""),
             Attribute(u"z", u"", std::u16string(u"a\0b", 3), u" z=\"a\""),
-            Text(u"\t'\"&<>\r\n!", u">\t'\"&amp;&lt;&gt;\n!"),
-            Call([](Writer & w) { w.SetEOL(EOLType_CRLF); }, u""),
+            Text(u"\t'\"&<>\r\n!", u">\t'\"&amp;&lt;&gt;\n!"), {[](Writer & w) { w.SetEOL(EOLType_CRLF); }, u""},
             Text(u"plain text of some length\nand more", u"plain text of some length\r\nand more"),
             Text(std::u16string(u"abcdefg<\0h", 10), u"abcdefg&lt;"),
             Text(u"<![CDATA[<&]]><more&", u"<![CDATA[<&]]><more&"),
-            Text(u"\xD83D\xDE00\x013C\x013E", u"\xD83D\xDE00\x013C\x013E"),
-            End(u"</r>"),
-        }},
+            Text(u"\xD83D\xDE00\x013C\x013E", u"\xD83D\xDE00\x013C\x013E"), End(u"</r>")}},
     {"OtherMatter",
-        {
-            kUnformatted,
-            Call([](Writer & w) { w.WriteProcessingInstruction(u"<?p i?>"); }, u"<?p i?>\n\n"),
-            Call([](Writer & w) { w.WriteHeadedDirective(u"<!DOCTYPE r>"); }, u"<!DOCTYPE r>\n"),
-            Start(u"r", u"", u"<r"),
-            Call([](Writer & w) { w.WriteInLineSchema(u"xsi:s=\"x\""); }, u" \nxsi:s=\"x\"\n"),
-            Call([](Writer & w) { w.WriteComment(u"a<b"); }, u"<!--a&lt;b-->\n"),
-            Call([](Writer & w) { w.WriteRaw(u"<raw/>"); }, u"<raw/>"),
-            Call([](Writer & w) { w.CloseStartTag(); }, u">"),
-            Call([](Writer & w) { w.CloseStartTag(); }, u""),
-            End(u"</r>"),
-        }},
-    {"Xsi",
-        {
-            kUnformatted,
-            Call([](Writer & w) { w.AddNamespace(u"t", u"urn:t"); }, u""),
-            Start(u"r", u"", u"<r xmlns:t=\"urn:t\""),
-            Call([](Writer & w) { w.WriteXsiType(u"urn:u", u"T", ItemType_string); },
-                u" xmlns:AA=\"urn:u\"  xmlns:AB=\"" + kXsi + u"\" AB:type=\"AA:T\""),
-            Call([](Writer & w) { w.WriteXsiNil(); }, u" AB:nil=\"true\""),
-            Start(u"s", u"", u"><s"),
-            Call([](Writer & w) { w.WriteXsiType(u"urn:t", u"T", ItemType_string); }, u" AB:type=\"t:T\""),
-            Call([](Writer & w) { w.WriteXsiType(u"", u"T", ItemType_string); }, u" AB:type=\"T\""),
-            End(u"/>"),
-            End(u"</r>"),
-        }},
+        {kUnformatted, {[](Writer & w) { w.WriteProcessingInstruction(u"<?p i?>"); }, u"<?p i?>\n\n"},
+            {[](Writer & w) { w.WriteHeadedDirective(u"<!DOCTYPE r>"); }, u"<!DOCTYPE r>\n"}, Start(u"r", u"", u"<r"),
+            {[](Writer & w) { w.WriteInLineSchema(u"xsi:s=\"x\""); }, u" \nxsi:s=\"x\"\n"},
+            {[](Writer & w) { w.WriteComment(u"a<b"); }, u"<!--a&lt;b-->\n"},
+            {[](Writer & w) { w.WriteRaw(u"<raw/>"); }, u"<raw/>"}, {[](Writer & w) { w.CloseStartTag(); }, u">"},
+            {[](Writer & w) { w.CloseStartTag(); }, u""}, End(u"</r>")}},
+    {"Xsi", {kUnformatted, {[](Writer & w) { w.AddNamespace(u"t", u"urn:t"); }, u""},
+                Start(u"r", u"", u"<r xmlns:t=\"urn:t\""),
+                {[](Writer & w) { w.WriteXsiType(u"urn:u", u"T", ItemType_string); },
+                    u" xmlns:AA=\"urn:u\"  xmlns:AB=\"" + kXsi + u"\" AB:type=\"AA:T\""},
+                {[](Writer & w) { w.WriteXsiNil(); }, u" AB:nil=\"true\""}, Start(u"s", u"", u"><s"),
+                {[](Writer & w) { w.WriteXsiType(u"urn:t", u"T", ItemType_string); }, u" AB:type=\"t:T\""},
+                {[](Writer & w) { w.WriteXsiType(u"", u"T", ItemType_string); }, u" AB:type=\"T\""}, End(u"/>"),
+                End(u"</r>")}},
 };
 
-class TextWriterTest : public testing::TestWithParam<Scenario>
-{
-};
+using TextWriterTest = testing::TestWithParam<Scenario>;
 
 TEST_P(TextWriterTest, EachCallAppends)
 {
     Output output;
-    int nStep = 0;
     for (Step const & step : GetParam().steps)
     {
         step.call(output.writer);
-        EXPECT_EQ(output.Next(), step.strExpected) << "step " << nStep;
-        ++nStep;
+        EXPECT_EQ(Utf8(output.Next()), Utf8(step.strExpected));
     }
     output.writer.EndDocument();
     EXPECT_EQ(output.Next(), u"");
 }
 
-INSTANTIATE_TEST_SUITE_P(Scenarios, TextWriterTest, testing::ValuesIn(kScenarios),
-    [](auto const & row) { return std::string(row.param.pszName); });
+INSTANTIATE_TEST_SUITE_P(Scenarios, TextWriterTest, testing::ValuesIn(kScenarios), CaseName);
 
 TEST(TextWriterHeaderTest, NamesTheEncoding)
 {
-    struct Case
+    for (auto const & [eEncoding, pszExpected] : {std::pair(XmlEncoding_None, u"<?xml version=\"1.0\"?>\n"),
+             {XmlEncoding_UTF16, u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"},
+             {XmlEncoding_UTF16NoDecl, u"<?xml version=\"1.0\"?>\n"}})
     {
-        XmlEncoding eEncoding;
-        std::u16string strExpected;
-    };
-    for (Case const & c : {Case{XmlEncoding_None, u"<?xml version=\"1.0\"?>\n"},
-             Case{XmlEncoding_UTF16, u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"},
-             Case{XmlEncoding_UTF16NoDecl, u"<?xml version=\"1.0\"?>\n"}})
-    {
-        Output output(c.eEncoding);
+        Output output(eEncoding);
         output.writer.WriteHeader();
-        EXPECT_EQ(output.Next(), c.strExpected);
+        EXPECT_EQ(output.Next(), pszExpected);
     }
 }
 
-template <class Call>
-void ExpectRefused(Output & output, std::u16string const & strMessage, Call && call)
+void ExpectRefused(Output & output, char16_t const * pszMessage, std::function<void(Writer &)> const & call)
 {
-    try
-    {
-        call(output.writer);
-        FAIL() << "no failure";
-    }
-    catch (CQzException const & exception)
-    {
-        EXPECT_EQ(exception.GetMessageW(), strMessage);
-    }
+    ExpectThrows<CQzException>([&] { call(output.writer); }, pszMessage);
     EXPECT_EQ(output.Next(), u"");
 }
 

@@ -24,14 +24,19 @@ protected:
         for (char16_t const * pszName : {u"s", u"t", u"u"})
             m_schema.Element<CElementInfoSeqPrimOpt>(
                 pszName, false, ItemType_string, u"", eRule, CPrimitiveRestrictions(), u"");
-        m_spObject = new CTableClass(m_schema);
-        m_spObject->m_strNamespace = u"n";
+        m_spObject = New();
         (*m_spObject)[0].SetI4(7);
         (*m_spObject)[1].SetString(u"one");
         (*m_spObject)[2].SetString(std::u16string(500, u'x'));
         (*m_spObject)[3].SetString(u"one");
     }
 
+    CSmartPtr<CTableClass> New()
+    {
+        CSmartPtr<CTableClass> const spNew(new CTableClass(m_schema));
+        spNew->m_strNamespace = u"n";
+        return spNew;
+    }
     void ExpectSame(CTableClass & back) { EXPECT_EQ(Utf8(back.ToXml()), Utf8(m_spObject->ToXml())); }
 
     CTableSchema m_schema;
@@ -49,8 +54,7 @@ TEST_F(EntriesTest, StreamsComeBackInEveryForm)
             for (CompressionType const eType : {CompressionType_None, CompressionType_GZip, CompressionType_ZLib})
             {
                 CBinaryData const data = m_spObject->ToFastInfosetStream(eDecl, ctx, eType);
-                CSmartPtr<CTableClass> const spBack(new CTableClass(m_schema));
-                spBack->m_strNamespace = u"n";
+                CSmartPtr<CTableClass> const spBack = New();
                 spBack->FromXmlStream(data, ctx);
                 ExpectSame(*spBack);
             }
@@ -72,8 +76,7 @@ TEST_F(EntriesTest, FilesHoldTheStreamAndNothingElse)
     std::string const strOctets{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     EXPECT_EQ(strOctets, TextOf(m_spObject->ToFastInfosetStream(FInfoDecl_4)));
     m_spObject->ToFastInfosetFile(strWide.c_str(), FInfoDecl_None, ctx, CompressionType_GZip);
-    CSmartPtr<CTableClass> const spBack(new CTableClass(m_schema));
-    spBack->m_strNamespace = u"n";
+    CSmartPtr<CTableClass> const spBack = New();
     spBack->FromXmlFile(strWide.c_str());
     ExpectSame(*spBack);
     std::remove(strPath.c_str());
@@ -86,8 +89,7 @@ TEST_F(EntriesTest, LongTextPassesWhole)
     {
         std::u16string const strText = std::u16string(nBefore, u'\u00E9') + u"\U0001F600" + std::u16string(40000, u'z');
         (*m_spObject)[1].SetString(strText);
-        CSmartPtr<CTableClass> const spBack(new CTableClass(m_schema));
-        spBack->m_strNamespace = u"n";
+        CSmartPtr<CTableClass> const spBack = New();
         spBack->FromXmlStream(m_spObject->ToFastInfosetStream());
         EXPECT_TRUE((*spBack)[1].GetString() == strText);
     }

@@ -112,7 +112,6 @@ struct WriteRow
 WriteRow const kRows[] = {
     {"Example", Plain, u"<a|@x=1|<b|'hi|/|<b|'hi|/|/",
         "78 F0 3C 00 61 78 00 78 40 31 F0 3C 00 62 91 68 69 F0 01 A0 FF F0", "a @x='1' (b \"hi\") (b \"hi\")"},
-    {"EmptyRoot", Plain, u"<a|/", "38 F0 3C 00 61 FF", "a"},
     {"AttributesOnly", Plain, u"<a|@x=|@y=1|@z=1|'|/", "78 F0 3C 00'a' 78 00'x' FF 78 00'y' 40'1' 78 00'z' 80 F0 FF",
         "a @x='' @y='1' @z='1'"},
     {"ThreeEnds", Plain, u"<a|<b|<c|<d|/|/|/|<e|/|/", "38 F0 3C 00'a' 3C 00'b' 3C 00'c' 3C 00'd' FF F0 3C 00'e' FF F0",
@@ -152,9 +151,7 @@ WriteRow const kRows[] = {
     {"Cdata", Text<2, 10>, u"<a|@x=y|'z|/", "78 F0 3C 00'a' 78 00'x' 70 90'y' F0 9C 24'z' FF", "a @x='y' \"z\""},
 };
 
-class WriteTest : public testing::TestWithParam<WriteRow>
-{
-};
+using WriteTest = testing::TestWithParam<WriteRow>;
 
 TEST_P(WriteTest, GivesOctetsAndReadsThemBack)
 {
@@ -183,28 +180,21 @@ constexpr char16_t kNoCharacter[] = FAILED "Invalid character not found for Rest
 FailureRow const kFailures[] = {
     {"AttributeBehindEmptyText", Plain, u"<a|'|@x=1", kTooLate},
     {"TypeBehindChild", Plain, u"<a|<b|/|^T", kTooLate},
-    {"NilBehindInstruction", Plain, u"<a|#|!", kTooLate},
     {"NotClosed", Plain, u"<a", u"An Element has not been closed."},
     {"NoElementOpen", Plain, u"/", u"No Element is open."},
     {"Alphabet3", Text<1, 3>, u"<a|'1|/", FAILED "Invalid Restricted Alphabet value [3]"},
-    {"Alphabet0", Text<1, 0>, u"<a|'1|/", FAILED "Invalid Restricted Alphabet value [0]"},
-    {"Algorithm0", Text<2, 0>, u"<a|'1|/", FAILED "Invalid Encoding Algorithm value [0]"},
     {"Algorithm11", Text<2, 11>, u"<a|'1|/", FAILED "Invalid Encoding Algorithm value [11]"},
     {"KindOfText", Text<3, 1>, u"<a|'1|/", FAILED "Unknown encoding in EncodedCharacterStringBit7."},
     {"KindOfAttribute", Text<3, 1>, u"<a|@x=1|/", FAILED "Unknown encoding in EncodedCharacterStringBit5."},
     {"DateWithPlus", Suggested, u"%20|<a|'2020-01-01T00:00:00+01:00|/", kNoCharacter},
-    {"DecimalWithExponent", Suggested, u"%25|<a|'1E3|/", kNoCharacter},
     {"EmptyLocalName", Plain, u"<a|<|<b", FAILED "A name must not be empty."},
-    {"EmptyAlias", Plain, u"={u}|<a|/", FAILED "A name must not be empty."},
     {"NamespaceOfZero", Plain, u"d{~}|<a|/", FAILED "A name must not be empty."},
     {"ValueOfZero", Plain, u"<a|'~|/", FAILED "The value has no octets."},
     {"LoneSurrogate", Plain, u"<a|'x\xD800|/",
         u"Failed to convert text to UTF-8. Invalid surrogate [0x0000D800] at position [1]."},
 };
 
-class WriteFailureTest : public testing::TestWithParam<FailureRow>
-{
-};
+using WriteFailureTest = testing::TestWithParam<FailureRow>;
 
 TEST_P(WriteFailureTest, Throws)
 {
@@ -218,18 +208,17 @@ INSTANTIATE_TEST_SUITE_P(Rows, WriteFailureTest, testing::ValuesIn(kFailures), C
 
 TEST(FastInfosetWriter, WritesEachDeclaration)
 {
-    static char const * const kTexts[] = {"", "<?xml encoding='finf'?>", "<?xml encoding='finf' standalone='yes'?>",
-        "<?xml encoding='finf' standalone='no'?>", "<?xml version='1.0' encoding='finf'?>",
-        "<?xml version='1.0' encoding='finf' standalone='yes'?>",
-        "<?xml version='1.0' encoding='finf' standalone='no'?>", "<?xml version='1.1' encoding='finf'?>",
-        "<?xml version='1.1' encoding='finf' standalone='yes'?>",
-        "<?xml version='1.1' encoding='finf' standalone='no'?>"};
+    static char const * const kVersions[] = {"<?xml", "<?xml version='1.0'", "<?xml version='1.1'"};
+    static char const * const kEnds[] = {"?>", " standalone='yes'?>", " standalone='no'?>"};
     CSerializationContext ctx;
     auto const write = [](Writer & w) { Play(w, u"<a|/"); };
     for (int nDecl = 0; nDecl <= 9; ++nDecl)
     {
         auto octets = Write(ctx.GetFIContext(), write, static_cast<FInfoDecl>(nDecl));
-        std::string const strExpected = kTexts[nDecl] + std::string("\xE0\0\0\1\0\x38\xF0\x3C\0a\xFF", 11);
+        std::string const strDecl =
+            std::string(kVersions[(nDecl + 2) / 3 - (nDecl != 0)]) + " encoding='finf'" + kEnds[(nDecl + 2) % 3];
+        std::string const strExpected =
+            (nDecl == 0 ? "" : strDecl) + std::string("\xE0\0\0\1\0\x38\xF0\x3C\0a\xFF", 11);
         EXPECT_EQ(std::string(octets.begin(), octets.end()), strExpected);
         EXPECT_EQ(TreeOf(octets, ctx), "a");
         // A declaration in front of an identification that is not whole is XML text.
@@ -266,28 +255,16 @@ TEST(FastInfosetWriter, StartsFromAGeneratedVocabulary)
 struct LengthRow
 {
     std::size_t nLength;
-    char const * pszOnBit2;
-    char const * pszOnBit5;
-    char const * pszOnBit7;
+    char const *pszOnBit2, *pszOnBit5, *pszOnBit7;
 };
 
 // The lead octets of a local name, of a value that does not enter the table, and of a chunk that does not.
-LengthRow const kLengths[] = {
-    {1, "00", "00", "80"},
-    {2, "01", "01", "81"},
-    {3, "02", "02", "82 00"},
-    {8, "07", "07", "82 05"},
-    {9, "08", "08 00", "82 06"},
-    {64, "3F", "08 37", "82 3D"},
-    {65, "40 00", "08 38", "82 3E"},
-    {258, "40 C1", "08 F9", "82 FF"},
-    {259, "40 C2", "08 FA", "83 00 00 00 00"},
-    {264, "40 C7", "08 FF", "83 00 00 00 05"},
-    {265, "40 C8", "0C 00 00 00 00", "83 00 00 00 06"},
-    {320, "40 FF", "0C 00 00 00 37", "83 00 00 00 3D"},
-    {321, "60 00 00 00 00", "0C 00 00 00 38", "83 00 00 00 3E"},
-    {70000, "60 00 01 10 2F", "0C 00 01 10 67", "83 00 01 10 6D"},
-};
+LengthRow const kLengths[] = {{1, "00", "00", "80"}, {2, "01", "01", "81"}, {3, "02", "02", "82 00"},
+    {8, "07", "07", "82 05"}, {9, "08", "08 00", "82 06"}, {64, "3F", "08 37", "82 3D"},
+    {65, "40 00", "08 38", "82 3E"}, {258, "40 C1", "08 F9", "82 FF"}, {259, "40 C2", "08 FA", "83 00 00 00 00"},
+    {264, "40 C7", "08 FF", "83 00 00 00 05"}, {265, "40 C8", "0C 00 00 00 00", "83 00 00 00 06"},
+    {320, "40 FF", "0C 00 00 00 37", "83 00 00 00 3D"}, {321, "60 00 00 00 00", "0C 00 00 00 38", "83 00 00 00 3E"},
+    {70000, "60 00 01 10 2F", "0C 00 01 10 67", "83 00 01 10 6D"}};
 
 TEST(FastInfosetWriter, WritesLengthsInTheShortestForm)
 {
@@ -304,40 +281,24 @@ TEST(FastInfosetWriter, WritesLengthsInTheShortestForm)
         EXPECT_EQ(
             HexOf(octets), HexOf(FiDocument("78 F0 3C " + (row.pszOnBit2 + strQuoted) + "78 00'x'" + row.pszOnBit5 +
                                             strQuoted + "F0" + row.pszOnBit7 + strQuoted + "FF")));
-        std::string const strName = Utf8(strText);
-        EXPECT_EQ(TreeOf(octets, ctx), strName + " @x='" + strName + "' \"" + strName + "\"");
+        EXPECT_EQ(TreeOf(octets, ctx), Utf8(strText + u" @x='" + strText + u"' \"" + strText + u"\""));
     }
 }
 
 struct IndexRow
 {
     std::uint32_t dwIndex;
-    /// Of an attribute value, an element name and a chunk. Null where other rows have met all forms.
-    char const * pszOnBit2;
-    char const * pszOnBit3;
-    char const * pszOnBit4;
+    /// Of an attribute value, an element name and a chunk. Empty where other rows have met all forms.
+    char const *pszOnBit2, *pszOnBit3, *pszOnBit4;
 };
 
-IndexRow const kIndexes[] = {
-    {1, "80", "00", "A0"},
-    {16, "8F", "0F", "AF"},
-    {17, "90", "10", "B0 00"},
-    {32, "9F", "1F", "B0 0F"},
-    {33, "A0", "20 00", "B0 10"},
-    {64, "BF", "20 1F", "B0 2F"},
-    {65, "C0 00", "20 20", "B0 30"},
-    {1040, "C3 CF", "23 EF", "B3 FF"},
-    {1041, "C3 D0", "23 F0", "B4 00 00"},
-    {2080, "C7 DF", "27 FF", "B4 04 0F"},
-    {2081, "C7 E0", "28 00 00", "B4 04 10"},
-    {8256, "DF FF", "28 18 1F", "B4 1C 2F"},
-    {8257, "E0 00 00", "28 18 20", "B4 1C 30"},
-    {263184, nullptr, "2B FB EF", "B7 FF FF"},
-    {263185, nullptr, "2B FB F0", "B8 00 00 00"},
-    {526368, nullptr, "2F FF FF", nullptr},
-    {526369, nullptr, "30 00 00 00", nullptr},
-    {1048576, nullptr, nullptr, "B8 0B FB EF"},
-};
+IndexRow const kIndexes[] = {{1, "80", "00", "A0"}, {16, "8F", "0F", "AF"}, {17, "90", "10", "B0 00"},
+    {32, "9F", "1F", "B0 0F"}, {33, "A0", "20 00", "B0 10"}, {64, "BF", "20 1F", "B0 2F"},
+    {65, "C0 00", "20 20", "B0 30"}, {1040, "C3 CF", "23 EF", "B3 FF"}, {1041, "C3 D0", "23 F0", "B4 00 00"},
+    {2080, "C7 DF", "27 FF", "B4 04 0F"}, {2081, "C7 E0", "28 00 00", "B4 04 10"},
+    {8256, "DF FF", "28 18 1F", "B4 1C 2F"}, {8257, "E0 00 00", "28 18 20", "B4 1C 30"},
+    {263184, "", "2B FB EF", "B7 FF FF"}, {263185, "", "2B FB F0", "B8 00 00 00"}, {526368, "", "2F FF FF", ""},
+    {526369, "", "30 00 00 00", ""}, {1048576, "", "", "B8 0B FB EF"}};
 
 TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
 {
@@ -367,19 +328,19 @@ TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
     {
         std::u16string const strText = text(row.dwIndex);
         std::string const strUtf8 = Utf8(strText);
-        if (row.pszOnBit2 != nullptr)
+        if (*row.pszOnBit2 != 0)
         {
             strCalls += u"<n1|@x=" + strText + u"|/|";
             strExpected += (row.dwIndex == 1 ? "40 78 00'x'" : "40 00") + std::string(row.pszOnBit2) + "F0 F0";
             strTree += " (n1 @x='" + strUtf8 + "')";
         }
-        if (row.pszOnBit3 != nullptr)
+        if (*row.pszOnBit3 != 0)
         {
             strCalls += u"<" + strText + u"|/|";
             strExpected += row.pszOnBit3 + std::string("F0");
             strTree += " (" + strUtf8 + ")";
         }
-        if (row.pszOnBit4 != nullptr)
+        if (*row.pszOnBit4 != 0)
         {
             strCalls += u"<n1|'" + strText + u"|/|";
             strExpected += "00" + std::string(row.pszOnBit4) + "F0";

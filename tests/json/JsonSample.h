@@ -22,15 +22,7 @@ inline std::u16string Json(std::string_view text)
 }
 
 /// Indexes of properties.
-enum
-{
-    kId,
-    kText,
-    kWeight,
-    kPaid,
-    kLines,
-    kEmpty
-};
+constexpr int kId = 0, kText = 1, kWeight = 2, kPaid = 3, kLines = 4, kEmpty = 5;
 
 struct CSchemas
 {
@@ -43,9 +35,9 @@ struct CSchemas
         line.TextProperty();
         root.Attribute<QzXmlLib16Data::CAttributeInfoPrimitive>(u"id", true, ItemType_i4, u"", kNone, noFacets, u"");
         using Element = QzXmlLib16Data::CElementInfoSeqPrimOpt;
-        root.Element<Element>(u"text", false, ItemType_string, u"", kNone, noFacets, u"");
-        root.Element<Element>(u"weight", false, ItemType_r8, u"", kNone, noFacets, u"");
-        root.Element<Element>(u"paid", false, ItemType_boolean, u"", kNone, noFacets, u"");
+        for (auto const & [pszName, eType] :
+            {std::pair(u"text", ItemType_string), {u"weight", ItemType_r8}, {u"paid", ItemType_boolean}})
+            root.Element<Element>(pszName, false, eType, u"", kNone, noFacets, u"");
         root.Element<QzXmlLib16Data::CElementInfoSeqClsCol>(u"line", QzXmlLib16Data::XmlElementType_Element);
         root.Element<Element>(u"empty", false, ItemType_string, u"", kNone, noFacets, u"");
         root.OnInit(

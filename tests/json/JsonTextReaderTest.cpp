@@ -28,23 +28,18 @@ private:
     std::string & m_strLog;
 };
 
-enum Mode
-{
-    Mode_Default,
-    Mode_NoComments,
-    Mode_Strict,
-    Mode_Root ///< with the root element name r
-};
+/// The last is with the root element name r.
+constexpr int kDefault = 0, kNoComments = 1, kStrict = 2, kRoot = 3;
 
-std::string Events(std::u16string const & strText, Mode eMode)
+std::string Events(std::u16string const & strText, int nMode)
 {
     std::string strLog;
     CJsonTextReader reader(strText);
     reader.SetHandler(new CRecorder(strLog));
     reader.SetHandler(new CRecorder(strLog)); // frees the first
-    reader.m_bAllowComments = eMode != Mode_NoComments;
-    reader.m_bStrict = eMode == Mode_Strict;
-    reader.m_strRootElementName = eMode == Mode_Root ? u"r" : u"";
+    reader.m_bAllowComments = nMode != kNoComments;
+    reader.m_bStrict = nMode == kStrict;
+    reader.m_strRootElementName = nMode == kRoot ? u"r" : u"";
     reader.Read();
     return strLog;
 }
@@ -58,50 +53,45 @@ std::u16string Nested(int nLevels, std::u16string const & strInner)
 struct GoodCase
 {
     char const * pszName;
-    Mode eMode;
+    int nMode;
     std::u16string strText;
     std::string strEvents;
 };
 
-class JsonTextReaderTest : public testing::TestWithParam<GoodCase>
-{
-};
+using JsonTextReaderTest = testing::TestWithParam<GoodCase>;
 
 TEST_P(JsonTextReaderTest, Events)
 {
-    EXPECT_EQ(Events(GetParam().strText, GetParam().eMode), GetParam().strEvents);
+    EXPECT_EQ(Events(GetParam().strText, GetParam().nMode), GetParam().strEvents);
 }
 
 GoodCase const kGood[] = {
-    {"Empty", Mode_Default, u"", "<>"},
-    {"BlanksAndComments", Mode_Default, u" \t\r\n/**/ // x", "<>"},
-    {"EmptyWithRoot", Mode_Root, u"", "<{r:}>"},
-    {"Everything", Mode_Root, Json("{'a' : [ 1 , 's',true,false , null,{} ],'b':[ ]}x"),
-        "<{r:{a:[1 's' T F N {}]b:[]}}>"},
-    {"Numbers", Mode_Default, u"[1.50,1E2,-0,0,10,1e+07,2.0e-3,12345678901234567890]",
+    {"Empty", kDefault, u"", "<>"},
+    {"BlanksAndComments", kDefault, u" \t\r\n/**/ // x", "<>"},
+    {"Everything", kRoot, Json("{'a' : [ 1 , 's',true,false , null,{} ],'b':[ ]}x"), "<{r:{a:[1 's' T F N {}]b:[]}}>"},
+    {"Numbers", kDefault, u"[1.50,1E2,-0,0,10,1e+07,2.0e-3,12345678901234567890]",
         "<[1.50 1E2 -0 0 10 1e+07 2.0e-3 12345678901234567890 ]>"},
-    {"NumberAtTheEnd", Mode_Default, u"12", "<12 >"},
-    {"LeadingZeroAtTheTop", Mode_Default, u"01", "<0 >"},
-    {"LineFeedInNumber", Mode_Default, u"1\n2", "<12 >"},
-    {"LineFeedInString", Mode_Default, u"\"a\nb\rc\td\x01\"", "<'ab\rc\td\x01' >"},
-    {"Escapes", Mode_Default, u"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00e9\\uD83D\\uDE00\\uD800\\\nn\"",
+    {"LeadingZeroAtTheTop", kDefault, u"01", "<0 >"},
+    {"LineFeedInNumber", kDefault, u"1\n2", "<12 >"},
+    {"LineFeedInString", kDefault, u"\"a\nb\rc\td\x01\"", "<'ab\rc\td\x01' >"},
+    {"Escapes", kDefault, u"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00e9\\uD83D\\uDE00\\uD800\\\nn\"",
         "<'\"\\/\b\f\n\r\tA\xC3\xA9\xF0\x9F\x98\x80<D800>\n' >"},
-    {"LongString", Mode_Default, u"\"0123456789abcdef012\\u004156789abcdef\"", "<'0123456789abcdef012A56789abcdef' >"},
-    {"Comments", Mode_Default, u"/* a */ /**/[// b\n1 /*/ c */ /* **/,/*\n*/2 // d\n]//", "<[1 2 ]>"},
-    {"UnterminatedComment", Mode_Default, u"1 /*", "<1 >"},
-    {"Depth100", Mode_Default, Nested(100, u""), "<" + std::string(100, '[') + std::string(100, ']') + ">"},
-    {"StrictWhiteSpace", Mode_Strict, u" [\r\n1\n,\t2\n] \n", "<[1 2 ]>"},
-    {"StrictEscapes", Mode_Strict, u"\"\\n\\u0001\x7F\"", "<'\n\x01\x7F' >"},
+    {"LongString", kDefault, u"\"0123456789abcdef012\\u004156789abcdef\"", "<'0123456789abcdef012A56789abcdef' >"},
+    {"Comments", kDefault, u"/* a */ /**/[// b\n1 /*/ c */ /* **/,/*\n*/2 // d\n]//", "<[1 2 ]>"},
+    {"UnterminatedComment", kDefault, u"1 /*", "<1 >"},
+    {"Depth100", kDefault, Nested(100, u""), "<" + std::string(100, '[') + std::string(100, ']') + ">"},
+    {"StrictWhiteSpace", kStrict, u" [\r\n1\n,\t2\n] \n", "<[1 2 ]>"},
+    {"StrictEscapes", kStrict, u"\"\\n\\u0001\x7F\"", "<'\n\x01\x7F' >"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Good, JsonTextReaderTest, testing::ValuesIn(kGood), CaseName);
 
 TEST(JsonTextReaderTest, CommentsDoNotNest)
 {
-    std::u16string strComments;
-    for (int n = 0; n < 200000; ++n)
-        strComments += u"/**/";
-    EXPECT_EQ(Events(Nested(1, strComments), Mode_Default), "<[]>");
+    std::u16string strComments = u"/**/";
+    while (strComments.size() < 800000)
+        strComments += strComments;
+    EXPECT_EQ(Events(Nested(1, strComments), kDefault), "<[]>");
 }
 
 struct BadCase
@@ -109,32 +99,23 @@ struct BadCase
     char const * pszName;
     std::u16string strText;
     std::u16string strWords;
-    int nLine;
-    int nPosition;
+    int nLine, nPosition;
     char16_t const * pszPath = u"$";
-    Mode eMode = Mode_Default;
+    int nMode = kDefault;
 };
 
-class JsonTextReaderFailureTest : public testing::TestWithParam<BadCase>
-{
-};
+using JsonTextReaderFailureTest = testing::TestWithParam<BadCase>;
 
 TEST_P(JsonTextReaderFailureTest, Message)
 {
     BadCase const & row = GetParam();
-    ExpectThrows<CQzValidationException>([&] { Events(row.strText, row.eMode); },
+    ExpectThrows<CQzValidationException>([&] { Events(row.strText, row.nMode); },
         FormatString(u"%s at line %d, position %d.", row.strWords, row.nLine, row.nPosition), row.pszPath);
 }
 
-std::u16string End(char16_t const * pszExpected)
-{
-    return FormatString(u"Unexpected End of File. Expected %s", pszExpected);
-}
-
-std::u16string Found(char16_t const * pszExpected, char16_t c)
-{
-    return FormatString(u"Expected %s, found '%c'", pszExpected, c);
-}
+auto const End = [](auto pszExpected) { return FormatString(u"Unexpected End of File. Expected %s", pszExpected); };
+auto const Found = [](auto pszExpected, char16_t c)
+{ return FormatString(u"Expected %s, found '%c'", pszExpected, c); };
 
 constexpr char16_t kValue[] = u"Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null'";
 constexpr char16_t kDigit[] = u"a digit '0' to '9'";
@@ -151,9 +132,9 @@ BadCase const kBad[] = {
     {"NoValue", u"[\nx", Found(kValue, u'x'), 2, 1},
     {"NoValueInPath", Json("{'a':{'b':[{},{'c':x"), Found(kValue, u'x'), 1, 20, u"$.c.b[1].a"},
     {"PathBehindClosed", Json("{'a':{'b':[{}]},\n 'c':[[1],+]}"), Found(kValue, u'+'), 2, 11},
-    {"PathOfRoot", Json("{'a':x}"), Found(kValue, u'x'), 1, 6, u"$.a.r", Mode_Root},
+    {"PathOfRoot", Json("{'a':x}"), Found(kValue, u'x'), 1, 6, u"$.a.r", kRoot},
     {"CommaAtEndOfArray", u"[1,]", Found(kValue, u']'), 1, 4},
-    {"CommentForbidden", u"/* c */ 1", Found(kValue, u'/'), 1, 1, u"$", Mode_NoComments},
+    {"CommentForbidden", u"/* c */ 1", Found(kValue, u'/'), 1, 1, u"$", kNoComments},
     {"LoneSlash", u"[ /", Found(kValue, u'/'), 1, 3},
     {"ByteOrderMark", u"\uFEFF1", Found(kValue, u'\uFEFF'), 1, 1},
     {"EndInArray", u"[ ", End(kBracket), 1, 2},
@@ -188,12 +169,11 @@ BadCase const kBad[] = {
     {"HexSign", Json("{'a':'\\u+123'}"), kHex, 1, 12, u"$.a"},
     {"HexPrefix", u"\"\\u0x1f\"", kHex, 1, 7},
     {"Escape", u"\"\\q\"", u"Invalid Escape Character 'q'", 1, 3},
-    {"StrictComment", Json("{'a': 1 // c\n}"), Found(u"Object separator character ','", u'/'), 1, 9, u"$.a",
-        Mode_Strict},
-    {"StrictLineFeedInString", u"[\n\"a\nb\"]", kControl, 2, 3, u"$", Mode_Strict},
-    {"StrictControlInEscape", u"\"\\\n", kControl, 1, 3, u"$", Mode_Strict},
-    {"StrictTextBehind", u"{} ]", u"Unexpected text behind the value, found ']'", 1, 4, u"$", Mode_Strict},
-    {"StrictTwoLines", u"1\n2", u"Unexpected text behind the value, found '2'", 2, 1, u"$", Mode_Strict},
+    {"StrictComment", u"[1 // c\n]", Found(kComma, u'/'), 1, 4, u"$", kStrict},
+    {"StrictLineFeedInString", u"[\n\"a\nb\"]", kControl, 2, 3, u"$", kStrict},
+    {"StrictControlInEscape", u"\"\\\n", kControl, 1, 3, u"$", kStrict},
+    {"StrictTextBehind", u"{} ]", u"Unexpected text behind the value, found ']'", 1, 4, u"$", kStrict},
+    {"StrictTwoLines", u"1\n2", u"Unexpected text behind the value, found '2'", 2, 1, u"$", kStrict},
 };
 
 INSTANTIATE_TEST_SUITE_P(Bad, JsonTextReaderFailureTest, testing::ValuesIn(kBad), CaseName);
@@ -204,7 +184,7 @@ TEST(JsonReaderDefaultHandlerTest, TracesEventsToTheDebugOutput)
 {
     SetDebugOutput([](char16_t const * piece) { g_strTrace += piece; });
     std::u16string const strLong(300, u'l');
-    Events(u"{\"a\":[\"" + strLong + u"\",1,true,null]}", Mode_Default);
+    Events(u"{\"a\":[\"" + strLong + u"\",1,true,null]}", kDefault);
     SetDebugOutput(nullptr);
     EXPECT_EQ(Utf8(g_strTrace), Utf8(u"StartDocument\nStartObject\nName: a\nStartArray\nString: " + strLong +
                                      u"\nNumber: 1\nBool: true\nNull\nEndArray\nEndObject\nEndDocument\n"));

@@ -36,25 +36,23 @@ struct Calls
     }
 };
 
-enum Form
-{
-    Form_Plain,
-    Form_Formatted,
-    Form_Strict
-};
+constexpr int kPlain = 0, kFormatted = 1, kStrict = 2, kCrlf = 3;
 
 struct Case
 {
     char const * pszName;
     void (*pfnCalls)(Calls const & w);
     std::u16string strJson;
-    Form eForm = Form_Plain;
+    int nForm = kPlain;
     JsonRoundTrip eRoundTrip = JsonRoundTrip_Full;
 };
 
-class JsonTextWriterCaseTest : public testing::TestWithParam<Case>
+void PrintTo(Case const & row, std::ostream * pOut)
 {
-};
+    *pOut << row.pszName;
+}
+
+using JsonTextWriterCaseTest = testing::TestWithParam<Case>;
 
 TEST_P(JsonTextWriterCaseTest, Json)
 {
@@ -62,9 +60,10 @@ TEST_P(JsonTextWriterCaseTest, Json)
     CTextStream stream;
     CJsonTextWriter writer(stream);
     writer.StartDocument();
-    writer.SetFormat(row.eForm == Form_Formatted);
+    writer.SetFormat(row.nForm == kFormatted || row.nForm == kCrlf);
     writer.SetRoundTrip(row.eRoundTrip);
-    writer.SetStrict(row.eForm == Form_Strict);
+    writer.SetStrict(row.nForm == kStrict);
+    writer.SetEOL(row.nForm == kCrlf ? EOLType_CRLF : EOLType_LF);
     writer.WriteDocumentStart();
     row.pfnCalls({writer});
     writer.WriteDocumentEnd();
@@ -79,10 +78,7 @@ void Everything(Calls const & w)
     w.Leaf(u"b", u"u").Array(3).Start(u"c", u"urn:p").Text(u"5", ItemType_i4).End().End();
 }
 
-void OddText(Calls const & w)
-{
-    w.Leaf(u"r", u"q\" b\\ s/ \b\t\f\n\r\x01\x1F\x7F\u00e9 and a long stretch");
-}
+constexpr auto OddText = [](Calls const & w) { w.Leaf(u"r", u"q\" b\\ s/ \b\t\f\n\r\x01\x1F\x7F\u00e9 and on"); };
 
 void Numbers(Calls const & w)
 {
@@ -92,16 +88,8 @@ void Numbers(Calls const & w)
     w.Attribute(u"b", u"true", ItemType_boolean).Attribute(u"y", u"2026", ItemType_year).Attribute(u"s", u"1").End();
 }
 
-void Comment(Calls const & w)
-{
-    w.writer.WriteComment(u"c");
-    w.Leaf(u"r", u"t");
-}
-
-void TextBeside(Calls const & w)
-{
-    w.Start(u"r").Attribute(u"a", u"1", ItemType_i4).Text(u"t").End();
-}
+constexpr auto Comment = [](Calls const & w) { w.writer.WriteComment(u"c"), w.Leaf(u"r", u"t"); };
+constexpr auto TextBeside = [](Calls const & w) { w.Start(u"r").Attribute(u"a", u"1", ItemType_i4).Text(u"t").End(); };
 
 void Nothing(Calls const & w)
 {
@@ -141,59 +129,43 @@ Case const kCases[] = {
     {"Everything", Everything,
         Json("{\n\t'a': {\n\t\t'@xmlns:p': 'urn:p',\n\t\t'@id': 7,\n\t\t'b': [\n\t\t\t{\n\t\t\t\t'@x': '1',\n"
              "\t\t\t\t'#text': 't'\n\t\t\t},\n\t\t\t'u'\n\t\t],\n\t\t'p:c': 5\n\t}\n}"),
-        Form_Formatted},
-    {"RootWithText", [](Calls const & w) { w.Leaf(u"r", u"x"); }, Json("{\n\t'r': 'x'\n}"), Form_Formatted},
+        kFormatted},
+    {"RootWithText", [](Calls const & w) { w.Leaf(u"r", u"x\ny"); }, Json("{\r\n\t'r': 'x\r\ny'\r\n}"), kCrlf},
     {"RootWithNothing", [](Calls const & w) { w.Start(u"r").End(); }, Json("{'r': null}")},
-    {"Escapes", OddText, u"{\"r\": \"q\\\" b\\\\ s/ \\b\\t\\f\n\\u0001\\u001F\x7F\u00e9 and a long stretch\"}"},
-    {"EscapesStrict", OddText,
-        u"{\"r\": \"q\\\" b\\\\ s/ \\b\\t\\f\\n\\r\\u0001\\u001F\x7F\u00e9 and a long stretch\"}", Form_Strict},
+    {"Escapes", OddText, u"{\"r\": \"q\\\" b\\\\ s/ \\b\\t\\f\n\\u0001\\u001F\x7F\u00e9 and on\"}"},
+    {"EscapesStrict", OddText, u"{\"r\": \"q\\\" b\\\\ s/ \\b\\t\\f\\n\\r\\u0001\\u001F\x7F\u00e9 and on\"}", kStrict},
     {"Numbers", Numbers,
         Json("{'r': {'@n': INF,'@n': 13.,'@n': -0,'@n': 01,'@n': +1,'@n': .5,'@n': 1e5,'@n': 1.5E-07,'@n': 1e,"
              "'@n': -,'@b': true,'@y': '2026','@s': '1'}}")},
     {"NumbersStrict", Numbers,
         Json("{'r': {'@n': 'INF','@n': '13.','@n': -0,'@n': '01','@n': '+1','@n': '.5','@n': 1e5,'@n': 1.5E-07,"
              "'@n': '1e','@n': '-','@b': true,'@y': '2026','@s': '1'}}"),
-        Form_Strict},
+        kStrict},
     {"Comment", Comment, Json("{/* c */\n'r': 't'}")},
-    {"CommentStrict", Comment, Json("{'r': 't'}"), Form_Strict},
-    {"TextBeside", TextBeside, Json("{'r': {'@a': 1,'#text': 't'}}"), Form_Plain, kAttributes},
-    {"TextBesideNone", TextBeside, Json("{'r': {'a': 1,'': 't'}}"), Form_Plain, JsonRoundTrip_None},
+    {"CommentStrict", Comment, Json("{'r': 't'}"), kStrict},
+    {"TextBeside", TextBeside, Json("{'r': {'@a': 1,'#text': 't'}}"), kPlain, kAttributes},
+    {"TextBesideNone", TextBeside, Json("{'r': {'a': 1,'': 't'}}"), kPlain, JsonRoundTrip_None},
     {"Nothing", Nothing, Json("{'r': {'empty': null,'nil': null,'e': {'@a': ''}}}")},
     {"Namespaces", Namespaces,
         Json("{'AA:r': {'@xmlns:AA': 'urn:new','@xmlns': 'urn:d','@xmlns:x': "
              "'http://www.w3.org/2001/XMLSchema-instance','@xmlns:p': 'urn:p','@x:type': 'p:T','@p:a': '1',"
              "'d': '2','p:p': '3'}}")},
-    {"NamespacesDropped", Namespaces, Json("{'r': {'@a': '1','d': '2','p': '3'}}"), Form_Plain, kAttributes},
+    {"NamespacesDropped", Namespaces, Json("{'r': {'@a': '1','d': '2','p': '3'}}"), kPlain, kAttributes},
     {"Arrays", Arrays, Json("{'r': {'a': [null,1],'b': [{'c': ['x']}],'#text': 't','d': ['y']}}")},
-    {"ArraysFormatted", Arrays,
-        Json("{\n\t'r': {\n\t\t'a': [\n\t\t\tnull,\n\t\t\t1\n\t\t],\n\t\t'b': [\n\t\t\t{\n\t\t\t\t'c': "
-             "[\n\t\t\t\t\t'x'\n"
-             "\t\t\t\t]\n\t\t\t}\n\t\t],\n\t\t'#text': 't',\n\t\t'd': [\n\t\t\t'y'\n\t\t]\n\t}\n}"),
-        Form_Formatted},
     {"UnlikeNames", UnlikeNames, Json("{'r': {'@xmlns:p': 'urn:p','x': ['1'],'y': ['2','3'],'p:y': ['4']}}")},
-    {"UnlikeNamesDropped", UnlikeNames, Json("{'r': {'x': ['1'],'y': ['2','3','4']}}"), Form_Plain, kAttributes},
+    {"UnlikeNamesDropped", UnlikeNames, Json("{'r': {'x': ['1'],'y': ['2','3','4']}}"), kPlain, kAttributes},
 };
 
 INSTANTIATE_TEST_SUITE_P(Table, JsonTextWriterCaseTest, testing::ValuesIn(kCases), CaseName);
 
-TEST(JsonTextWriterTest, LineEnds)
-{
-    CTextStream stream;
-    CJsonTextWriter writer(stream);
-    writer.StartDocument();
-    writer.SetEOL(EOLType_CRLF);
-    writer.WriteDocumentStart();
-    Calls{writer}.Leaf(u"r", u"a\nb");
-    EXPECT_EQ(Utf8(stream.GetText()), "{\r\n\t\"r\": \"a\r\nb\"");
-}
-
 TEST(JsonTextWriterTest, UnknownNamespaces)
 {
-    std::pair<void (*)(CJsonTextWriter &), char16_t const *> const calls[] = {
-        {[](CJsonTextWriter & w) { w.WriteStartElement(u"child", u"urn:u"); }, u"Unknown Namespace: child."},
-        {[](CJsonTextWriter & w) { w.WriteAttribute(u"att", u"urn:u", u"", kText); }, u"Unknown Namespace: att."},
-        {[](CJsonTextWriter & w) { w.WriteXsiType(u"urn:u", u"T", kText); }, u"Unknown Namespace: T."},
-        {[](CJsonTextWriter & w) { w.WriteXsiType(u"", u"T", kText); }, u"Unknown Namespace: type."},
+    using Writer = CJsonTextWriter;
+    std::pair<void (*)(Writer &), char16_t const *> const calls[] = {
+        {[](Writer & w) { w.WriteStartElement(u"child", u"urn:u"); }, u"Unknown Namespace: child."},
+        {[](Writer & w) { w.WriteAttribute(u"att", u"urn:u", u"", kText); }, u"Unknown Namespace: att."},
+        {[](Writer & w) { w.WriteXsiType(u"urn:u", u"T", kText); }, u"Unknown Namespace: T."},
+        {[](Writer & w) { w.WriteXsiType(u"", u"T", kText); }, u"Unknown Namespace: type."},
     };
     for (auto const & [call, pszMessage] : calls)
     {

@@ -39,20 +39,6 @@ TEST(XmlObjectJsonTest, ThereAndBackAtEachLevel)
     }
 }
 
-TEST(XmlObjectJsonTest, LineFeedsAreKeptInStrictModeOnly)
-{
-    CSmartPtr<CTableClass> const spObject = JsonSample::Make(u"a\nb\tc", 0);
-    for (bool const bStrict : {false, true})
-    {
-        CSerializationContext ctx;
-        ctx.GetJsonContext().SetStrict(bStrict);
-        CSmartPtr<CTableClass> const spRead = JsonSample::New();
-        spRead->FromJsonStream(
-            spObject->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx, CompressionType_ZLib), ctx);
-        EXPECT_EQ((*spRead)[JsonSample::kText].GetString(), bStrict ? u"a\nb\tc" : u"ab\tc");
-    }
-}
-
 TEST(XmlObjectJsonTest, Files)
 {
     std::u16string const strPath = Wide(testing::TempDir() + "QzJsonFileTest.json");
@@ -128,7 +114,7 @@ TEST(XmlObjectJsonTest, Failures)
         u"Failed to open the file [/no/such/file] Error [0x00000002]");
 }
 
-TEST(XmlObjectJsonTest, MarkRootNameAndComments)
+TEST(XmlObjectJsonTest, MarkRootNameCommentsAndLineFeeds)
 {
     CSerializationContext ctx;
     CSmartPtr<CTableClass> const spObject = JsonSample::New();
@@ -140,6 +126,15 @@ TEST(XmlObjectJsonTest, MarkRootNameAndComments)
     EXPECT_EQ(Xml(*spObject), "<r><text>u</text></r>");
     ctx.GetJsonContext().GetAllowComments(false);
     EXPECT_THROW(spObject->FromJson("/* c */ {}", ctx), CQzValidationException);
+    ctx.GetJsonContext().SetRootElementName(u"");
+    for (bool const bStrict : {false, true})
+    {
+        ctx.GetJsonContext().SetStrict(bStrict);
+        spObject->FromJsonStream(JsonSample::Make(u"a\nb\tc", 0)
+                                     ->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, ctx, CompressionType_ZLib),
+            ctx);
+        EXPECT_EQ((*spObject)[JsonSample::kText].GetString(), bStrict ? u"a\nb\tc" : u"ab\tc");
+    }
 }
 
 } // namespace
