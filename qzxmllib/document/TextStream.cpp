@@ -20,7 +20,10 @@ namespace
 constexpr std::uint32_t kTextBlockSize = 8192;
 
 constexpr std::size_t kFirstOctetBlock = 32 * 1024;
-constexpr std::size_t kLargestOctetBlock = 4 * 1024 * 1024;
+constexpr std::size_t kLargestUsualOctetBlock = 256 * 1024;
+/// From here on an output is large enough for blocks of large pages.
+constexpr std::size_t kLargeOutput = 4 * 1024 * 1024;
+constexpr std::size_t kLargeOctetBlock = 2 * 1024 * 1024;
 
 /// Code units encoded at a time, so that the room kept free behind a block stays small against it.
 constexpr std::size_t kEncodeUnits = 4096;
@@ -245,8 +248,10 @@ unsigned char * CTextStream::OctetRoom(std::size_t nOctets)
 {
     if (m_octetBlocks.empty() || m_octetBlocks.back().nSize - m_octetBlocks.back().nUsed < nOctets)
     {
-        std::size_t const nSize =
-            m_octetBlocks.empty() ? kFirstOctetBlock : std::min(m_octetBlocks.back().nSize * 2, kLargestOctetBlock);
+        std::size_t const nSize = m_octetBlocks.empty() ? kFirstOctetBlock
+                                  : m_nOctets >= kLargeOutput
+                                      ? kLargeOctetBlock
+                                      : std::min(m_octetBlocks.back().nSize * 2, kLargestUsualOctetBlock);
         std::unique_ptr<unsigned char[], OctetDeleter> spOctets(
             static_cast<unsigned char *>(TakeBlock(nSize)), OctetDeleter{nSize});
         m_octetBlocks.push_back({std::move(spOctets), 0, nSize});

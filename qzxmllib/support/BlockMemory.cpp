@@ -1,5 +1,6 @@
 #include "qzxmllib/support/BlockMemoryInternal.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <sys/mman.h>
@@ -86,7 +87,8 @@ void * TakeBlock(std::size_t nOctets)
             if (spares.aSpares[nIndex].nOctets != nOctets)
                 continue;
             void * const pBlock = spares.aSpares[nIndex].pBlock;
-            spares.aSpares[nIndex] = spares.aSpares[--spares.nCount];
+            std::copy(spares.aSpares + nIndex + 1, spares.aSpares + spares.nCount, spares.aSpares + nIndex);
+            --spares.nCount;
             spares.nOctetsHeld -= nOctets;
             return pBlock;
         }
@@ -100,12 +102,19 @@ void GiveBackBlock(void * pBlock, std::size_t nOctets) noexcept
     if (!t_bSparesGone && nOctets <= kLargestSpareBlock && (nOctets & (nOctets - 1)) == 0)
     {
         SpareBlocks & spares = t_spares;
-        if (spares.nCount < kSpareBlocks && nOctets <= kMostSpareOctets - spares.nOctetsHeld)
+        // What was given back longest ago makes room.
+        std::size_t nOld = 0;
+        while (spares.nCount - nOld == kSpareBlocks || nOctets > kMostSpareOctets - spares.nOctetsHeld)
         {
-            spares.aSpares[spares.nCount++] = {pBlock, nOctets};
-            spares.nOctetsHeld += nOctets;
-            return;
+            SpareBlocks::Spare const & old = spares.aSpares[nOld++];
+            spares.nOctetsHeld -= old.nOctets;
+            FreeBlock(old.pBlock, old.nOctets);
         }
+        std::copy(spares.aSpares + nOld, spares.aSpares + spares.nCount, spares.aSpares);
+        spares.nCount -= nOld;
+        spares.aSpares[spares.nCount++] = {pBlock, nOctets};
+        spares.nOctetsHeld += nOctets;
+        return;
     }
     FreeBlock(pBlock, nOctets);
 }
