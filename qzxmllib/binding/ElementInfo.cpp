@@ -32,23 +32,6 @@ namespace
     throw CQzValidationException(u"Failed to set the property value.", element.GetXPath(), inner);
 }
 
-[[noreturn, gnu::cold, gnu::noinline]] void ThrowNotNillable(CXmlElement const & element)
-{
-    throw CQzValidationException(u"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath());
-}
-
-[[noreturn, gnu::cold, gnu::noinline]] void ThrowBadNil(CXmlAttribute const & attribute)
-{
-    throw CQzValidationException(
-        FormatString(u"Unexpected Value [%s] for 'nil' Attribute found.", attribute.GetValueView()),
-        attribute.GetXPath());
-}
-
-[[noreturn, gnu::cold, gnu::noinline]] void ThrowUnexpectedAttribute(CXmlAttribute const & attribute)
-{
-    throw CQzValidationException(u"Unexpected Attribute found.", attribute.GetXPath());
-}
-
 } // namespace
 
 char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16string const & strName)

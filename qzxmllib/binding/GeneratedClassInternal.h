@@ -8,8 +8,15 @@
 namespace QzXmlLib16
 {
 
+class CXmlAttribute;
+class CXmlElement;
 class CXmlGeneratedClass;
 class INillable;
+
+// Attributes that neither a class nor a primitive element can take.
+[[noreturn]] void ThrowNotNillable(CXmlElement const & element);
+[[noreturn]] void ThrowBadNil(CXmlAttribute const & attribute);
+[[noreturn]] void ThrowUnexpectedAttribute(CXmlAttribute const & attribute);
 
 /// The nillable side of an object, or null. Remembers by dynamic type where that side lies.
 INillable * FindNillable(CXmlGeneratedClass * pObject);

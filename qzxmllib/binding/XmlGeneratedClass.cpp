@@ -66,11 +66,6 @@ namespace
         std::u16string());
 }
 
-[[noreturn, gnu::cold, gnu::noinline]] void ThrowUnexpectedAttribute(CXmlAttribute const * pAttribute)
-{
-    throw CQzValidationException(u"Unexpected Attribute found.", pAttribute->GetXPath());
-}
-
 /// Where the nillable side of objects of one dynamic type lies, as far as this thread has asked.
 struct NillableSlot
 {
@@ -93,6 +88,23 @@ bool IsOneOf(CElementInfo const * pEntry)
 }
 
 } // namespace
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowNotNillable(CXmlElement const & element)
+{
+    throw CQzValidationException(u"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath());
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowBadNil(CXmlAttribute const & attribute)
+{
+    throw CQzValidationException(
+        FormatString(u"Unexpected Value [%s] for 'nil' Attribute found.", attribute.GetValueView()),
+        attribute.GetXPath());
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowUnexpectedAttribute(CXmlAttribute const & attribute)
+{
+    throw CQzValidationException(u"Unexpected Attribute found.", attribute.GetXPath());
+}
 
 INillable * FindNillable(CXmlGeneratedClass * pObject)
 {
@@ -381,12 +393,10 @@ void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const & attribute, CXmlE
 {
     INillable * const pNillable = FindNillable(this);
     if (pNillable == nullptr)
-        throw CQzValidationException(u"Invalid use of 'nil' attribute in non-nillable element.", pElement->GetXPath());
+        ThrowNotNillable(*pElement);
     NilText const eNil = ParseNilText(attribute.GetValueView());
     if (eNil == NilText_Other)
-        throw CQzValidationException(
-            FormatString(u"Unexpected Value [%s] for 'nil' Attribute found.", attribute.GetValueView()),
-            attribute.GetXPath());
+        ThrowBadNil(attribute);
     pNillable->SetNil(eNil == NilText_True);
 }
 
@@ -419,7 +429,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(
             ReadNilAttribute(*pAttribute, pElement);
         else if (!OfferAttribute(ctx, pAttribute, ppAttributes, found) && failIfUnknown &&
                  !ctx.GetIgnoreUnknownAttributes())
-            ThrowUnexpectedAttribute(pAttribute);
+            ThrowUnexpectedAttribute(*pAttribute);
     }
     for (std::size_t i = 0; i < nEntries; ++i)
         ppAttributes[i]->Validate(ctx, found.Get(i));

@@ -202,8 +202,11 @@ TEST(XmlGeneratedClassTest, CleanMetaData)
     struct Access : CTableClass
     {
         using CXmlGeneratedClass::CleanMetaData;
+        using CXmlGeneratedClass::m_csInit;
     };
+    Access::m_csInit.Enter();
     Access::CleanMetaData(pParent, ppElements, ppAttributes);
+    Access::m_csInit.Leave();
     EXPECT_EQ(pParent, nullptr);
     EXPECT_EQ(ppElements, nullptr);
     EXPECT_EQ(ppAttributes, nullptr);

@@ -240,6 +240,27 @@ TEST(XmlDocumentTest, FindsAttributes)
     EXPECT_EQ(Utf8(pRoot->GetAttribute(u"none", u"")), "");
 }
 
+/// Gaps between children of every kind: equal ones, parts of the one before, longer ones, and text beyond ASCII.
+TEST(XmlDocumentTest, JoinsTextBetweenChildren)
+{
+    std::string const gaps[] = {"", "\n  ", "\n  ", "\n ", "\n    x", "\xC3\xA4", "<!-- c -->\n  ",
+        std::string(700, 'y'), std::string(23, ' ') + "\n", std::string(9000, 'z')};
+    for (unsigned nSeed = 0; nSeed < 200; ++nSeed)
+    {
+        std::string strXml = "<r>";
+        std::string strText;
+        for (unsigned n = 0, nState = nSeed; n < 12; ++n, nState = nState * 1103515245 + 12345)
+        {
+            std::string const & strGap = gaps[(nState >> 16) % (nSeed < 100 ? 5 : std::size(gaps))];
+            strXml += strGap + "<a/>";
+            strText += strGap[0] == '<' ? strGap.substr(10) : strGap;
+        }
+        CXmlDocument doc;
+        LoadText(doc, strXml + "</r>");
+        EXPECT_EQ(Utf8(doc.GetDocumentElement()->GetTextView()), strText) << nSeed;
+    }
+}
+
 TEST(XmlDocumentTest, TellsPaths)
 {
     CXmlDocument doc;

@@ -70,6 +70,7 @@ TEST(SmartPtrTest, ComparesWithPointersOfAllKinds)
     EXPECT_TRUE(spBase == spDerived && spDerived == spBase && pDerived == spDerived && spBase == spBase);
     EXPECT_TRUE(spNull == nullptr && nullptr == spNull && spBase != nullptr && nullptr != spBase);
     EXPECT_TRUE(spNull != spBase && spNull != spDerived && spNull != pBase && !spNull && spBase);
+    EXPECT_TRUE(spNull == 0 && 0 == spNull && spBase != 0 && spNull == NULL);
     EXPECT_FALSE(spBase != spDerived || spBase != pConst || pBase != spBase);
     spBase = CSmartPtr<Derived>();
     EXPECT_TRUE(spBase == spNull);
