@@ -17,7 +17,9 @@ namespace
 
 constexpr char kSeparator = '|';
 
-/// The parser copies what it is given, so it gets the input in pieces.
+/// The parser copies what it is given, so it gets large input in pieces. Behind every piece but the last it counts the
+/// lines, which input in one piece is spared.
+constexpr std::size_t kWholeOctets = 2 * 1024 * 1024;
 constexpr std::size_t kPieceOctets = 131072;
 
 std::u16string DecodeParserText(char const * pszText)
@@ -54,9 +56,10 @@ void CExpatReader::Init()
 
 void CExpatReader::Parse(unsigned char const * pOctets, std::size_t nOctets, bool bFinal)
 {
+    std::size_t const nMost = bFinal && nOctets <= kWholeOctets ? kWholeOctets : kPieceOctets;
     for (;;)
     {
-        std::size_t const nPiece = nOctets < kPieceOctets ? nOctets : kPieceOctets;
+        std::size_t const nPiece = nOctets < nMost ? nOctets : nMost;
         bool const bLast = nPiece == nOctets;
         XML_Status const eStatus = XML_Parse(
             m_parser, reinterpret_cast<char const *>(pOctets), static_cast<int>(nPiece), bLast && bFinal ? 1 : 0);

@@ -95,6 +95,26 @@ bool WidenPlain(char const * pText, std::size_t nOctets, char16_t * pOut)
     return bPlain;
 }
 
+/// Tells whether octets are ASCII and the same text as as many code units.
+bool EqualAscii(char16_t const * pUnits, char const * pText, std::size_t nOctets)
+{
+    std::size_t n = 0;
+#if defined(__SSE2__)
+    for (; n + 8 <= nOctets; n += 8)
+    {
+        __m128i const octets = _mm_loadl_epi64(reinterpret_cast<__m128i const *>(pText + n));
+        __m128i const units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(pUnits + n));
+        __m128i const equal = _mm_cmpeq_epi16(_mm_unpacklo_epi8(octets, _mm_setzero_si128()), units);
+        if (_mm_movemask_epi8(equal) != 0xFFFF || (_mm_movemask_epi8(octets) & 0xFF) != 0)
+            return false;
+    }
+#endif
+    for (; n < nOctets; ++n)
+        if (pUnits[n] != static_cast<unsigned char>(pText[n]) || pUnits[n] > 0x7F)
+            return false;
+    return true;
+}
+
 void AppendOctets(std::string & strKey, void const * p, std::size_t nOctets)
 {
     strKey.append(static_cast<char const *>(p), nOctets);
@@ -323,9 +343,8 @@ bool CXmlTree::MatchRun(CXmlElement & element, char const * pText, std::size_t n
     if (!runs.bMatching || nOctets > runs.pLast->nUnits - runs.nMatched)
         return false;
     char16_t const * const pLast = runs.pLast->pUnits + runs.nMatched;
-    for (std::size_t i = 0; i < nOctets; ++i)
-        if (pLast[i] != static_cast<unsigned char>(pText[i]) || pLast[i] > 0x7F)
-            return false;
+    if (!EqualAscii(pLast, pText, nOctets))
+        return false;
     runs.nMatched += static_cast<std::uint32_t>(nOctets);
     element.m_text.m_nUnits += static_cast<std::uint32_t>(nOctets);
     return true;
