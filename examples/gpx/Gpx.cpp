@@ -7,7 +7,7 @@ Generated::CTables CGpx::MakeTables()
 {
     return {u"gpxType", kNamespace,
         {kEntries.ClassOpt<CMetadata>(u"metadata", 2), kEntries.Col(u"wpt", 3), kEntries.Col(u"rte", 4),
-            kEntries.Col(u"trk", 5)},
+            kEntries.Col(u"trk", 5), kEntries.ClassOpt<CExtensions>(u"extensions", 6)},
         {kEntries.Attribute(u"version", 0, kText), kEntries.Attribute(u"creator", 1, kText)}};
 }
 
@@ -19,6 +19,7 @@ void CGpx::Init()
     m_spWayPoints->Clear();
     m_spRoutes->Clear();
     m_spTracks->Clear();
+    m_spExtensions = nullptr;
 }
 
 void CGpx::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
@@ -37,6 +38,8 @@ void CGpx::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
         return Generated::AccessCollection(read, value, m_spRoutes);
     case 5:
         return Generated::AccessCollection(read, value, m_spTracks);
+    case 6:
+        return Generated::AccessObject(read, value, m_spExtensions);
     }
 }
 

@@ -12,7 +12,7 @@ class CGpx : public Generated::CClass<CGpx>
 {
 public:
     static constexpr char16_t const * kNamespace = Gpx::kNamespace;
-    static constexpr int kPropertyCount = 6;
+    static constexpr int kPropertyCount = 7;
     static Generated::CTables MakeTables();
 
     explicit CGpx(char16_t const * pszElementName = u"gpx") : CClass(pszElementName) {}
@@ -25,6 +25,7 @@ public:
     QzXmlLib16::CSmartPtr<CWayPointCol> m_spWayPoints{new CWayPointCol(u"wpt")};
     QzXmlLib16::CSmartPtr<CRouteCol> m_spRoutes{new CRouteCol};
     QzXmlLib16::CSmartPtr<CTrackCol> m_spTracks{new CTrackCol};
+    QzXmlLib16::CSmartPtr<CExtensions> m_spExtensions;
 };
 
 } // namespace Gpx

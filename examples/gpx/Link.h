@@ -1,6 +1,6 @@
 #pragma once
 
-#include "examples/gpx/Kinds.h"
+#include "examples/gpx/Extensions.h"
 
 namespace Gpx
 {

@@ -116,7 +116,8 @@ Generated::CTables CMetadata::MakeTables()
     return {u"metadataType", kNamespace,
         {kEntries.Opt(u"name", 0, kText), kEntries.Opt(u"desc", 1, kText), kEntries.ClassOpt<CPerson>(u"author", 2),
             kEntries.ClassOpt<CCopyright>(u"copyright", 3), kEntries.Col(u"link", 4), kEntries.Opt(u"time", 5, kTime),
-            kEntries.Opt(u"keywords", 6, kText), kEntries.ClassOpt<CBounds>(u"bounds", 7)},
+            kEntries.Opt(u"keywords", 6, kText), kEntries.ClassOpt<CBounds>(u"bounds", 7),
+            kEntries.ClassOpt<CExtensions>(u"extensions", 8)},
         {}};
 }
 
@@ -130,6 +131,7 @@ void CMetadata::Init()
     m_time.reset();
     m_keywords.reset();
     m_spBounds = nullptr;
+    m_spExtensions = nullptr;
 }
 
 void CMetadata::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
@@ -152,6 +154,8 @@ void CMetadata::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & val
         return Generated::Access<kText>(read, value, m_keywords);
     case 7:
         return Generated::AccessObject(read, value, m_spBounds);
+    case 8:
+        return Generated::AccessObject(read, value, m_spExtensions);
     }
 }
 

@@ -78,7 +78,7 @@ class CMetadata : public Generated::CClass<CMetadata>
 {
 public:
     static constexpr char16_t const * kNamespace = Gpx::kNamespace;
-    static constexpr int kPropertyCount = 8;
+    static constexpr int kPropertyCount = 9;
     static Generated::CTables MakeTables();
 
     using CClass::CClass;
@@ -93,6 +93,7 @@ public:
     std::optional<Time> m_time;
     Text m_keywords;
     QzXmlLib16::CSmartPtr<CBounds> m_spBounds;
+    QzXmlLib16::CSmartPtr<CExtensions> m_spExtensions;
 };
 
 } // namespace Gpx

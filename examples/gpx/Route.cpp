@@ -8,7 +8,8 @@ Generated::CTables CRoute::MakeTables()
     return {u"rteType", kNamespace,
         {kEntries.Opt(u"name", 0, kText), kEntries.Opt(u"cmt", 1, kText), kEntries.Opt(u"desc", 2, kText),
             kEntries.Opt(u"src", 3, kText), kEntries.Col(u"link", 4), kEntries.Opt(u"number", 5, kNumber),
-            kEntries.Opt(u"type", 6, kText), kEntries.Col(u"rtept", 7)},
+            kEntries.Opt(u"type", 6, kText), kEntries.ClassOpt<CExtensions>(u"extensions", 8),
+            kEntries.Col(u"rtept", 7)},
         {}};
 }
 
@@ -22,6 +23,7 @@ void CRoute::Init()
     m_number.reset();
     m_type.reset();
     m_spPoints->Clear();
+    m_spExtensions = nullptr;
 }
 
 void CRoute::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
@@ -44,6 +46,8 @@ void CRoute::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
         return Generated::Access<kText>(read, value, m_type);
     case 7:
         return Generated::AccessCollection(read, value, m_spPoints);
+    case 8:
+        return Generated::AccessObject(read, value, m_spExtensions);
     }
 }
 

@@ -10,7 +10,7 @@ class CRoute : public Generated::CClass<CRoute>
 {
 public:
     static constexpr char16_t const * kNamespace = Gpx::kNamespace;
-    static constexpr int kPropertyCount = 8;
+    static constexpr int kPropertyCount = 9;
     static Generated::CTables MakeTables();
 
     using CClass::CClass;
@@ -25,6 +25,7 @@ public:
     std::optional<Number> m_number;
     Text m_type;
     QzXmlLib16::CSmartPtr<CWayPointCol> m_spPoints{new CWayPointCol(u"rtept")};
+    QzXmlLib16::CSmartPtr<CExtensions> m_spExtensions;
 };
 
 class CRouteCol : public Generated::CItems<CRoute>

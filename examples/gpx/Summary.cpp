@@ -22,6 +22,12 @@ double DistanceKm(CWayPoint const & a, CWayPoint const & b)
     return 2 * kEarthRadiusKm * std::asin(std::sqrt(std::min(1.0, h)));
 }
 
+void AddExtensions(Summary & summary, QzXmlLib16::CSmartPtr<CExtensions> const & spExtensions)
+{
+    if (spExtensions != nullptr)
+        summary.nForeign += spExtensions->m_spContent->GetCount();
+}
+
 void AddPoint(Summary & summary, CWayPoint const & point)
 {
     double const lat = point.m_lat.ToDouble();
@@ -30,6 +36,7 @@ void AddPoint(Summary & summary, CWayPoint const & point)
     summary.maxLat = std::max(summary.maxLat, lat);
     summary.minLon = std::min(summary.minLon, lon);
     summary.maxLon = std::max(summary.maxLon, lon);
+    AddExtensions(summary, point.m_spExtensions);
     if (!point.m_time)
         return;
     if (!summary.first || *point.m_time < *summary.first)
@@ -59,6 +66,9 @@ double AddLine(Summary & summary, CWayPointCol const & points)
 Summary Summarize(CGpx const & gpx)
 {
     Summary summary;
+    AddExtensions(summary, gpx.m_spExtensions);
+    if (gpx.m_spMetadata != nullptr)
+        AddExtensions(summary, gpx.m_spMetadata->m_spExtensions);
     summary.nWayPoints = gpx.m_spWayPoints->GetCount();
     gpx.m_spWayPoints->ForEach([&](CWayPoint const & point) { AddPoint(summary, point); });
 
@@ -66,6 +76,7 @@ Summary Summarize(CGpx const & gpx)
     gpx.m_spRoutes->ForEach(
         [&](CRoute const & route)
         {
+            AddExtensions(summary, route.m_spExtensions);
             summary.nRoutePoints += route.m_spPoints->GetCount();
             summary.routeKm += AddLine(summary, *route.m_spPoints);
         });
@@ -74,10 +85,12 @@ Summary Summarize(CGpx const & gpx)
     gpx.m_spTracks->ForEach(
         [&](CTrack const & track)
         {
+            AddExtensions(summary, track.m_spExtensions);
             summary.nSegments += track.m_spSegments->GetCount();
             track.m_spSegments->ForEach(
                 [&](CTrackSegment const & segment)
                 {
+                    AddExtensions(summary, segment.m_spExtensions);
                     summary.nTrackPoints += segment.m_spPoints->GetCount();
                     summary.trackKm += AddLine(summary, *segment.m_spPoints);
                 });

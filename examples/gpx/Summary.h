@@ -14,6 +14,8 @@ struct Summary
     int nTracks = 0;
     int nSegments = 0;
     int nTrackPoints = 0;
+    /// Elements that device makers and others have added.
+    int nForeign = 0;
 
     /// Corners of the area of all points, in degrees. Meaningless without points.
     double minLat = 90;

@@ -10,6 +10,12 @@ namespace
 
 thread_local Survey t_survey;
 
+void NoteNamespace(std::u16string const & strNamespace)
+{
+    if (!strNamespace.empty() && strNamespace != kNamespace && strNamespace.rfind(u"http://www.w3.org/", 0) != 0)
+        t_survey.foreignNamespaces.insert(strNamespace);
+}
+
 /// Called for each element when it is complete. True frees it.
 bool CountElement(QzXmlLib16::CXmlElement * pElement)
 {
@@ -19,6 +25,9 @@ bool CountElement(QzXmlLib16::CXmlElement * pElement)
         t_survey.nPoints += strName == u"wpt" || strName == u"rtept" || strName == u"trkpt";
         t_survey.nExtensions += strName == u"extensions";
     }
+    NoteNamespace(pElement->GetNamespaceURI());
+    for (QzXmlLib16::CXmlAttribute const * pAttribute : pElement->GetAttributes())
+        NoteNamespace(pAttribute->GetNamespaceURI());
     return true;
 }
 

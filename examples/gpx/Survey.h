@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 
 namespace Gpx
@@ -9,8 +10,10 @@ namespace Gpx
 struct Survey
 {
     int nPoints = 0;
-    /// Elements of device makers and others that the classes have no place for.
+    /// Elements that hold what device makers and others add.
     int nExtensions = 0;
+    /// The namespaces of all elements and attributes but that of GPX.
+    std::set<std::u16string> foreignNamespaces;
 };
 
 /// Walks a file, plain or compressed, without keeping it in memory. Throws CQzException if it is no GPX 1.1.

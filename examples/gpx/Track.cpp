@@ -5,12 +5,14 @@ namespace Gpx
 
 Generated::CTables CTrackSegment::MakeTables()
 {
-    return {u"trksegType", kNamespace, {kEntries.Col(u"trkpt", 0)}, {}};
+    return {
+        u"trksegType", kNamespace, {kEntries.Col(u"trkpt", 0), kEntries.ClassOpt<CExtensions>(u"extensions", 1)}, {}};
 }
 
 void CTrackSegment::Init()
 {
     m_spPoints->Clear();
+    m_spExtensions = nullptr;
 }
 
 void CTrackSegment::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
@@ -19,6 +21,8 @@ void CTrackSegment::AccessProperty(int index, bool read, QzXmlLib16::QzVariant &
     {
     case 0:
         return Generated::AccessCollection(read, value, m_spPoints);
+    case 1:
+        return Generated::AccessObject(read, value, m_spExtensions);
     }
 }
 
@@ -27,7 +31,8 @@ Generated::CTables CTrack::MakeTables()
     return {u"trkType", kNamespace,
         {kEntries.Opt(u"name", 0, kText), kEntries.Opt(u"cmt", 1, kText), kEntries.Opt(u"desc", 2, kText),
             kEntries.Opt(u"src", 3, kText), kEntries.Col(u"link", 4), kEntries.Opt(u"number", 5, kNumber),
-            kEntries.Opt(u"type", 6, kText), kEntries.Col(u"trkseg", 7)},
+            kEntries.Opt(u"type", 6, kText), kEntries.ClassOpt<CExtensions>(u"extensions", 8),
+            kEntries.Col(u"trkseg", 7)},
         {}};
 }
 
@@ -41,6 +46,7 @@ void CTrack::Init()
     m_number.reset();
     m_type.reset();
     m_spSegments->Clear();
+    m_spExtensions = nullptr;
 }
 
 void CTrack::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
@@ -63,6 +69,8 @@ void CTrack::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
         return Generated::Access<kText>(read, value, m_type);
     case 7:
         return Generated::AccessCollection(read, value, m_spSegments);
+    case 8:
+        return Generated::AccessObject(read, value, m_spExtensions);
     }
 }
 

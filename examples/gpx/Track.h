@@ -10,7 +10,7 @@ class CTrackSegment : public Generated::CClass<CTrackSegment>
 {
 public:
     static constexpr char16_t const * kNamespace = Gpx::kNamespace;
-    static constexpr int kPropertyCount = 1;
+    static constexpr int kPropertyCount = 2;
     static Generated::CTables MakeTables();
 
     using CClass::CClass;
@@ -18,6 +18,7 @@ public:
     void AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value) override;
 
     QzXmlLib16::CSmartPtr<CWayPointCol> m_spPoints{new CWayPointCol(u"trkpt")};
+    QzXmlLib16::CSmartPtr<CExtensions> m_spExtensions;
 };
 
 class CTrackSegmentCol : public Generated::CItems<CTrackSegment>
@@ -31,7 +32,7 @@ class CTrack : public Generated::CClass<CTrack>
 {
 public:
     static constexpr char16_t const * kNamespace = Gpx::kNamespace;
-    static constexpr int kPropertyCount = 8;
+    static constexpr int kPropertyCount = 9;
     static Generated::CTables MakeTables();
 
     using CClass::CClass;
@@ -46,6 +47,7 @@ public:
     std::optional<Number> m_number;
     Text m_type;
     QzXmlLib16::CSmartPtr<CTrackSegmentCol> m_spSegments{new CTrackSegmentCol};
+    QzXmlLib16::CSmartPtr<CExtensions> m_spExtensions;
 };
 
 class CTrackCol : public Generated::CItems<CTrack>

@@ -13,7 +13,7 @@ Generated::CTables CWayPoint::MakeTables()
             kEntries.Opt(u"type", 12, kText), kEntries.EnumOpt(u"fix", 13, &FixTypeToString, &FixTypeFromString),
             kEntries.Opt(u"sat", 14, kNumber), kEntries.Opt(u"hdop", 15, kDecimal), kEntries.Opt(u"vdop", 16, kDecimal),
             kEntries.Opt(u"pdop", 17, kDecimal), kEntries.Opt(u"ageofdgpsdata", 18, kDecimal),
-            kEntries.Opt(u"dgpsid", 19, kNumber, DgpsStation())},
+            kEntries.Opt(u"dgpsid", 19, kNumber, DgpsStation()), kEntries.ClassOpt<CExtensions>(u"extensions", 20)},
         {kEntries.Attribute(u"lat", 0, kDecimal, false, Latitude()),
             kEntries.Attribute(u"lon", 1, kDecimal, false, Longitude())}};
 }
@@ -40,6 +40,7 @@ void CWayPoint::Init()
     m_pdop.reset();
     m_ageOfDgpsData.reset();
     m_dgpsId.reset();
+    m_spExtensions = nullptr;
 }
 
 void CWayPoint::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & value)
@@ -86,6 +87,8 @@ void CWayPoint::AccessProperty(int index, bool read, QzXmlLib16::QzVariant & val
         return Generated::Access<kDecimal>(read, value, m_ageOfDgpsData);
     case 19:
         return Generated::Access<kNumber>(read, value, m_dgpsId);
+    case 20:
+        return Generated::AccessObject(read, value, m_spExtensions);
     }
 }
 

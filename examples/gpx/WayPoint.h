@@ -11,7 +11,7 @@ class CWayPoint : public Generated::CClass<CWayPoint>
 {
 public:
     static constexpr char16_t const * kNamespace = Gpx::kNamespace;
-    static constexpr int kPropertyCount = 20;
+    static constexpr int kPropertyCount = 21;
     static Generated::CTables MakeTables();
 
     using CClass::CClass;
@@ -38,6 +38,7 @@ public:
     std::optional<Decimal> m_pdop;
     std::optional<Decimal> m_ageOfDgpsData;
     std::optional<Number> m_dgpsId;
+    QzXmlLib16::CSmartPtr<CExtensions> m_spExtensions;
 };
 
 class CWayPointCol : public Generated::CItems<CWayPoint>

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "examples/support/ElementTree.h"
 #include "qzxmllib/QzXmlLib16.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -176,6 +178,11 @@ struct CEntries
         return new QzXmlLib16Data::CElementInfoSeqClsCol(
             pszName, pszNamespace, nIndex, QzXmlLib16Data::XmlElementType_Element);
     }
+    /// Elements of any name and namespace. The property is a CElementCol.
+    QzXmlLib16Data::CElementInfo * Any(int nIndex) const
+    {
+        return new QzXmlLib16Data::CElementInfoSeqUntpdCol(u"AnyElement", pszNamespace, nIndex);
+    }
     QzXmlLib16Data::CAttributeInfo * Attribute(char16_t const * pszName, int nIndex, QzXmlLib16::ItemType eType,
         bool bOptional = false, QzXmlLib16::CPrimitiveRestrictions const & restrictions = {}) const
     {
@@ -315,6 +322,11 @@ protected:
 
 inline bool Agree(CObject & a, CObject & b);
 
+inline bool Agree(QzXmlLib16::CElementCol & a, QzXmlLib16::CElementCol & b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), &AgreeElements);
+}
+
 /// Whether two property values agree: children by their own properties, everything else by kind and text.
 inline bool Agree(QzXmlLib16::QzVariant const & a, QzXmlLib16::QzVariant const & b)
 {
@@ -330,6 +342,8 @@ inline bool Agree(QzXmlLib16::QzVariant const & a, QzXmlLib16::QzVariant const &
     }
     if (a.GetTypeAsEnum() != QzXmlLib16::ItemType_XmlCollection)
         return a.ToString(u"") == b.ToString(u"");
+    if (auto * const pElements = dynamic_cast<QzXmlLib16::CElementCol *>(a.GetXmlCollection().Get()))
+        return Agree(*pElements, dynamic_cast<QzXmlLib16::CElementCol &>(*b.GetXmlCollection()));
     QzXmlLib16::CNode const * pA = dynamic_cast<CCollection &>(*a.GetXmlCollection()).GetFirstNode();
     QzXmlLib16::CNode const * pB = dynamic_cast<CCollection &>(*b.GetXmlCollection()).GetFirstNode();
     for (; pA != nullptr && pB != nullptr; pA = pA->m_pNext, pB = pB->m_pNext)
