@@ -1,6 +1,7 @@
 #include "qzxmllib/binding/DateTimeCol.h"
 #include "qzxmllib/binding/PlainCol.h"
 #include "qzxmllib/document/XmlWriter.h"
+#include "tests/support/AllForms.h"
 #include "tests/support/TableClass.h"
 #include "tests/support/TestText.h"
 
@@ -231,6 +232,17 @@ TYPED_TEST(TypedCollectionTest, ReadsAndWritesWithinLimits)
         [&] { Written(spCopy); }, u"The Maximum number of [a] elements allowed in this collection is 2");
     std::string const strState = Utf8(CInstanceMonitor::DumpState());
     EXPECT_NE(strState.find("C" + std::string(this->m_row.pszName) + "Col = 3/"), std::string::npos) << strState;
+}
+
+TYPED_TEST(TypedCollectionTest, PassesThroughAllForms)
+{
+    CTableSchema schema;
+    schema.Element<CElementInfoSeqPrimCol>(u"a").OnInit(
+        [](CTableClass & object) { object[0].SetXmlCollection(MakeCol<TypeParam>(u"", 0, -1, nullptr, kNone, -1)); });
+    auto const makeObject = [&schema] { return CSmartPtr<CTableClass>(new CTableClass(schema)); };
+    auto const spObject = makeObject();
+    spObject->FromXml(this->Document(this->m_row.pszFirst, this->m_row.pszSecond).c_str());
+    ExpectSameInForms(*spObject, makeObject, CSerializationContext(), kAllForms);
 }
 
 TEST(TypeCollectionTest, DatesOfAnotherTypeAreRefusedUnheard)

@@ -1,0 +1,263 @@
+#include "qzxmllib/binding/DateTimeCol.h"
+#include "qzxmllib/binding/Element.h"
+#include "qzxmllib/binding/PlainCol.h"
+#include "tests/support/AllForms.h"
+#include "tests/support/TableClass.h"
+
+using namespace QzXmlLib16;
+using namespace QzXmlLib16Data;
+
+/// One object with something of everything, and what each form does not keep. The variants of the entries, the typed
+/// collections and the wildcards pass through the forms one by one where they are tested.
+
+namespace
+{
+
+constexpr auto kNoRule = CWhitespaceUtils::WhitespaceRule_None;
+CPrimitiveRestrictions const kNoFacets;
+constexpr char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+
+/// A text of each simple type.
+struct TypeRow
+{
+    ItemType eType;
+    char16_t const * pszName;
+    char const * pszText;
+};
+constexpr TypeRow kTypes[] = {
+    {ItemType_hexBinary, u"hexBinary", "00FF7F"},
+    {ItemType_base64Binary, u"base64Binary", "AP9/"},
+    {ItemType_i1, u"i1", "-128"},
+    {ItemType_i2, u"i2", "-32768"},
+    {ItemType_i4, u"i4", "-2147483648"},
+    {ItemType_i8, u"i8", "-9223372036854775808"},
+    {ItemType_ui1, u"ui1", "255"},
+    {ItemType_ui2, u"ui2", "65535"},
+    {ItemType_ui4, u"ui4", "4294967295"},
+    {ItemType_ui8, u"ui8", "9223372036854775807"},
+    {ItemType_r4, u"r4", "-0.5"},
+    {ItemType_r8, u"r8", "0.1"},
+    {ItemType_duration, u"duration", "-P1Y2M3DT4H5M6.75S"},
+    {ItemType_yearMonth, u"yearMonth", "2024-02"},
+    {ItemType_monthDay, u"monthDay", "--02-29"},
+    {ItemType_year, u"year", "2024"},
+    {ItemType_month, u"month", "--12"},
+    {ItemType_day, u"day", "---31"},
+    {ItemType_date, u"date", "2024-02-29"},
+    {ItemType_datetime, u"datetime", "2024-02-29T23:59:59.125+05:30"},
+    {ItemType_time, u"time", "23:59:59"},
+    {ItemType_string, u"string", " a <&>\" \xE2\x82\xAC \xF0\x9F\x98\x80 "},
+    {ItemType_boolean, u"boolean", "true"},
+    {ItemType_decimal, u"decimal", "-12345678901234567890.0625"},
+    {ItemType_integer, u"integer", "123456789012345678901234567890"},
+};
+
+std::string Escaped(std::string const & strText)
+{
+    std::string strOut;
+    for (char const c : strText)
+        strOut += c == '<' ? "&lt;" : c == '&' ? "&amp;" : c == '>' ? "&gt;" : c == '"' ? "&quot;" : std::string(1, c);
+    return strOut;
+}
+
+/// Every type as an attribute and as an element.
+CTableSchema & TypesSchema()
+{
+    static CTableSchema s;
+    if (s.m_nProperties == 0)
+    {
+        for (TypeRow const & row : kTypes)
+            s.Attribute<CAttributeInfoPrimitive>(row.pszName, true, row.eType, u"", kNoRule, kNoFacets, u"");
+        for (TypeRow const & row : kTypes)
+            s.Element<CElementInfoSeqPrimOpt>(row.pszName, true, row.eType, u"", kNoRule, kNoFacets, u"");
+    }
+    return s;
+}
+
+CTableSchema & ChoiceSchema()
+{
+    static CTableSchema s(XmlElementGroupType_Choice, XmlElementType_Pseudo, false);
+    static CTableSchema & s_filled =
+        s.Element<CElementInfoChoicePrimOpt>(u"one", false, ItemType_i4, u"", kNoRule, kNoFacets, u"")
+            .Element<CElementInfoChoicePrimOpt>(u"other", false, ItemType_string, u"", kNoRule, kNoFacets, u"");
+    return s_filled;
+}
+
+CTableSchema & AllSchema()
+{
+    static CTableSchema s(XmlElementGroupType_All);
+    static CTableSchema & s_filled =
+        s.Element<CElementInfoAllPrimMnd>(u"m", false, ItemType_decimal, u"", kNoRule, kNoFacets, u"")
+            .Element<CElementInfoAllPrimOpt>(u"o", false, ItemType_i4, u"", kNoRule, kNoFacets, u"7");
+    return s_filled;
+}
+
+/// A class derived from another one, so that its type name goes into xsi:type.
+CTableSchema & DerivedSchema()
+{
+    static CTableSchema s(CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, u"DerivedType",
+        u"urn:types", true, true, -1, ItemType_Invalid, u"", false));
+    static CTableSchema & s_filled =
+        s.Element<CElementInfoSeqPrimOpt>(u"v", false, ItemType_i4, u"", kNoRule, kNoFacets, u"");
+    return s_filled;
+}
+
+template <CTableSchema & (*pfnSchema)()>
+CSmartPtr<CXmlObjectBase> Create(int, char16_t const * name)
+{
+    return CSmartPtr<CXmlObjectBase>(new CTableClass(pfnSchema(), name));
+}
+
+CSmartPtr<CXmlObjectBase> CreateDerived(CXmlElement * pElement)
+{
+    std::u16string const & strType = pElement->GetAttribute(u"type", Wide(kXsi).c_str());
+    bool const bKnown = strType.size() >= 11 && strType.substr(strType.size() - 11) == u"DerivedType";
+    return bKnown ? Create<DerivedSchema>(0, pElement->GetLocalName().c_str()) : nullptr;
+}
+
+/// The parts of the whole object that a form may not be able to keep.
+enum Parts
+{
+    kNil = 1,
+    kXsiType = 2,
+    kForeign = 4
+};
+
+CSmartPtr<CTableClass> NewWhole()
+{
+    static CTableSchema s_schema;
+    if (s_schema.m_nProperties == 0)
+    {
+        s_schema.Element<CElementInfoSeqClsOpt>(u"types", XmlElementType_Element, Create<TypesSchema>, 0);
+        s_schema.Element<CElementInfoSeqClsOpt>(u"", XmlElementType_Pseudo, Create<ChoiceSchema>, 0);
+        s_schema.Element<CElementInfoSeqClsOpt>(u"all", XmlElementType_Element, Create<AllSchema>, 0);
+        s_schema.Element<CElementInfoSeqAbsClsOpt>(u"sub", XmlElementType_Element, CreateDerived);
+        s_schema.Element<CElementInfoSeqPrimOpt>(u"nil", true, ItemType_i4, u"", kNoRule, kNoFacets, u"");
+        s_schema.Element<CElementInfoSeqPrimCol>(u"n");
+        s_schema.Element<CElementInfoSeqPrimCol>(u"when");
+        s_schema.Element<CElementInfoSeqUntpdCol>(u"AnyElement");
+        s_schema.Attribute<CAttributeInfoAny>(u"", true, u"##any", u"", u"");
+        s_schema.OnInit(
+            [](CTableClass & object)
+            {
+                object[5].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new Ci4Col(u"n", u"", 0, -1, nullptr, -1, -1,
+                    u"", u"", u"", u"", -1, -1, -1, CWhitespaceUtils::WhitespaceRule_Collapse, nullptr)));
+                object[6].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CdateCol(u"when", u"", 0, -1, nullptr, -1,
+                    -1, u"", u"", u"", u"", -1, -1, -1, CWhitespaceUtils::WhitespaceRule_Collapse, nullptr)));
+                object[7].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CElementCol(u"", u"##any", u"", 0, -1)));
+                object[8].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CAttributeCol(u"", u"##any", u"")));
+            });
+    }
+    return new CTableClass(s_schema);
+}
+
+std::string WholeDocument(int nParts)
+{
+    std::string strAttributes;
+    std::string strElements;
+    for (TypeRow const & row : kTypes)
+    {
+        std::string const strName = Utf8(row.pszName);
+        strAttributes += " " + strName + "=\"" + Escaped(row.pszText) + "\"";
+        strElements += "<" + strName + ">" + Escaped(row.pszText) + "</" + strName + ">";
+    }
+    bool const bForeign = (nParts & kForeign) != 0;
+    return std::string("<r xmlns:xsi='") + kXsi + "' xmlns:t='urn:types' xmlns:f='urn:foreign' " +
+           (bForeign ? "f:own='1'" : "own='1'") + "><types" + strAttributes + ">" + strElements +
+           "</types><other>text</other><all><o>7</o><m>1.50</m></all>" +
+           ((nParts & kXsiType) != 0 ? "<sub xsi:type='t:DerivedType'><v>3</v></sub>" : "") +
+           ((nParts & kNil) != 0 ? "<nil xsi:nil='true'/>" : "") + "<n>1</n><n>-2</n><when>2024-02-29Z</when>" +
+           (bForeign ? "<f:x f:a='1' b='2'><y>t</y></f:x><f:z/></r>" : "<x a='1' b='2'><y>t</y></x><z/></r>");
+}
+
+CSerializationContext WholeContext()
+{
+    CSerializationContext ctx;
+    ctx.GetNamespaceAliases().Add(u"xsi", Wide(kXsi).c_str());
+    ctx.GetNamespaceAliases().Add(u"t", u"urn:types");
+    ctx.GetNamespaceAliases().Add(u"f", u"urn:foreign");
+    return ctx;
+}
+
+CSmartPtr<CTableClass> ReadWhole(int nParts)
+{
+    CSmartPtr<CTableClass> const spWhole = NewWhole();
+    spWhole->FromXml(WholeDocument(nParts).c_str(), WholeContext());
+    return spWhole;
+}
+
+TEST(WholeSystemTest, KeepsEverythingThatAFormCanHold)
+{
+    CSmartPtr<CTableClass> const spWhole = ReadWhole(kNil | kXsiType | kForeign);
+    std::string const strXml = Utf8(spWhole->ToXml(false, false, EOLType_LF, WholeContext()));
+    for (char const * pszPart : {" xmlns:f=\"urn:foreign\"", " f:own=\"1\"><types hexBinary=\"00FF7F\"",
+             "<other>text</other><all><m>1.5</m><o/></all>",
+             "<sub xsi:type=\"t:DerivedType\"><v>3</v></sub><nil xsi:nil=\"true\"/><n>1</n><n>-2</n>",
+             "<when>2024-02-29Z</when><f:x f:a=\"1\" b=\"2\"><y>t</y></f:x><f:z/></r>",
+             "<integer>123456789012345678901234567890</integer></types>"})
+        EXPECT_NE(strXml.find(pszPart), std::string::npos) << pszPart << "\n" << strXml;
+
+    ExpectSameInForms(*spWhole, &NewWhole, WholeContext(), kNoJson);
+    ExpectSameInForms(*ReadWhole(kXsiType | kForeign), &NewWhole, WholeContext(), kFormFullJson);
+    ExpectSameInForms(*ReadWhole(0), &NewWhole, WholeContext(), kAllForms);
+}
+
+/// One string property in every form: what it reads back when that is not what was written.
+struct LossRow
+{
+    char const * pszName;
+    int nForm;
+    char const * pszText;
+    char const * pszBack;
+};
+constexpr LossRow kLosses[] = {
+    {"XmlDropsReturns", kFormXml, "a\r\nb", "a\nb"},
+    {"FastInfosetDropsReturns", kFormFastInfoset, "a\r\nb", "a\nb"},
+    {"XmlKeepsTabsAndFeeds", kFormXml, " a\t\n ", " a\t\n "},
+    {"FastInfosetKeepsThem", kFormFastInfoset, " a\t\n ", " a\t\n "},
+    {"StrictJsonKeepsThem", kFormJson, " a\t\n ", " a\t\n "},
+};
+
+class LossTest : public testing::TestWithParam<LossRow>
+{
+};
+
+TEST_P(LossTest, IsAsTold)
+{
+    LossRow const & row = GetParam();
+    CTableSchema schema;
+    schema.Element<CElementInfoSeqPrimOpt>(u"a", false, ItemType_string, u"", kNoRule, kNoFacets, u"");
+    CTableClass object(schema);
+    CTableClass copy(schema);
+    object[0].SetString(Wide(row.pszText));
+    CSerializationContext ctx;
+    ctx.GetJsonContext().SetStrict(true);
+    if (row.nForm == kFormJson)
+        copy.FromJsonStream(object.ToJsonStream(false, XmlEncoding_UTF8, EOLType_LF, ctx), ctx);
+    else
+        copy.FromXmlStream(row.nForm == kFormXml ? object.ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF, ctx)
+                                                 : object.ToFastInfosetStream(FInfoDecl_None, ctx),
+            ctx);
+    EXPECT_EQ(Utf8(copy[0].GetString()), row.pszBack);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LossTest, testing::ValuesIn(kLosses), CaseName);
+
+TEST(WholeSystemTest, SuggestedValuesRefuseWhatALongCannotHold)
+{
+    CSmartPtr<CTableClass> const spTypes(new CTableClass(TypesSchema()));
+    (*spTypes)[9].SetUI8(std::uint64_t(1) << 63);
+    CSerializationContext ctx;
+    EXPECT_NO_THROW(spTypes->ToFastInfosetStream(FInfoDecl_None, ctx));
+    ctx.GetFIContext().SetSuggestedValues();
+    EXPECT_THROW(spTypes->ToFastInfosetStream(FInfoDecl_None, ctx), CQzException);
+}
+
+TEST(WholeSystemTest, JsonLosesNil)
+{
+    CSmartPtr<CTableClass> const spWhole = ReadWhole(kNil);
+    CSmartPtr<CTableClass> const spCopy = NewWhole();
+    EXPECT_THROW(spCopy->FromJson(spWhole->ToJson(false).c_str()), CQzException);
+}
+
+} // namespace
