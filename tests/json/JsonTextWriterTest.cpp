@@ -151,7 +151,6 @@ Case const kCases[] = {
         kStrict},
     {"Comment", Comment, Json("{/* c */\n'r': 't'}")},
     {"CommentStrict", Comment, Json("{'r': 't'}"), kStrict},
-    {"TextBeside", TextBeside, Json("{'r': {'@a': 1,'#text': 't'}}"), kPlain, kAttributes},
     {"TextBesideNone", TextBeside, Json("{'r': {'a': 1,'': 't'}}"), kPlain, JsonRoundTrip_None},
     {"Nothing", Nothing, Json("{'r': {'empty': null,'nil': null,'e': {'@a': ''}}}")},
     {"Namespaces", Namespaces,
