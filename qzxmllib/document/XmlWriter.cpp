@@ -235,10 +235,10 @@ void CXmlWriter::SetArrayState(std::int32_t eState) noexcept
     if (m_pContext == nullptr)
         return;
     std::int32_t & eNow = m_pContext->m_eArrayState;
-    if (eState == 1 && eNow == 3)
-        eState = 4; // the finished array is still to be closed
-    else if (eState == 3 && eNow == 1)
-        eState = 0; // no item has opened the array
+    if (eState == 1 && eNow >= 2)
+        eState = 4; // an array, finished or holding the collection's items, is still to be closed
+    else if (eState == 3 && eNow < 2)
+        eState = 0; // no array is open
     eNow = eState;
 }
 

@@ -141,8 +141,8 @@ public:
     /// An alias that is no value of the map: "AA" to "ZZ", then three letters, and so on. It is not stored.
     static std::u16string GenerateNamespaceAlias(CNamespaceMap const & namespaces);
     /// Tells the open element how far the array of its collection is: 0 none, 1 about to be written, 2 opened,
-    /// 3 finished. The writer closes a finished array later, so announcing one behind it stores 4; finishing one that
-    /// was never opened stores 0. Does nothing with no element open.
+    /// 3 finished. The writer closes a finished array later, so announcing one behind it, or inside an item that has no
+    /// element of its own, stores 4; finishing one that is not open stores 0. Does nothing with no element open.
     void SetArrayState(std::int32_t eState) noexcept;
 
     /// The innermost open element, or null.

@@ -71,7 +71,6 @@ GoodCase const kGood[] = {
     {"Everything", kRoot, Json("{'a' : [ 1 , 's',true,false , null,{} ],'b':[ ]}x"), "<{r:{a:[1 's' T F N {}]b:[]}}>"},
     {"Numbers", kDefault, u"[1.50,1E2,-0,0,10,1e+07,2.0e-3,12345678901234567890]",
         "<[1.50 1E2 -0 0 10 1e+07 2.0e-3 12345678901234567890 ]>"},
-    {"LeadingZeroAtTheTop", kDefault, u"01", "<0 >"},
     {"LineFeedInNumber", kDefault, u"1\n2", "<12 >"},
     {"LineFeedInString", kDefault, u"\"a\nb\rc\td\x01\"", "<'ab\rc\td\x01' >"},
     {"Escapes", kDefault, u"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00e9\\uD83D\\uDE00\\uD800\\\nn\"",

@@ -123,6 +123,14 @@ void UnlikeNames(Calls const & w)
     w.Start(u"r").Array(1).Leaf(u"x", u"1").Leaf(u"y", u"2").Leaf(u"y", u"3").Leaf(u"y", u"4", u"urn:p").Array(3).End();
 }
 
+/// Items without an element of their own, which hold collections that lie in the same element as the items.
+void ArraysInArrays(Calls const & w)
+{
+    w.Start(u"r").Array(1).Array(1).Leaf(u"a", u"0").Array(3).Leaf(u"x", u"1").Array(1).Leaf(u"y", u"2").Array(3);
+    w.Leaf(u"x", u"3").Array(3).Array(1).Leaf(u"x", u"4").Array(1).Leaf(u"y", u"5").Leaf(u"y", u"6").Array(3).Array(3);
+    w.Array(1).Array(1).Leaf(u"z", u"7").Array(3).Array(3).Leaf(u"e", u"8").Array(3).End();
+}
+
 constexpr JsonRoundTrip kAttributes = JsonRoundTrip_Attributes;
 
 Case const kCases[] = {
@@ -143,7 +151,6 @@ Case const kCases[] = {
         kStrict},
     {"Comment", Comment, Json("{/* c */\n'r': 't'}")},
     {"CommentStrict", Comment, Json("{'r': 't'}"), kStrict},
-    {"TextBeside", TextBeside, Json("{'r': {'@a': 1,'#text': 't'}}"), kPlain, kAttributes},
     {"TextBesideNone", TextBeside, Json("{'r': {'a': 1,'': 't'}}"), kPlain, JsonRoundTrip_None},
     {"Nothing", Nothing, Json("{'r': {'empty': null,'nil': null,'e': {'@a': ''}}}")},
     {"Namespaces", Namespaces,
@@ -152,6 +159,8 @@ Case const kCases[] = {
              "'d': '2','p:p': '3'}}")},
     {"NamespacesDropped", Namespaces, Json("{'r': {'@a': '1','d': '2','p': '3'}}"), kPlain, kAttributes},
     {"Arrays", Arrays, Json("{'r': {'a': [null,1],'b': [{'c': ['x']}],'#text': 't','d': ['y']}}")},
+    {"ArraysInArrays", ArraysInArrays,
+        Json("{'r': {'a': ['0'],'x': '1','y': ['2'],'x': '3','x': ['4'],'y': ['5','6'],'z': ['7'],'e': '8'}}")},
     {"UnlikeNames", UnlikeNames, Json("{'r': {'@xmlns:p': 'urn:p','x': ['1'],'y': ['2','3'],'p:y': ['4']}}")},
     {"UnlikeNamesDropped", UnlikeNames, Json("{'r': {'x': ['1'],'y': ['2','3','4']}}"), kPlain, kAttributes},
 };
