@@ -24,14 +24,9 @@ struct Case
 
 TEST(ClassFactoryTest, TypeOfAnElement)
 {
-    Case const kCases[] = {
-        {"xsi:type='a:b'", "b", "urn:a"},
-        {"xsi:type='b'", "b", "urn:own"},
-        {"xsi:type='z:b'", "b", "urn:own"},
-        {"xsi:type='a:b:c'", "b:c", "urn:a"},
-        {"xsi:type=' a:b'", "b", "urn:own"},
-        {"type='a:b'", "", "urn:own"},
-    };
+    Case const kCases[] = {{"xsi:type='a:b'", "b", "urn:a"}, {"xsi:type='b'", "b", "urn:own"},
+        {"xsi:type='z:b'", "b", "urn:own"}, {"xsi:type='a:b:c'", "b:c", "urn:a"}, {"xsi:type=' a:b'", "b", "urn:own"},
+        {"type='a:b'", "", "urn:own"}};
     for (Case const & c : kCases)
     {
         SCOPED_TRACE(c.pszType);

@@ -2,6 +2,7 @@
 #include "qzxmllib/binding/PlainCol.h"
 #include "qzxmllib/document/XmlWriter.h"
 #include "tests/support/AllForms.h"
+#include "tests/support/Listener.h"
 #include "tests/support/TableClass.h"
 #include "tests/support/TestText.h"
 
@@ -74,26 +75,6 @@ struct MemberName
     }
 };
 
-/// Writes down what it hears, with the index of a removal and the number of items at that time.
-class CListener : public IEventSink
-{
-public:
-    void OnEvent(CXmlObjectBase * pSource, MsgType msgType, void * pData) override
-    {
-        static char const * const kNames[] = {"change", "add", "added", "remove", "removed"};
-        m_strLog += kNames[msgType];
-        if (msgType == MsgType_CollectionRemove || msgType == MsgType_CollectionRemoveComplete)
-            m_strLog += std::to_string(*static_cast<int *>(pData));
-        else if (msgType != MsgType_CollectionChange && m_onAdd)
-            m_onAdd(pData);
-        m_strLog += '/' + std::to_string(static_cast<CXmlCollectionBase *>(pSource)->GetCount()) + ' ';
-    }
-    std::string Take() { return std::exchange(m_strLog, {}); }
-
-    std::string m_strLog;
-    std::function<void(void *)> m_onAdd;
-};
-
 /// Writes down the elements and texts that it is given, each text with its kind.
 class CLogWriter : public CXmlWriter
 {
@@ -151,7 +132,11 @@ protected:
     using Value = decltype(std::declval<C &>().Item(0));
     static constexpr bool kIsDate = std::is_base_of_v<CdatetimeBaseCol, C>;
 
-    TypedCollectionTest() { m_spCol->AddEventListener(&m_listener); }
+    TypedCollectionTest()
+    {
+        m_listener.m_bTellCount = true;
+        m_spCol->AddEventListener(&m_listener);
+    }
 
     static std::string Document(char16_t const * pszA, char16_t const * pszB)
     {
@@ -248,6 +233,7 @@ TYPED_TEST(TypedCollectionTest, PassesThroughAllForms)
 TEST(TypeCollectionTest, DatesOfAnotherTypeAreRefusedUnheard)
 {
     CListener listener;
+    listener.m_bTellCount = true;
     auto const tryAdd = [&](auto const & spCol, CDateTime const & value, std::u16string const & strType)
     {
         spCol->AddEventListener(&listener);

@@ -24,33 +24,18 @@ struct TypeRow
     char16_t const * pszName;
     char const * pszText;
 };
-constexpr TypeRow kTypes[] = {
-    {ItemType_hexBinary, u"hexBinary", "00FF7F"},
-    {ItemType_base64Binary, u"base64Binary", "AP9/"},
-    {ItemType_i1, u"i1", "-128"},
-    {ItemType_i2, u"i2", "-32768"},
-    {ItemType_i4, u"i4", "-2147483648"},
-    {ItemType_i8, u"i8", "-9223372036854775808"},
-    {ItemType_ui1, u"ui1", "255"},
-    {ItemType_ui2, u"ui2", "65535"},
-    {ItemType_ui4, u"ui4", "4294967295"},
-    {ItemType_ui8, u"ui8", "9223372036854775807"},
-    {ItemType_r4, u"r4", "-0.5"},
-    {ItemType_r8, u"r8", "0.1"},
-    {ItemType_duration, u"duration", "-P1Y2M3DT4H5M6.75S"},
-    {ItemType_yearMonth, u"yearMonth", "2024-02"},
-    {ItemType_monthDay, u"monthDay", "--02-29"},
-    {ItemType_year, u"year", "2024"},
-    {ItemType_month, u"month", "--12"},
-    {ItemType_day, u"day", "---31"},
-    {ItemType_date, u"date", "2024-02-29"},
-    {ItemType_datetime, u"datetime", "2024-02-29T23:59:59.125+05:30"},
-    {ItemType_time, u"time", "23:59:59"},
-    {ItemType_string, u"string", " a <&>\" \xE2\x82\xAC \xF0\x9F\x98\x80 "},
-    {ItemType_boolean, u"boolean", "true"},
+constexpr TypeRow kTypes[] = {{ItemType_hexBinary, u"hexBinary", "00FF7F"},
+    {ItemType_base64Binary, u"base64Binary", "AP9/"}, {ItemType_i1, u"i1", "-128"}, {ItemType_i2, u"i2", "-32768"},
+    {ItemType_i4, u"i4", "-2147483648"}, {ItemType_i8, u"i8", "-9223372036854775808"}, {ItemType_ui1, u"ui1", "255"},
+    {ItemType_ui2, u"ui2", "65535"}, {ItemType_ui4, u"ui4", "4294967295"},
+    {ItemType_ui8, u"ui8", "9223372036854775807"}, {ItemType_r4, u"r4", "-0.5"}, {ItemType_r8, u"r8", "0.1"},
+    {ItemType_duration, u"duration", "-P1Y2M3DT4H5M6.75S"}, {ItemType_yearMonth, u"yearMonth", "2024-02"},
+    {ItemType_monthDay, u"monthDay", "--02-29"}, {ItemType_year, u"year", "2024"}, {ItemType_month, u"month", "--12"},
+    {ItemType_day, u"day", "---31"}, {ItemType_date, u"date", "2024-02-29"},
+    {ItemType_datetime, u"datetime", "2024-02-29T23:59:59.125+05:30"}, {ItemType_time, u"time", "23:59:59"},
+    {ItemType_string, u"string", " a <&>\" \xE2\x82\xAC \xF0\x9F\x98\x80 "}, {ItemType_boolean, u"boolean", "true"},
     {ItemType_decimal, u"decimal", "-12345678901234567890.0625"},
-    {ItemType_integer, u"integer", "123456789012345678901234567890"},
-};
+    {ItemType_integer, u"integer", "123456789012345678901234567890"}};
 
 std::string Escaped(std::string const & strText)
 {
@@ -202,46 +187,23 @@ TEST(WholeSystemTest, KeepsEverythingThatAFormCanHold)
     ExpectSameInForms(*ReadWhole(0), &NewWhole, WholeContext(), kAllForms);
 }
 
-/// One string property in every form: what it reads back when that is not what was written.
-struct LossRow
+/// Carriage returns are lost in every form, other white space in none of these.
+TEST(WholeSystemTest, FormsLoseCarriageReturnsOnly)
 {
-    char const * pszName;
-    int nForm;
-    char const * pszText;
-    char const * pszBack;
-};
-constexpr LossRow kLosses[] = {
-    {"XmlDropsReturns", kFormXml, "a\r\nb", "a\nb"},
-    {"FastInfosetDropsReturns", kFormFastInfoset, "a\r\nb", "a\nb"},
-    {"XmlKeepsTabsAndFeeds", kFormXml, " a\t\n ", " a\t\n "},
-    {"FastInfosetKeepsThem", kFormFastInfoset, " a\t\n ", " a\t\n "},
-    {"StrictJsonKeepsThem", kFormJson, " a\t\n ", " a\t\n "},
-};
-
-class LossTest : public testing::TestWithParam<LossRow>
-{
-};
-
-TEST_P(LossTest, IsAsTold)
-{
-    LossRow const & row = GetParam();
     CTableSchema schema;
     schema.Element<CElementInfoSeqPrimOpt>(u"a", false, ItemType_string, u"", kNoRule, kNoFacets, u"");
-    CTableClass object(schema);
-    CTableClass copy(schema);
-    object[0].SetString(Wide(row.pszText));
-    CSerializationContext ctx;
-    ctx.GetJsonContext().SetStrict(true);
-    if (row.nForm == kFormJson)
-        copy.FromJsonStream(object.ToJsonStream(false, XmlEncoding_UTF8, EOLType_LF, ctx), ctx);
-    else
-        copy.FromXmlStream(row.nForm == kFormXml ? object.ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF, ctx)
-                                                 : object.ToFastInfosetStream(FInfoDecl_None, ctx),
-            ctx);
-    EXPECT_EQ(Utf8(copy[0].GetString()), row.pszBack);
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    auto const makeCopy = [&] { return CSmartPtr<CTableClass>(new CTableClass(schema)); };
+    (*spObject)[0].SetString(u" a\t\n ");
+    ExpectSameInForms(*spObject, makeCopy, CSerializationContext(), kAllForms);
+    (*spObject)[0].SetString(u"a\r\nb");
+    auto const spCopy = makeCopy();
+    for (CBinaryData const & data : {spObject->ToXmlStream(), spObject->ToFastInfosetStream()})
+    {
+        spCopy->FromXmlStream(data);
+        EXPECT_EQ((*spCopy)[0].GetString(), u"a\nb");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, LossTest, testing::ValuesIn(kLosses), CaseName);
 
 TEST(WholeSystemTest, SuggestedValuesRefuseWhatALongCannotHold)
 {

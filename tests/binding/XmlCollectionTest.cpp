@@ -1,3 +1,4 @@
+#include "tests/support/Listener.h"
 #include "tests/support/TableClass.h"
 #include "tests/support/TestText.h"
 
@@ -7,30 +8,6 @@ using namespace QzXmlLib16;
 
 namespace
 {
-
-/// Writes down what it hears: "add", "added", "remove", "removed", "change", with the index of a removal.
-class CListener : public IEventSink
-{
-public:
-    void OnEvent(CXmlObjectBase * pMsgSource, MsgType msgType, void * pData) override
-    {
-        static char const * const kNames[] = {"change", "add", "added", "remove", "removed"};
-        m_strLog += kNames[msgType];
-        if ((msgType == MsgType_CollectionRemove || msgType == MsgType_CollectionRemoveComplete) && pData != nullptr)
-            m_strLog += std::to_string(*static_cast<int *>(pData));
-        m_strLog += ' ';
-        m_pSource = pMsgSource;
-        if (m_bRefuse)
-            throw CQzException(u"refused");
-        if (m_action)
-            m_action();
-    }
-
-    std::string m_strLog;
-    CXmlObjectBase * m_pSource = nullptr;
-    bool m_bRefuse = false;
-    std::function<void()> m_action;
-};
 
 class XmlCollectionTest : public testing::Test
 {
@@ -105,11 +82,11 @@ TEST_F(XmlCollectionTest, EventsComeInOrder)
     m_spCol->Clear();
     EXPECT_EQ(listener.m_strLog, "remove removed change remove removed change remove removed change ");
     m_spCol->Add();
-    listener.m_bRefuse = true;
+    listener.m_action = [] { throw CQzException(u"refused"); };
     EXPECT_THROW(m_spCol->Add(), CQzException);
     EXPECT_THROW(m_spCol->Remove(0), CQzException);
     EXPECT_EQ(m_spCol->GetCount(), 1);
-    listener.m_bRefuse = false;
+    listener.m_action = nullptr;
     listener.m_strLog.clear();
     m_spCol->AddEventListener(&listener);
     m_spCol->Remove(0);

@@ -21,9 +21,7 @@ struct ReadRow
 std::string const kHead = "E0000001";
 
 // Documents without the four octets.
-ReadRow const kRows[] = {
-    {"Smallest", "00 3C 00 61 FF", "a"},
-    {"OctetsBehindTheRoot", "00 3C 00'a' FF 12 34", "a"},
+ReadRow const kRows[] = {{"Smallest", "00 3C 00 61 FF", "a"}, {"OctetsBehindTheRoot", "00 3C 00'a' FF 12 34", "a"},
     {"EndOfAttributesAndElement", "00 3C 00'a' 7C 00'b' 78 00'x' FF FF 3C 00'c' FF", "a (b @x='') (c)"},
     {"TwoLevelsAtOnce", "00 3C 00'a' 3C 00'b' 3C 00'c' FF 00 FF", "a (b (c)) (a)"},
     {"OnlyLiteralsWithTheBitEnterTheTable", "00 3C 00'a' 80'x' 90'y' A0 FF", "a \"xyy\""},
@@ -52,8 +50,7 @@ ReadRow const kRows[] = {
         "00 00'A' 00 20 00 12 00 01'st' 00 03 80 81 82 00 00 80"
         "C0 00'n' C3 00'n' 00's' 00'p' F0 D0 00'n' 00's' 00'o' D1 00'n' 00's' 00'p' 00'o' F0"
         "04'UTF-8' 01 02'1.0' 3C 00'a' 90'x' A0 FF",
-        "a \"xx\""},
-};
+        "a \"xx\""}};
 
 using ReadTest = testing::TestWithParam<ReadRow>;
 
@@ -77,12 +74,9 @@ struct FailureRow
 #define LENGTH FAILED "Invalid NonEmptyOctetString type  "
 constexpr char16_t kEndOfFile[] = FAILED "Unexpected End of File.";
 
-FailureRow const kFailures[] = {
-    {"NoElement", "F0", FAILED "The document has no element."},
-    {"EndInContent", "3C 00'a'", kEndOfFile},
-    {"EndInLength", "3C 40", kEndOfFile},
-    {"EndInLiteral", "3C 00'a' 83 7F FF FF FF'x'", kEndOfFile},
-    {"EndInIdentifyingIndex", "3C C0", kEndOfFile},
+FailureRow const kFailures[] = {{"NoElement", "F0", FAILED "The document has no element."},
+    {"EndInContent", "3C 00'a'", kEndOfFile}, {"EndInLength", "3C 40", kEndOfFile},
+    {"EndInLiteral", "3C 00'a' 83 7F FF FF FF'x'", kEndOfFile}, {"EndInIdentifyingIndex", "3C C0", kEndOfFile},
     {"EndInValueIndex", "7C 00'a' 78 00'x' E0 00", INTEGERS "0 To 2^20 type  on the second bit of an octet."},
     {"PrefixWithoutNamespace", "3E 00'p' 00'a' FF", FAILED "Invalid QName type Prefix without Namespace."},
     {"UnknownOctet", "3C 00'a' C4", FAILED "Invalid Encoding of Element type."},
@@ -95,8 +89,7 @@ FailureRow const kFailures[] = {
     {"IntOfSixOctets", "3C 00'a' 8C 0E 03 00 00 00 00 00 00", u"Invalid value for INT byte encoding."},
     {"OddUtf16", "3C 00'a' 84'x'", FAILED "Invalid length of UTF-16 string."},
     {"Utf8", "3C 00'a' 81'x' FF", u"Failed to convert text from UTF-8. Invalid sequence at position [1]."},
-    {"Utf8OfDroppedText", "E2 00 FF", u"Failed to convert text from UTF-8. Invalid sequence at position [0]."},
-};
+    {"Utf8OfDroppedText", "E2 00 FF", u"Failed to convert text from UTF-8. Invalid sequence at position [0]."}};
 
 using ReadFailureTest = testing::TestWithParam<FailureRow>;
 

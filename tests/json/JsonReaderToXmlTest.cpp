@@ -35,8 +35,7 @@ TEST_P(JsonReaderToXmlTest, Xml)
     EXPECT_EQ(Convert(GetParam()), kHeader + GetParam().strXml);
 }
 
-Case const kConversions[] = {
-    {"Nothing", Json("{'r':{'a':null,'b':{},'c':''}}"), "<r><a/><b/><c/></r>"},
+Case const kConversions[] = {{"Nothing", Json("{'r':{'a':null,'b':{},'c':''}}"), "<r><a/><b/><c/></r>"},
     {"Attributes", Json("{'a':{'@x':'1','@n':null,'#text':'t'}}"), "<a x=\"1\">t</a>", u"", JsonRoundTrip_Attributes},
     {"ObjectItems", Json("{'a':{'b':[{'c':1},{'@x':1,'c':[2,3]},{}]}}"),
         "<a><b><c>1</c></b><b x=\"1\"><c>2</c><c>3</c></b><b/></a>"},
@@ -50,10 +49,8 @@ Case const kConversions[] = {
     {"TwoTexts", Json("{'r':{'a':{'#text':'t','#text':'u'},'b':1}}"), "<r><a>t</a>u<b>1</b></r>"},
     {"MarksAreNames", Json("{'@x':1,'#text':'t'}"), "<@x>1</@x><#text>t</#text>", u"", JsonRoundTrip_None},
     {"RootNameOfArray", Json("[{'a':1},2]"), "<r><a>1</a></r><r>2</r>", u"r"},
-    {"RootNameOfNothing", Json(" // c"), "<r/>", u"r"},
-    {"NulCutsValue", Json("{'a':'x\\u0000y'}"), "<a>x</a>"},
-    {"Surrogates", u"{\"\xD83D\xDE00\":\"\\uD83D\\uDE00\"}", "<\xF0\x9F\x98\x80>\xF0\x9F\x98\x80</\xF0\x9F\x98\x80>"},
-};
+    {"RootNameOfNothing", Json(" // c"), "<r/>", u"r"}, {"NulCutsValue", Json("{'a':'x\\u0000y'}"), "<a>x</a>"},
+    {"Surrogates", u"{\"\xD83D\xDE00\":\"\\uD83D\\uDE00\"}", "<\xF0\x9F\x98\x80>\xF0\x9F\x98\x80</\xF0\x9F\x98\x80>"}};
 
 INSTANTIATE_TEST_SUITE_P(Table, JsonReaderToXmlTest, testing::ValuesIn(kConversions), CaseName);
 
@@ -81,22 +78,18 @@ TEST_P(JsonReaderToXmlFailureTest, Message)
 constexpr char16_t kContainer[] = u"JSON value of [@x] must not be an Object or an Array.";
 constexpr char16_t kAttribute[] = u"Failed to convert value '2' to Attribute string value in XML.";
 
-BadCase const kBad[] = {
-    {"EmptyName", Json("{'r':{'':1}}"), u"JSON item has an empty Name.", u"$..r"},
+BadCase const kBad[] = {{"EmptyName", Json("{'r':{'':1}}"), u"JSON item has an empty Name.", u"$..r"},
     {"ArrayAtTop", u"[1]", u"JSON Array has no Name.", u"$"},
     {"ArrayBehindArray", Json("{'a':[[1],[2]]}"), u"JSON Array has no Name.", u"$"},
-    {"ScalarAtTop", u"5", u"JSON value has no Name.", u"$"},
-    {"NullAtTop", u"null", u"JSON value has no Name.", u"$"},
+    {"ScalarAtTop", u"5", u"JSON value has no Name.", u"$"}, {"NullAtTop", u"null", u"JSON value has no Name.", u"$"},
     {"ObjectInAttribute", Json("{'a':{'@x':{'y':1}}}"), kContainer, u"$.@x.a"},
     {"ArrayInAttribute", Json("{'a':{'@x':[1,2]}}"), kContainer, u"$.a"},
     {"ArrayInText", Json("{'a':{'#text':[1]}}"), u"JSON value of [#text] must not be an Object or an Array.", u"$.a"},
     {"AttributeBehindText", Json("{'a':{'#text':'t','@x':'2'}}"), kAttribute},
     {"AttributeBehindChild", Json("{'a':{'b':1,'@x':2}}"), kAttribute},
-    {"AttributeAtTop", Json("{'@x':2}"), kAttribute},
-    {"AttributeInjected", Json("{'a':{'@x=1 y':2}}"), kAttribute},
+    {"AttributeAtTop", Json("{'@x':2}"), kAttribute}, {"AttributeInjected", Json("{'a':{'@x=1 y':2}}"), kAttribute},
     {"AttributeNameless", Json("{'a':{'@':2}}"), kAttribute},
-    {"TextAtTop", Json("{'#text':'t'}"), u"Failed to convert value 't' to Element string value in XML."},
-};
+    {"TextAtTop", Json("{'#text':'t'}"), u"Failed to convert value 't' to Element string value in XML."}};
 
 INSTANTIATE_TEST_SUITE_P(Table, JsonReaderToXmlFailureTest, testing::ValuesIn(kBad), CaseName);
 

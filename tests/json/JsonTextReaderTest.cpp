@@ -65,9 +65,7 @@ TEST_P(JsonTextReaderTest, Events)
     EXPECT_EQ(Events(GetParam().strText, GetParam().nMode), GetParam().strEvents);
 }
 
-GoodCase const kGood[] = {
-    {"Empty", kDefault, u"", "<>"},
-    {"BlanksAndComments", kDefault, u" \t\r\n/**/ // x", "<>"},
+GoodCase const kGood[] = {{"Empty", kDefault, u"", "<>"}, {"BlanksAndComments", kDefault, u" \t\r\n/**/ // x", "<>"},
     {"Everything", kRoot, Json("{'a' : [ 1 , 's',true,false , null,{} ],'b':[ ]}x"), "<{r:{a:[1 's' T F N {}]b:[]}}>"},
     {"Numbers", kDefault, u"[1.50,1E2,-0,0,10,1e+07,2.0e-3,12345678901234567890]",
         "<[1.50 1E2 -0 0 10 1e+07 2.0e-3 12345678901234567890 ]>"},
@@ -80,8 +78,7 @@ GoodCase const kGood[] = {
     {"UnterminatedComment", kDefault, u"1 /*", "<1 >"},
     {"Depth100", kDefault, Nested(100, u""), "<" + std::string(100, '[') + std::string(100, ']') + ">"},
     {"StrictWhiteSpace", kStrict, u" [\r\n1\n,\t2\n] \n", "<[1 2 ]>"},
-    {"StrictEscapes", kStrict, u"\"\\n\\u0001\x7F\"", "<'\n\x01\x7F' >"},
-};
+    {"StrictEscapes", kStrict, u"\"\\n\\u0001\x7F\"", "<'\n\x01\x7F' >"}};
 
 INSTANTIATE_TEST_SUITE_P(Good, JsonTextReaderTest, testing::ValuesIn(kGood), CaseName);
 
@@ -125,8 +122,7 @@ constexpr char16_t kColon[] = u"Object Name/Value separator character ':'";
 std::u16string const kHex = u"Expected 4 hexadecimal digits'\\uxxxx'";
 std::u16string const kControl = u"Invalid control character in a string";
 
-BadCase const kBad[] = {
-    {"Depth101", Nested(101, u""), u"JSON exceeded depth limit", 1, 101},
+BadCase const kBad[] = {{"Depth101", Nested(101, u""), u"JSON exceeded depth limit", 1, 101},
     {"DepthOfScalar", Nested(100, u"1"), u"JSON exceeded depth limit", 1, 101},
     {"NoValue", u"[\nx", Found(kValue, u'x'), 2, 1},
     {"NoValueInPath", Json("{'a':{'b':[{},{'c':x"), Found(kValue, u'x'), 1, 20, u"$.c.b[1].a"},
@@ -134,10 +130,8 @@ BadCase const kBad[] = {
     {"PathOfRoot", Json("{'a':x}"), Found(kValue, u'x'), 1, 6, u"$.a.r", kRoot},
     {"CommaAtEndOfArray", u"[1,]", Found(kValue, u']'), 1, 4},
     {"CommentForbidden", u"/* c */ 1", Found(kValue, u'/'), 1, 1, u"$", kNoComments},
-    {"LoneSlash", u"[ /", Found(kValue, u'/'), 1, 3},
-    {"ByteOrderMark", u"\uFEFF1", Found(kValue, u'\uFEFF'), 1, 1},
-    {"EndInArray", u"[ ", End(kBracket), 1, 2},
-    {"EndBehindArrayComma", u"[1,\n\n", End(kBracket), 3, 0},
+    {"LoneSlash", u"[ /", Found(kValue, u'/'), 1, 3}, {"ByteOrderMark", u"\uFEFF1", Found(kValue, u'\uFEFF'), 1, 1},
+    {"EndInArray", u"[ ", End(kBracket), 1, 2}, {"EndBehindArrayComma", u"[1,\n\n", End(kBracket), 3, 0},
     {"NoArrayComma", u"[01]", Found(kComma, u'1'), 1, 3},
     {"CommentBehindNumber", u"[1/* c */]", Found(kComma, u'/'), 1, 3},
     {"CommentBehindNumberAndLineFeed", u"[1\n/* c */]", Found(kComma, u'/'), 2, 1},
@@ -149,31 +143,22 @@ BadCase const kBad[] = {
     {"EndBehindValue", Json("{'a':1 "), End(kBrace), 1, 7, u"$.a"},
     {"EndBehindComma", Json("{'a':1,"), End(kBrace), 1, 7, u"$.a"},
     {"NoObjectComma", Json("{'a':1;"), Found(u"Object separator character ','", u';'), 1, 7, u"$.a"},
-    {"NullShort", u"nul", End(u"value 'NULL'"), 1, 3},
-    {"NullSpelling", u"nulx", u"Expected 'NULL'", 1, 4},
-    {"TrueShort", u"[t", End(u"value 'true'"), 1, 2},
-    {"TrueSpelling", u"tRUE", u"Expected 'true'", 1, 4},
-    {"FalseShort", u"fals", End(u"value 'false'"), 1, 4},
-    {"FalseSpelling", u"falsy", u"Expected 'false'", 1, 5},
-    {"Minus", u"-", End(u"a number"), 1, 1},
-    {"ExponentSign", u"1e+", End(u"a number"), 1, 3},
-    {"MinusNoDigit", u"-x", Found(kDigit, u'x'), 1, 2},
-    {"PointNoDigit", u"1.x", Found(kDigit, u'x'), 1, 3},
-    {"Point", u"1.", End(kDigit), 1, 2},
-    {"Exponent", u"1e", End(u"'+', '-' or a number"), 1, 2},
-    {"ExponentNoDigit", u"1ex", End(kDigit), 1, 3},
-    {"EndInString", u"\"abc", End(u"string value"), 1, 4},
+    {"NullShort", u"nul", End(u"value 'NULL'"), 1, 3}, {"NullSpelling", u"nulx", u"Expected 'NULL'", 1, 4},
+    {"TrueShort", u"[t", End(u"value 'true'"), 1, 2}, {"TrueSpelling", u"tRUE", u"Expected 'true'", 1, 4},
+    {"FalseShort", u"fals", End(u"value 'false'"), 1, 4}, {"FalseSpelling", u"falsy", u"Expected 'false'", 1, 5},
+    {"Minus", u"-", End(u"a number"), 1, 1}, {"ExponentSign", u"1e+", End(u"a number"), 1, 3},
+    {"MinusNoDigit", u"-x", Found(kDigit, u'x'), 1, 2}, {"PointNoDigit", u"1.x", Found(kDigit, u'x'), 1, 3},
+    {"Point", u"1.", End(kDigit), 1, 2}, {"Exponent", u"1e", End(u"'+', '-' or a number"), 1, 2},
+    {"ExponentNoDigit", u"1ex", End(kDigit), 1, 3}, {"EndInString", u"\"abc", End(u"string value"), 1, 4},
     {"EndInEscape", u"[\"a\n\\", End(u"string value"), 2, 1},
     {"HexShort", u"\"\\u00\"", End(u"4 hexadecimal digits'\\uxxxx'"), 1, 6},
-    {"HexSign", Json("{'a':'\\u+123'}"), kHex, 1, 12, u"$.a"},
-    {"HexPrefix", u"\"\\u0x1f\"", kHex, 1, 7},
+    {"HexSign", Json("{'a':'\\u+123'}"), kHex, 1, 12, u"$.a"}, {"HexPrefix", u"\"\\u0x1f\"", kHex, 1, 7},
     {"Escape", u"\"\\q\"", u"Invalid Escape Character 'q'", 1, 3},
     {"StrictComment", u"[1 // c\n]", Found(kComma, u'/'), 1, 4, u"$", kStrict},
     {"StrictLineFeedInString", u"[\n\"a\nb\"]", kControl, 2, 3, u"$", kStrict},
     {"StrictControlInEscape", u"\"\\\n", kControl, 1, 3, u"$", kStrict},
     {"StrictTextBehind", u"{} ]", u"Unexpected text behind the value, found ']'", 1, 4, u"$", kStrict},
-    {"StrictTwoLines", u"1\n2", u"Unexpected text behind the value, found '2'", 2, 1, u"$", kStrict},
-};
+    {"StrictTwoLines", u"1\n2", u"Unexpected text behind the value, found '2'", 2, 1, u"$", kStrict}};
 
 INSTANTIATE_TEST_SUITE_P(Bad, JsonTextReaderFailureTest, testing::ValuesIn(kBad), CaseName);
 

@@ -64,9 +64,7 @@ TEST(BigIntegerTest, OperatorsGiveValueOrTheirOwnWords)
     {
         std::function<CBigInteger()> fn;
         char16_t const * pszResult;
-    } const aCases[] = {
-        {[&] { return minusSeven % two; }, u"-1"},
-        {[&] { return seven / minusTwo; }, u"-3"},
+    } const aCases[] = {{[&] { return minusSeven % two; }, u"-1"}, {[&] { return seven / minusTwo; }, u"-3"},
         {[&] { return seven % minusTwo; }, u"ERROR: Overflow in operator%."},
         {[&] { return CBigInteger(7) /= minusTwo; }, u"ERROR: Overflow in operator /=."},
         {[&] { return CBigInteger(7) %= minusTwo; }, u"ERROR: Overflow in operator%=."},
@@ -75,12 +73,9 @@ TEST(BigIntegerTest, OperatorsGiveValueOrTheirOwnWords)
         {[&] { return CBigInteger(7) /= zero; }, u"ERROR: Overflow in operator /=."},
         {[&] { return CBigInteger(7) %= zero; }, u"ERROR: Overflow in operator%=."},
         {[&] { return CBigInteger(u"-0").SquareRoot(); }, u"ERROR: Negative Number in function SquareRoot()."},
-        {[&] { return zero.SquareRoot(); }, u"0"},
-        {[&] { return CBigInteger(100).SquareRoot(); }, u"10"},
-        {[&] { return CBigInteger::Pow10(20) - 1; }, u"99999999999999999999"},
-        {[&] { return CBigInteger(2.5); }, u"2"},
-        {[&] { return CBigInteger(2.51); }, u"3"},
-        {[&] { return CBigInteger(-2.51); }, u"-3"},
+        {[&] { return zero.SquareRoot(); }, u"0"}, {[&] { return CBigInteger(100).SquareRoot(); }, u"10"},
+        {[&] { return CBigInteger::Pow10(20) - 1; }, u"99999999999999999999"}, {[&] { return CBigInteger(2.5); }, u"2"},
+        {[&] { return CBigInteger(2.51); }, u"3"}, {[&] { return CBigInteger(-2.51); }, u"-3"},
         {[&] { return CBigInteger(1e23); }, u"100000000000000000000002"},
         {[&] { return CBigInteger(HUGE_VAL); }, u"The string representing a Decimal, contained an invalid char at "
                                                 u"position 0 [inf\n]."},
@@ -90,8 +85,7 @@ TEST(BigIntegerTest, OperatorsGiveValueOrTheirOwnWords)
         {[&] { return CBigInteger(CDecimal(u"-2.5")); }, u"-2"},
         {[&] { return CBigInteger::MIN_LONG; }, u"-2147483648"},
         {[&] { return CBigInteger::MIN_DOUBLE - CBigInteger(CDecimal(u"-1.7E+308")); }, u"0"},
-        {[&] { return CBigInteger::MAX_DOUBLE + CBigInteger(CDecimal(u"-1.7E+308")); }, u"0"},
-    };
+        {[&] { return CBigInteger::MAX_DOUBLE + CBigInteger(CDecimal(u"-1.7E+308")); }, u"0"}};
     for (auto const & row : aCases)
     {
         SCOPED_TRACE(&row - aCases);

@@ -16,21 +16,14 @@ struct RuleCase
     char16_t const * pszCollapsed;
 };
 
-RuleCase const kRules[] = {
-    {"Empty", u"", u"", u"", u""},
-    {"NothingToDo", u"a b", u"a b", u"a b", u"a b"},
-    {"CrLfIsOne", u"a\r\nb", u"a\nb", u"a b", u"a b"},
-    {"CrAlone", u"a\rb", u"a\nb", u"a b", u"a b"},
-    {"CrCrLf", u"a\r\r\nb", u"a\n\nb", u"a  b", u"a b"},
-    {"LfCr", u"a\n\rb", u"a\n\nb", u"a  b", u"a b"},
-    {"CrAtEnd", u"a\r", u"a\n", u"a ", u"a"},
-    {"Tab", u"\ta\tb", u"\ta\tb", u" a b", u"a b"},
-    {"OnlyBlanks", u"    ", u"    ", u"    ", u""},
-    {"Runs", u" a  b ", u" a  b ", u" a  b ", u"a b"},
+RuleCase const kRules[] = {{"Empty", u"", u"", u"", u""}, {"NothingToDo", u"a b", u"a b", u"a b", u"a b"},
+    {"CrLfIsOne", u"a\r\nb", u"a\nb", u"a b", u"a b"}, {"CrAlone", u"a\rb", u"a\nb", u"a b", u"a b"},
+    {"CrCrLf", u"a\r\r\nb", u"a\n\nb", u"a  b", u"a b"}, {"LfCr", u"a\n\rb", u"a\n\nb", u"a  b", u"a b"},
+    {"CrAtEnd", u"a\r", u"a\n", u"a ", u"a"}, {"Tab", u"\ta\tb", u"\ta\tb", u" a b", u"a b"},
+    {"OnlyBlanks", u"    ", u"    ", u"    ", u""}, {"Runs", u" a  b ", u" a  b ", u" a  b ", u"a b"},
     {"BlankThenTab", u"a \tb", u"a \tb", u"a  b", u"a b"},
     {"OtherSpacesStay", u"\u00a0a\u000b\u000cb\u2003", u"\u00a0a\u000b\u000cb\u2003", u"\u00a0a\u000b\u000cb\u2003",
-        u"\u00a0a\u000b\u000cb\u2003"},
-};
+        u"\u00a0a\u000b\u000cb\u2003"}};
 
 class RuleTest : public testing::TestWithParam<RuleCase>
 {
