@@ -3,6 +3,7 @@
 #include "bench/PeakMemory.h"
 #include "bench/Timing.h"
 #include "bench/Tree.h"
+#include "examples/support/ElementTree.h"
 #include "examples/support/Utf8.h"
 #include "qzxmllib/fastinfoset/FastInfosetContext.h"
 
@@ -26,7 +27,7 @@ struct Options
 {
     std::string strFile;
     Timing::Effort effort;
-    std::string strRows = "xml,fi,json,memory,threads,odd";
+    std::string strRows = "xml,fi,json,any,memory,threads,odd";
 
     bool Wants(char const * pszRows) const
     {
@@ -187,6 +188,30 @@ void FastInfosetRows(Options const & options)
 }
 
 /// JSON of the same objects against a bare parse of their XML text, under the options of ctx.
+/// The same document without classes of its own, as a tree of elements.
+void AnyRows(Options const & options)
+{
+    std::string strXml = ReadFile(options.strFile);
+    auto const read = [&]
+    {
+        CSmartPtr<CElement> spRoot(new CRootElement);
+        spRoot->FromXmlStream(reinterpret_cast<unsigned char *>(strXml.data()), strXml.size());
+        return spRoot;
+    };
+    CSmartPtr<CElement> const spRoot = read();
+    CSmartPtr<CElement> const spCopy(new CRootElement);
+    spCopy->FromXmlStream(spRoot->ToXmlStream(true, false));
+    if (!AgreeElements(*spRoot, *spCopy))
+        throw CQzException(u"The tree of elements comes back changed");
+    Timing::Job const bare = [&] { BareParse(strXml.data(), strXml.size()); };
+    Timing::Result const reading = Timing::Compare(
+        bare, [&] { read(); }, options.effort);
+    Timing::Result const writing = Timing::Compare(
+        bare, [&] { spRoot->ToXmlStream(true, false); }, options.effort);
+    PrintRow("XML to a tree of CElement", reading.jobSeconds, strXml.size(), reading.ratio, "at least 0.40");
+    PrintRow("tree of CElement to XML", writing.jobSeconds, strXml.size(), writing.ratio, "at least 2.0");
+}
+
 bool JsonRows(Options const & options, char const * pszKind, CSerializationContext const & ctx)
 {
     std::string strXml = ReadFile(options.strFile);
@@ -380,7 +405,7 @@ int main(int argc, char ** argv)
     Options const options = ParseOptions(argc, argv);
     if (options.strFile.empty())
     {
-        std::fprintf(stderr, "usage: bench_orders FILE.xml [--quick] [--rows xml,fi,json,memory,threads,odd]\n"
+        std::fprintf(stderr, "usage: bench_orders FILE.xml [--quick] [--rows xml,fi,json,any,memory,threads,odd]\n"
                              "FILE.xml holds purchase orders of orders.xsd; make_orders writes such files.\n");
         return 2;
     }
@@ -395,6 +420,8 @@ int main(int argc, char ** argv)
             return 1;
         if (options.Wants("fi"))
             FastInfosetRows(options);
+        if (options.Wants("any"))
+            AnyRows(options);
         if (options.Wants("json") && !JsonRows(options))
             return 1;
         if (options.Wants("threads"))

@@ -14,21 +14,6 @@ namespace
 
 using namespace QzXmlLib16;
 
-/// The root of a document. An element reads itself at the position that it is given; the operations that read documents
-/// give the first child of the root, so the root is put in its place.
-class CRoot : public CElement
-{
-public:
-    CRoot() : CElement(u"root") {}
-
-protected:
-    CXmlElement * FromXml_Int(
-        CXmlElement * pElement, CXmlElement *, CSerializationContext const & ctx, bool emptyChoiceAllowed) override
-    {
-        return CElement::FromXml_Int(pElement, pElement, ctx, emptyChoiceAllowed);
-    }
-};
-
 using Write = CBinaryData(CElement const & top, CSerializationContext const & ctx, CompressionType eCompression);
 
 struct Form
@@ -111,7 +96,7 @@ bool PrintForm(Form const & form, CElement & top, CSerializationContext const & 
         std::printf(" %10s  namespaces are lost\n", "");
         return true;
     }
-    CSmartPtr<CElement> spCopy(new CRoot);
+    CSmartPtr<CElement> spCopy(new CRootElement);
     double const readMs = Milliseconds([&] { spCopy->FromXmlStream(data, ctx); });
     bool const bAgrees = AgreeElements(top, *spCopy);
     std::printf(" %10.2f  %s\n", readMs, bAgrees ? "same" : "DIFFERS");
@@ -124,7 +109,7 @@ bool Process(char const * pszFile)
     CSerializationContext ctx;
     ctx.GetJsonContext().SetSupportRoundtrip(JsonRoundTrip_Attributes);
     ctx.GetJsonContext().SetStrict(true);
-    CSmartPtr<CElement> spTop(new CRoot);
+    CSmartPtr<CElement> spTop(new CRootElement);
     double const ms = Milliseconds([&] { spTop->FromXmlFile(strFile.c_str(), ctx); });
 
     Counts const counts = CountNodes(*spTop);

@@ -7,6 +7,21 @@
 #include <utility>
 #include <vector>
 
+/// The root of a document. An element reads itself at the position that it is given; the operations that read documents
+/// give the first child of the root, so the root is put in its place.
+class CRootElement : public QzXmlLib16::CElement
+{
+public:
+    CRootElement() : CElement(u"root") {}
+
+protected:
+    QzXmlLib16::CXmlElement * FromXml_Int(QzXmlLib16::CXmlElement * pElement, QzXmlLib16::CXmlElement *,
+        QzXmlLib16::CSerializationContext const & ctx, bool emptyChoiceAllowed) override
+    {
+        return CElement::FromXml_Int(pElement, pElement, ctx, emptyChoiceAllowed);
+    }
+};
+
 using AttributeKey = std::pair<std::u16string, std::u16string>;
 
 /// The attributes by namespace and name: their order means nothing.
