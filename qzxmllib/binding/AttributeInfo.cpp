@@ -4,6 +4,7 @@
 #include "qzxmllib/binding/EnumTextInternal.h"
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/document/WriteScratchInternal.h"
 #include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
@@ -125,12 +126,12 @@ void CAttributeInfoPrimitive::CheckRestriction(QzVariant value) const
 void CAttributeInfoPrimitive::AttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    QzVariant value;
+    CWriteLease const lease(*pWriter);
+    QzVariant & value = lease.Value();
     ReadProperty(pClass, value);
     if (IsLeftOut(value))
         return;
-    std::u16string strScratch;
-    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), strScratch);
+    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), lease.Text());
     if (IsDefaultLeftOut(ctx, text))
         return;
     CheckPrimitiveVariant(m_strAttributeName.c_str(), value, m_eItemType, m_restrictions);
@@ -165,7 +166,8 @@ CAttributeInfoEnum::CAttributeInfoEnum(char16_t const * name, char16_t const * n
 void CAttributeInfoEnum::AttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    QzVariant value;
+    CWriteLease const lease(*pWriter);
+    QzVariant & value = lease.Value();
     ReadProperty(pClass, value);
     if (IsLeftOut(value))
         return;

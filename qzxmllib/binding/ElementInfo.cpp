@@ -4,6 +4,7 @@
 #include "qzxmllib/binding/GeneratedClassInternal.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/binding/XmlGeneratedClass.h"
+#include "qzxmllib/document/WriteScratchInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
@@ -133,6 +134,21 @@ void CElementInfo::ReadProperty(CXmlGeneratedClass const * pClass, QzVariant & v
     InvokePropertyGet(const_cast<CXmlGeneratedClass *>(pClass), value);
 }
 
+CSmartPtr<CXmlObjectBase> CElementInfo::ObjectToWrite(CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    CWriteLease const lease(*pWriter);
+    ReadProperty(pClass, lease.Value());
+    return ObjectOf(lease.Value());
+}
+
+CSmartPtr<CXmlCollectionBase> CElementInfo::CollectionToWrite(
+    CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
+{
+    CWriteLease const lease(*pWriter);
+    ReadProperty(pClass, lease.Value());
+    return lease.Value().GetXmlCollection();
+}
+
 CXmlElement * CElementInfo::FromXml_Int(CXmlObjectBase * pObject, CXmlElement * pElement, CXmlElement * pChild,
     CSerializationContext const & ctx, bool emptyChoiceAllowed)
 {
@@ -166,7 +182,8 @@ void CElementInfo::WriteValueElement(CXmlWriter * pWriter, std::u16string_view t
 bool CElementInfo::ElementToXmlPrim(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    QzVariant value;
+    CWriteLease const lease(*pWriter);
+    QzVariant & value = lease.Value();
     ReadProperty(pClass, value);
     if (value.IsNil())
     {
@@ -175,8 +192,7 @@ bool CElementInfo::ElementToXmlPrim(
     }
     if (!value.IsValid())
         return false;
-    std::u16string strScratch;
-    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), strScratch);
+    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), lease.Text());
     bool const bDefault = !m_strDefaultValue.empty() && text == m_strDefaultValue;
     // The check comes first, so that a refused value leaves no part of an element behind. A default is not checked.
     if (!bDefault)
@@ -188,7 +204,8 @@ bool CElementInfo::ElementToXmlPrim(
 bool CElementInfo::ElementToXmlEnum(CSerializationContext const & ctx, CXmlGeneratedClass const * pClass,
     CXmlWriter * pWriter, EnumToStringFunction pfnToString) const
 {
-    QzVariant value;
+    CWriteLease const lease(*pWriter);
+    QzVariant & value = lease.Value();
     ReadProperty(pClass, value);
     if (value.IsNil())
     {
@@ -206,9 +223,7 @@ bool CElementInfo::ElementToXmlEnum(CSerializationContext const & ctx, CXmlGener
 bool CElementInfo::ElementToXmlCls(CSerializationContext const & ctx, CXmlGeneratedClass const * pClass,
     CXmlWriter * pWriter, bool emptyChoiceAllowed) const
 {
-    QzVariant value;
-    ReadProperty(pClass, value);
-    CSmartPtr<CXmlObjectBase> const spObject = ObjectOf(value);
+    CSmartPtr<CXmlObjectBase> const spObject = ObjectToWrite(pClass, pWriter);
     if (spObject == nullptr)
         return false;
     // The tag is the object's own name; this entry only brings the namespace.
@@ -220,9 +235,7 @@ bool CElementInfo::ElementToXmlCls(CSerializationContext const & ctx, CXmlGenera
 bool CElementInfo::ElementToXmlCol(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
-    QzVariant value;
-    ReadProperty(pClass, value);
-    CSmartPtr<CXmlCollectionBase> const spCollection = value.GetXmlCollection();
+    CSmartPtr<CXmlCollectionBase> const spCollection = CollectionToWrite(pClass, pWriter);
     if (spCollection->GetCount() < 1)
         return false;
     pWriter->SetArrayState(1);
@@ -254,9 +267,7 @@ void CElementInfo::ObjectAttributesToXml(XmlElementType eType, CSerializationCon
 {
     if (eType != XmlElementType_Pseudo)
         return;
-    QzVariant value;
-    ReadProperty(pClass, value);
-    CSmartPtr<CXmlObjectBase> const spObject = ObjectOf(value);
+    CSmartPtr<CXmlObjectBase> const spObject = ObjectToWrite(pClass, pWriter);
     if (spObject != nullptr)
         AttributesToXml_Int(spObject, pWriter, ctx);
 }
@@ -266,9 +277,7 @@ void CElementInfo::CollectionAttributesToXml(XmlElementType eType, CSerializatio
 {
     if (eType != XmlElementType_Pseudo)
         return;
-    QzVariant value;
-    ReadProperty(pClass, value);
-    AttributesToXml_Int(value.GetXmlCollection(), pWriter, ctx);
+    AttributesToXml_Int(CollectionToWrite(pClass, pWriter), pWriter, ctx);
 }
 
 bool CElementInfo::ReadNilMark(CSerializationContext const & ctx, CXmlElement const & element) const

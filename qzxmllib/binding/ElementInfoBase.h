@@ -205,6 +205,9 @@ protected:
     bool m_bIsPrimitive = false;
 
 private:
+    /// The object or the collection that the property holds, by the scratch of the writer.
+    CSmartPtr<CXmlObjectBase> ObjectToWrite(CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const;
+    CSmartPtr<CXmlCollectionBase> CollectionToWrite(CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const;
     void WriteNilElement(CXmlWriter * pWriter) const;
     /// The element with the text, or without bText an empty one.
     void WriteValueElement(CXmlWriter * pWriter, std::u16string_view text, ItemType eType, bool bText) const;

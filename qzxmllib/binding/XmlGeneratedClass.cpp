@@ -6,6 +6,7 @@
 #include "qzxmllib/binding/GeneratedClassInternal.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/document/WriteScratchInternal.h"
 #include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/ExceptionChainInternal.h"
@@ -262,16 +263,16 @@ void CXmlGeneratedClass::WriteStartTag(
 
 void CXmlGeneratedClass::WriteTextProperty(CParentElementInfo const & info, CXmlWriter * pWriter) const
 {
-    QzVariant value;
+    CWriteLease const lease(*pWriter);
+    QzVariant & value = lease.Value();
     ReadProperty(info.GetPrimitiveValuePropertyIndex(), value);
     if (value.IsNil())
     {
         pWriter->WriteXsiNil();
         return;
     }
-    std::u16string strScratch;
     pWriter->WriteTextView(
-        CVariantText::View(value, info.GetPrimitiveFormatOverride().c_str(), strScratch), value.GetTypeAsEnum());
+        CVariantText::View(value, info.GetPrimitiveFormatOverride().c_str(), lease.Text()), value.GetTypeAsEnum());
 }
 
 void CXmlGeneratedClass::ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t const * namespaceUri,

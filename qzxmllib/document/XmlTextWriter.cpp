@@ -1,13 +1,16 @@
 #include "qzxmllib/document/XmlTextWriter.h"
 
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
+#include <cstring>
 #include <typeinfo>
+#include <utility>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -29,7 +32,10 @@ constexpr std::u16string_view kXmlNamespace = u"http://www.w3.org/XML/1998/names
 constexpr std::u16string_view kCDataStart = u"<![CDATA[";
 
 /// Levels of indentation that are written in one piece.
-constexpr std::size_t kIndentLevels = 64;
+constexpr std::size_t kIndentLevels = 64; // a power of two
+
+/// Code units that a piece copied by CopyLoose may run over its end.
+constexpr std::size_t kSlack = 8;
 
 /// A code unit of a value that is not written as it stands. Two more are treated apart: 0 ends the text, and in
 /// element text 10 becomes the line end.
@@ -108,6 +114,49 @@ std::size_t FindCare(char16_t const * pText, std::size_t nUnits) noexcept
     return nAt;
 }
 
+/// Copies nUnits code units, eight at a time, so that what lies behind them is read, and the room behind written.
+char16_t * CopyLoose(char16_t * pOut, char16_t const * pIn, std::size_t nUnits) noexcept
+{
+    for (std::size_t nAt = 0; nAt < nUnits; nAt += kSlack)
+        std::memcpy(pOut + nAt, pIn + nAt, kSlack * sizeof(char16_t));
+    return pOut + nUnits;
+}
+
+/// Copies a value. False if a code unit of it is not written as it stands; the copy is of no use then.
+template <bool bAttribute>
+bool CopyPlain(char16_t * pOut, std::u16string_view text) noexcept
+{
+    std::size_t const nUnits = text.size();
+#if defined(__SSE2__)
+    auto const in = [&](std::size_t n) { return reinterpret_cast<__m128i const *>(text.data() + n); };
+    auto const out = [&](std::size_t n) { return reinterpret_cast<__m128i *>(pOut + n); };
+    if (nUnits >= 8)
+    {
+        for (std::size_t nAt = 0;;)
+        {
+            __m128i const units = _mm_loadu_si128(in(nAt));
+            _mm_storeu_si128(out(nAt), units);
+            if (CareBits<bAttribute>(units) != 0)
+                return false;
+            if (nAt == nUnits - 8)
+                return true;
+            // The last step may overlap the one before it.
+            nAt = std::min(nAt + 8, nUnits - 8);
+        }
+    }
+    if (nUnits >= 4)
+    {
+        __m128i const head = _mm_loadl_epi64(in(0));
+        __m128i const tail = _mm_loadl_epi64(in(nUnits - 4));
+        _mm_storel_epi64(out(0), head);
+        _mm_storel_epi64(out(nUnits - 4), tail);
+        return CareBits<bAttribute>(_mm_unpacklo_epi64(head, tail)) == 0;
+    }
+#endif
+    CStringBuffer::CopyUnits(pOut, text.data(), nUnits);
+    return FindCare<bAttribute>(text.data(), nUnits) == nUnits;
+}
+
 /// Text up to this length is written together with its tags.
 constexpr std::size_t kLongestInOnePiece = 1024;
 
@@ -162,13 +211,71 @@ void PutPieces(CTextStream & stream, std::size_t nMax, Write && write)
 
 } // namespace
 
+struct CXmlTextWriter::TagText
+{
+    /// Start tag, end tag, the line end if the output is formatted, and kSlack code units.
+    std::u16string strTags;
+    std::uint32_t nStartTag = 0;
+    std::uint32_t nEndTag = 0;
+    std::uint32_t nAlias = 0;
+
+    std::u16string_view GetAlias() const { return {strTags.data() + 1, nAlias}; }
+};
+
+/// Kept by the thread from one writer to the next: documents of one kind follow each other.
+struct CXmlTextWriter::NameCaches
+{
+    CNameCache<TagText> elements;
+    /// The beginning of an attribute up to the quote in front of its value, and kSlack code units.
+    CNameCache<std::u16string> attributes;
+    /// What the tags end with.
+    std::u16string strTagEnd;
+    /// The declarations of the last root, with their version.
+    std::u16string strDefaultNamespace;
+    CNamespaceMap namespaces;
+    std::uint64_t nVersion = 0;
+
+    static constexpr std::size_t kMostKept = 512;
+    static thread_local NameCaches * t_pSpare;
+    static thread_local bool t_bThreadEnds;
+
+    static std::unique_ptr<NameCaches> Take()
+    {
+        NameCaches * const pSpare = std::exchange(t_pSpare, nullptr);
+        return std::unique_ptr<NameCaches>(pSpare != nullptr ? pSpare : new NameCaches);
+    }
+    static void GiveBack(std::unique_ptr<NameCaches> spNames) noexcept
+    {
+        struct Cleaner
+        {
+            ~Cleaner()
+            {
+                t_bThreadEnds = true;
+                delete std::exchange(t_pSpare, nullptr);
+            }
+        };
+        if (t_bThreadEnds || t_pSpare != nullptr || spNames->elements.GetSize() > kMostKept ||
+            spNames->attributes.GetSize() > kMostKept)
+            return;
+        static thread_local Cleaner const t_cleaner;
+        t_pSpare = spNames.release();
+    }
+};
+
+thread_local CXmlTextWriter::NameCaches * CXmlTextWriter::NameCaches::t_pSpare = nullptr;
+thread_local bool CXmlTextWriter::NameCaches::t_bThreadEnds = false;
+
 CXmlTextWriter::CXmlTextWriter(CTextStream * pStream)
-    : CXmlWriter(u"CXmlTextWriter"), m_strEOL(u"\n"), m_eEOLType(EOLType_LF), m_bFormat(true), m_pStream(pStream)
+    : CXmlWriter(u"CXmlTextWriter"), m_strEOL(u"\n"), m_eEOLType(EOLType_LF), m_bFormat(true), m_pStream(pStream),
+      m_spNames(NameCaches::Take())
 {
     SetIndentChars(u"\t");
 }
 
-CXmlTextWriter::~CXmlTextWriter() = default;
+CXmlTextWriter::~CXmlTextWriter()
+{
+    NameCaches::GiveBack(std::move(m_spNames));
+}
 
 inline void CXmlTextWriter::Put(char16_t const * pText, std::size_t nUnits)
 {
@@ -196,7 +303,7 @@ void CXmlTextWriter::PutIndent(To & to, std::int32_t nDepth)
 {
     auto nLevels = static_cast<std::size_t>(nDepth);
     for (; nLevels > kIndentLevels; nLevels -= kIndentLevels)
-        to.Put(std::u16string_view(m_strIndentRun));
+        to.Put(std::u16string_view(m_strIndentRun.data(), kIndentLevels * m_nIndentUnits));
     to.Put(std::u16string_view(m_strIndentRun.data(), nLevels * m_nIndentUnits));
 }
 
@@ -285,6 +392,22 @@ void CXmlTextWriter::WriteInLineSchema(std::u16string const & strText)
     FlushIfFull();
 }
 
+/// Gives declarations that are the same as those of the last root their version, so that what was made of names holds.
+void CXmlTextWriter::KnowDeclarations(CXmlWriterContext & root)
+{
+    NameCaches & names = *m_spNames;
+    if (names.nVersion != 0 && names.strDefaultNamespace == root.GetDefaultNamespace() &&
+        names.namespaces == root.GetNamespaces())
+    {
+        SetDeclarationsVersion(root, names.nVersion);
+        return;
+    }
+    names.nVersion = 0;
+    names.strDefaultNamespace = root.GetDefaultNamespace();
+    names.namespaces = root.GetNamespaces();
+    names.nVersion = root.GetDeclarationsVersion();
+}
+
 void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16string const & strUri)
 {
     bool const bNested = m_pContext != nullptr;
@@ -295,30 +418,25 @@ void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16s
         m_pContext->m_bStartTagOpen = false;
     }
     CXmlWriterContext & context = PushContext(strName, strUri);
-    std::u16string_view const name = UpToZero(strName);
-    std::u16string_view alias;
+    TagText const * pTags = bNested ? FindTags(context, strName, strUri) : nullptr;
     bool bDeclare = false;
-    if (!NeedsNoPrefix(context, strUri))
+    if (pTags == nullptr)
     {
-        CPrefix const prefix = FindPrefix(context, strUri);
-        context.m_strWrittenAlias = *prefix.pAlias;
-        alias = UpToZero(context.m_strWrittenAlias);
-        bDeclare = prefix.bGenerated;
+        bDeclare = !NeedsNoPrefix(context, strUri) && FindPrefix(context, strUri).bGenerated;
+        if (!bNested)
+            KnowDeclarations(context);
+        pTags = FindTags(context, strName, strUri);
     }
+    context.m_strWrittenAlias = pTags->GetAlias();
     if (bEndsTag)
         PutTagEnd();
-    PutPieces(*m_pStream, IndentUnits(context) + alias.size() + name.size() + 2,
+    std::size_t const nTag = pTags->nStartTag - 1;
+    PutPieces(*m_pStream, IndentUnits(context) + nTag,
         [&](auto & to)
         {
             if (m_bFormat)
                 PutIndent(to, context.m_nDepth);
-            to.Put(u'<');
-            if (!alias.empty())
-            {
-                to.Put(alias);
-                to.Put(u':');
-            }
-            to.Put(name);
+            to.Put(std::u16string_view(pTags->strTags.data(), nTag));
         });
     if (bDeclare)
     {
@@ -409,6 +527,8 @@ void CXmlTextWriter::WriteAttributeView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType)
 {
     CXmlWriterContext & context = RequireStartTag();
+    if (WriteShortAttribute(context, strName, strUri, value))
+        return;
     std::u16string_view const name = UpToZero(strName);
     std::u16string_view alias;
     if (!strUri.empty())
@@ -439,63 +559,116 @@ void CXmlTextWriter::WriteAttributeView(
     FlushIfFull();
 }
 
+/// The tags of an element, or null if its namespace has no prefix yet.
+CXmlTextWriter::TagText const * CXmlTextWriter::FindTags(
+    CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri)
+{
+    std::u16string_view const eol = m_bFormat ? std::u16string_view(m_strEOL) : std::u16string_view();
+    if (!m_bTagsFit && m_spNames->strTagEnd != eol)
+    {
+        m_spNames->elements.Clear();
+        m_spNames->strTagEnd = eol;
+    }
+    m_bTagsFit = true;
+    std::uint64_t const nVersion = context.GetDeclarationsVersion();
+    if (TagText const * const pTags = m_spNames->elements.Find(nVersion, strName, strUri))
+        return pTags;
+    std::u16string_view alias;
+    if (!NeedsNoPrefix(context, strUri))
+    {
+        std::u16string const * const pAlias = FindKnownPrefix(context, strUri);
+        if (pAlias == nullptr)
+            return nullptr;
+        alias = UpToZero(*pAlias);
+    }
+    std::u16string_view const name = UpToZero(strName);
+    std::u16string_view const colon = alias.empty() ? u"" : u":";
+    TagText & tags = m_spNames->elements.Keep(nVersion, strName, strUri);
+    tags.nStartTag = static_cast<std::uint32_t>(alias.size() + colon.size() + name.size() + 2);
+    tags.nEndTag = static_cast<std::uint32_t>(tags.nStartTag + 1 + eol.size());
+    tags.nAlias = static_cast<std::uint32_t>(alias.size());
+    std::u16string & strTags = tags.strTags;
+    strTags.reserve(tags.nStartTag + tags.nEndTag + kSlack);
+    strTags.assign(1, u'<').append(alias).append(colon).append(name).append(u"></", 3);
+    strTags.append(alias).append(colon).append(name).append(1, u'>').append(eol).append(kSlack, u' ');
+    return &tags;
+}
+
+/// Writes an attribute in one piece. False, and nothing done, if it is not of the usual kind.
+bool CXmlTextWriter::WriteShortAttribute(CXmlWriterContext const & context, std::u16string const & strName,
+    std::u16string const & strUri, std::u16string_view value)
+{
+    if (value.size() > kLongestInOnePiece)
+        return false;
+    std::uint64_t const nVersion = context.GetDeclarationsVersion();
+    std::u16string * pHead = m_spNames->attributes.Find(nVersion, strName, strUri);
+    if (pHead == nullptr)
+    {
+        std::u16string const * const pAlias = strUri.empty() ? &strUri : FindKnownPrefix(context, strUri);
+        if (pAlias == nullptr)
+            return false;
+        pHead = &m_spNames->attributes.Keep(nVersion, strName, strUri);
+        pHead->assign(1, u' ');
+        if (!strUri.empty())
+            pHead->append(UpToZero(*pAlias)).append(1, u':');
+        pHead->append(UpToZero(strName)).append(u"=\"").append(kSlack, u' ');
+    }
+    char16_t * const pRoom = m_pStream->Room(pHead->size() + value.size() + 1 + kSlack);
+    if (pRoom == nullptr)
+        return false;
+    char16_t * const p = CopyLoose(pRoom, pHead->data(), pHead->size() - kSlack);
+    if (!CopyPlain<true>(p, value))
+        return false;
+    p[value.size()] = u'"';
+    m_pStream->Commit(static_cast<std::size_t>(p - pRoom) + value.size() + 1);
+    FlushIfFull();
+    return true;
+}
+
+/// Writes an element that holds a text in one piece. False, and nothing done, if it is not of the usual kind.
+bool CXmlTextWriter::WriteShortElement(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view text)
+{
+    if (!m_bWholeElements || m_pContext == nullptr || text.empty() || text.size() > kLongestInOnePiece)
+        return false;
+    CXmlWriterContext & parent = *m_pContext;
+    auto const nDepth = static_cast<std::size_t>(parent.m_nDepth) + 1;
+    if (nDepth > kIndentLevels)
+        return false;
+    TagText const * const pTags = FindTags(parent, strName, strUri);
+    if (pTags == nullptr)
+        return false;
+    std::size_t const nIndent = m_bFormat ? nDepth * m_nIndentUnits : 0;
+    std::size_t const nMost = nIndent + pTags->strTags.size() + text.size() + 1 + m_strEOL.size();
+    char16_t * const pRoom = m_pStream->Room(nMost + kSlack);
+    if (pRoom == nullptr)
+        return false;
+    char16_t * p = pRoom;
+    if (parent.m_bStartTagOpen)
+    {
+        *p++ = u'>';
+        if (m_bFormat)
+            for (char16_t const c : m_strEOL)
+                *p++ = c;
+    }
+    p = CopyLoose(p, m_strIndentRun.data(), nIndent);
+    p = CopyLoose(p, pTags->strTags.data(), pTags->nStartTag);
+    if (!CopyPlain<false>(p, text))
+        return false;
+    p = CopyLoose(p + text.size(), pTags->strTags.data() + pTags->nStartTag, pTags->nEndTag);
+    m_pStream->Commit(static_cast<std::size_t>(p - pRoom));
+    CountPassingContext();
+    ++parent.m_nChildCount;
+    parent.m_bStartTagOpen = false;
+    FlushIfFull();
+    return true;
+}
+
 void CXmlTextWriter::WriteElementView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
 {
-    bool bOnePiece = m_bWholeElements && m_pContext != nullptr && !text.empty() && text.size() <= kLongestInOnePiece &&
-                     FindCare<false>(text.data(), text.size()) == text.size();
-    std::u16string_view alias;
-    if (bOnePiece && !NeedsNoPrefix(*m_pContext, strUri))
-    {
-        std::u16string const * const pAlias = FindKnownPrefix(*m_pContext, strUri);
-        bOnePiece = pAlias != nullptr;
-        if (bOnePiece)
-            alias = UpToZero(*pAlias);
-    }
-    if (!bOnePiece)
-    {
+    if (!WriteShortElement(strName, strUri, text))
         CXmlWriter::WriteElementView(strName, strUri, text, eType);
-        return;
-    }
-    CountPassingContext();
-    CXmlWriterContext & parent = *m_pContext;
-    bool const bEndsTag = parent.m_bStartTagOpen;
-    ++parent.m_nChildCount;
-    parent.m_bStartTagOpen = false;
-    std::int32_t const nDepth = parent.m_nDepth + 1;
-    std::size_t const nIndent = m_bFormat ? static_cast<std::size_t>(nDepth) * m_nIndentUnits : 0;
-    std::u16string_view const name = UpToZero(strName);
-    PutPieces(*m_pStream, nIndent + text.size() + 2 * (alias.size() + name.size()) + 12,
-        [&](auto & to)
-        {
-            auto const putName = [&]
-            {
-                if (!alias.empty())
-                {
-                    to.Put(alias);
-                    to.Put(u':');
-                }
-                to.Put(name);
-                to.Put(u'>');
-            };
-            if (bEndsTag)
-            {
-                to.Put(u'>');
-                if (m_bFormat)
-                    to.Put(std::u16string_view(m_strEOL));
-            }
-            if (m_bFormat)
-                PutIndent(to, nDepth);
-            to.Put(u'<');
-            putName();
-            to.Put(text);
-            to.Put(u'<');
-            to.Put(u'/');
-            putName();
-            if (m_bFormat)
-                to.Put(std::u16string_view(m_strEOL));
-        });
-    FlushIfFull();
 }
 
 void CXmlTextWriter::WriteXsiType(std::u16string const & strTypeUri, std::u16string const & strTypeName, ItemType eType)
@@ -530,6 +703,7 @@ void CXmlTextWriter::SetFormat(bool bFormat)
 {
     assert(m_pContext == nullptr);
     m_bFormat = bFormat;
+    m_bTagsFit = false;
 }
 
 void CXmlTextWriter::SetEOL(EOLType eEOLType)
@@ -538,15 +712,19 @@ void CXmlTextWriter::SetEOL(EOLType eEOLType)
         throw CQzException(u"Invalid EOL type.");
     m_strEOL = eEOLType == EOLType_CRLF ? u"\r\n" : u"\n";
     m_eEOLType = eEOLType;
+    m_bTagsFit = false;
 }
 
 void CXmlTextWriter::SetIndentChars(std::u16string const & strIndentChars)
 {
-    std::u16string strRun;
-    for (std::size_t nLevel = 0; nLevel < kIndentLevels; ++nLevel)
-        strRun += UpToZero(strIndentChars);
+    std::u16string strRun(UpToZero(strIndentChars));
+    std::size_t const nUnits = strRun.size();
+    strRun.reserve(kIndentLevels * nUnits + kSlack);
+    for (std::size_t nLevels = 1; nLevels < kIndentLevels; nLevels *= 2)
+        strRun.append(strRun.data(), nLevels * nUnits);
+    strRun.append(kSlack, u' ');
     m_strIndentChars = strIndentChars;
-    m_nIndentUnits = strRun.size() / kIndentLevels;
+    m_nIndentUnits = nUnits;
     m_strIndentRun = std::move(strRun);
 }
 

@@ -5,6 +5,7 @@
 #include "qzxmllib/support/Forward.h"
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -60,6 +61,10 @@ public:
     void WriteRaw(std::u16string const & strText);
 
 private:
+    /// The tags of an element without attributes.
+    struct TagText;
+    struct NameCaches;
+
     void Put(char16_t const * pText, std::size_t nUnits);
     template <std::size_t nSize>
     void Put(char16_t const (&szText)[nSize])
@@ -75,9 +80,15 @@ private:
     void PutDeclaration(std::u16string const & strAlias, std::u16string const & strUri);
     void WriteEscaped(std::u16string_view text, bool bAttribute);
     void FlushIfFull();
+    void KnowDeclarations(CXmlWriterContext & root);
+    TagText const * FindTags(
+        CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
+    bool WriteShortAttribute(CXmlWriterContext const & context, std::u16string const & strName,
+        std::u16string const & strUri, std::u16string_view value);
+    bool WriteShortElement(std::u16string const & strName, std::u16string const & strUri, std::u16string_view text);
 
     std::u16string m_strIndentChars;
-    /// Several levels of indentation in one piece.
+    /// Several levels of indentation in one piece, and some code units more that may be copied with it.
     std::u16string m_strIndentRun;
     std::size_t m_nIndentUnits = 0; ///< code units of one level
     std::u16string m_strEOL;
@@ -86,6 +97,9 @@ private:
     /// No class derived from this one may have other ideas of what an element is made of.
     bool m_bWholeElements = false;
     CTextStream * m_pStream;
+    std::unique_ptr<NameCaches> m_spNames;
+    /// Whether the tags kept there end as those of this writer do.
+    bool m_bTagsFit = false;
 };
 
 } // namespace QzXmlLib16

@@ -1,10 +1,12 @@
 #include "qzxmllib/document/XmlWriter.h"
 
+#include "qzxmllib/document/WriteScratchInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <new>
 
@@ -93,11 +95,23 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::u16string const & strName, std::u16string const & strNamespace,
     std::u16string const & strDefaultNamespace, CNamespaceMap const & namespaces, CXmlWriterContext * pParent)
     : CXmlWriterContext(std::unique_ptr<CTexts>(new CTexts{strNamespace, strName, std::u16string()}),
-          std::unique_ptr<CScope>(new CScope{strDefaultNamespace, namespaces}))
+          std::unique_ptr<CScope>(new CScope(strDefaultNamespace, namespaces)))
 {
     m_pParent = pParent;
     if (pParent != nullptr)
         pParent->m_pChild = this;
+}
+
+CXmlWriter::CXmlWriterContext::CScope::CScope(std::u16string const & strDefault, CNamespaceMap const & map)
+    : strDefaultNamespace(strDefault), namespaces(map)
+{
+    Renew();
+}
+
+void CXmlWriter::CXmlWriterContext::CScope::Renew() noexcept
+{
+    static std::atomic<std::uint64_t> s_nLastVersion{0};
+    nVersion = s_nLastVersion.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext()
@@ -132,17 +146,21 @@ void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::u16string const & s
 {
     OwnScope(false);
     m_spScope->strDefaultNamespace = strUri;
+    m_spScope->Renew();
 }
 
 void CXmlWriter::CXmlWriterContext::AddNamespace(std::u16string const & strUri, std::u16string const & strAlias)
 {
     OwnScope(true);
     m_spScope->namespaces[strUri] = strAlias;
+    m_spScope->Renew();
 }
 
 std::u16string const & CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::u16string const & strNamespace)
 {
-    return m_pScope->m_spScope->namespaces[strNamespace];
+    CScope & scope = *m_pScope->m_spScope;
+    scope.Renew();
+    return scope.namespaces[strNamespace];
 }
 
 /// Gives the record declarations of its own, which begin as a copy of those that it reads.
@@ -150,7 +168,7 @@ void CXmlWriter::CXmlWriterContext::OwnScope(bool bCopyDefaultNamespace)
 {
     if (!Inherits())
         return;
-    m_spScope.reset(new CScope{bCopyDefaultNamespace ? GetDefaultNamespace() : std::u16string(), GetNamespaces()});
+    m_spScope.reset(new CScope(bCopyDefaultNamespace ? GetDefaultNamespace() : std::u16string(), GetNamespaces()));
     CXmlWriterContext const * const pOldScope = m_pScope;
     for (CXmlWriterContext * p = this; p != nullptr && p->m_pScope == pOldScope; p = p->m_pChild)
         p->m_pScope = this;
@@ -254,7 +272,7 @@ CXmlWriter::CXmlWriterContext & CXmlWriter::PushContext(std::u16string const & s
         m_pContext != nullptr ? new (slot.abyRecord) CXmlWriterContext(slot.texts, m_pContext)
                               : new (slot.abyRecord) CXmlWriterContext(slot.texts,
                                     std::unique_ptr<CXmlWriterContext::CScope>(
-                                        new CXmlWriterContext::CScope{m_strDefaultNamespace, m_mapNamespaces}));
+                                        new CXmlWriterContext::CScope(m_strDefaultNamespace, m_mapNamespaces)));
     pRecord->m_bPooled = true;
     ++m_nSlotsUsed;
     m_pContext = pRecord;

@@ -15,6 +15,8 @@
 namespace QzXmlLib16
 {
 
+struct CWriteScratch;
+
 /// The one output of the binding engine. Holds what all output forms share: the default namespace, the map of
 /// namespaces, the stack of open elements and the scope of declarations. One writer serves one thread.
 class QZXMLLIB_API CXmlWriter : public CInstanceMonitor
@@ -52,6 +54,8 @@ public:
 
         std::u16string const & GetDefaultNamespace() const noexcept { return m_pScope->m_spScope->strDefaultNamespace; }
         CNamespaceMap const & GetNamespaces() const noexcept { return m_pScope->m_spScope->namespaces; }
+        /// A number that no other declarations have had. It changes with them and is never 0.
+        std::uint64_t GetDeclarationsVersion() const noexcept { return m_pScope->m_spScope->nVersion; }
         /// Holds for this element and its descendants.
         void SetDefaultNamespace(std::u16string const & strUri);
         void AddNamespace(std::u16string const & strUri, std::u16string const & strAlias);
@@ -80,8 +84,13 @@ public:
         /// Declarations of the record's own.
         struct CScope
         {
+            CScope(std::u16string const & strDefault, CNamespaceMap const & map);
+            /// To be called behind every change.
+            void Renew() noexcept;
+
             std::u16string strDefaultNamespace;
             CNamespaceMap namespaces;
+            std::uint64_t nVersion; ///< differs from that of any other declarations, and from 0
         };
 
         CXmlWriterContext(CTexts & texts, CXmlWriterContext * pParent);
@@ -178,6 +187,11 @@ protected:
     CPrefix FindPrefix(CXmlWriterContext & context, std::u16string const & strUri);
     /// The alias of a namespace, or null if there is none.
     std::u16string const * FindKnownPrefix(CXmlWriterContext const & context, std::u16string const & strUri);
+    /// Takes the version of other declarations that are the same.
+    static void SetDeclarationsVersion(CXmlWriterContext & context, std::uint64_t nVersion) noexcept
+    {
+        context.m_pScope->m_spScope->nVersion = nVersion;
+    }
     /// Counts a record that comes and goes, for an element that is written without one.
     static void CountPassingContext();
 
@@ -186,6 +200,8 @@ protected:
     CNamespaceMap m_mapNamespaces;
 
 private:
+    friend class CWriteLease;
+
     struct Slot;
     struct LastAlias
     {
@@ -204,6 +220,7 @@ private:
     std::vector<LastAlias> m_lastAliases;
     LastAlias m_lastAlias;
     std::uint64_t m_nScopeGeneration = 0;
+    std::unique_ptr<CWriteScratch> m_spScratch; ///< null before the first value
 };
 
 } // namespace QzXmlLib16

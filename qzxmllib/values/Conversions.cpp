@@ -221,6 +221,24 @@ void PrintFormatted(double dValue, std::u16string_view format, std::u16string & 
     strOut.append(parts.strAfter);
 }
 
+/// Prints the shortest text that reads back as the value if that is sure to be what %.16g gives: a value without an
+/// exponent, of at most 15 digits that begin below 4.5. The value is then off its text by at most 2^-53 of itself,
+/// which is less than half a unit of the sixteenth digit. Null otherwise.
+char * PrintShortest(double dValue, char * pFirst, char * pLast)
+{
+    double const dMagnitude = std::fabs(dValue);
+    if (!(dMagnitude >= 1e-4 && dMagnitude < 1e15))
+        return nullptr;
+    auto const result = std::to_chars(pFirst, pLast, dValue, std::chars_format::fixed);
+    char const * p = pFirst;
+    while (p != result.ptr && (*p == '-' || *p == '0' || *p == '.'))
+        ++p;
+    char const * const pSecond = p + (result.ptr - p > 1 && p[1] == '.' ? 2 : 1);
+    bool const bBelow = *p < '4' || (*p == '4' && (pSecond == result.ptr || *pSecond < '5'));
+    // A point may be among the units counted.
+    return bBelow && result.ptr - p <= 15 ? result.ptr : nullptr;
+}
+
 void PrintDouble(double dValue, std::u16string_view format, int nDigits, std::u16string & strOut)
 {
     if (std::isnan(dValue))
@@ -239,8 +257,11 @@ void PrintDouble(double dValue, std::u16string_view format, int nDigits, std::u1
     {
         // Gives what printf gives for %.7g and %.16g.
         char aText[64];
-        auto const result = std::to_chars(aText, aText + sizeof(aText), dValue, std::chars_format::general, nDigits);
-        Widen(aText, result.ptr, strOut);
+        char * const pLast = aText + sizeof(aText);
+        char * pEnd = nDigits == 16 ? PrintShortest(dValue, aText, pLast) : nullptr;
+        if (pEnd == nullptr)
+            pEnd = std::to_chars(aText, pLast, dValue, std::chars_format::general, nDigits).ptr;
+        Widen(aText, pEnd, strOut);
     }
 }
 
@@ -341,7 +362,10 @@ void PrintBoolean(bool const & bValue, std::u16string_view, std::u16string & str
 
 void PrintDecimal(CDecimal const & value, std::u16string_view format, std::u16string & strOut)
 {
-    strOut = format.empty() ? value.ToString() : value.ToString(ReadPlaces(format));
+    if (format.empty())
+        value.Print(strOut);
+    else
+        strOut = value.ToString(ReadPlaces(format));
 }
 
 std::u16string CConversions::hexBinaryToString(CBinaryData const & value)

@@ -30,6 +30,7 @@ void PrintDay(std::uint8_t const & nValue, std::u16string_view, std::u16string &
 void PrintChar(char16_t const & cValue, std::u16string_view, std::u16string & strOut);
 void PrintString(std::u16string const & strValue, std::u16string_view, std::u16string & strOut);
 void PrintBoolean(bool const & bValue, std::u16string_view, std::u16string & strOut);
+void PrintDateTime(CDateTime const & value, std::u16string_view, std::u16string & strOut);
 void PrintDecimal(CDecimal const & value, std::u16string_view format, std::u16string & strOut);
 
 /// For kinds whose own operation makes the text.

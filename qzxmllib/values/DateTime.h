@@ -10,6 +10,7 @@ namespace QzXmlLib16
 {
 
 class CDateTimeSpan;
+class CDateTimeTextBuffer;
 struct DateTimeFields;
 
 /// Date and time of day in separate fields.
@@ -195,6 +196,8 @@ public:
     CDateTimeSpan operator-(CDateTime const & other) const;
 
 private:
+    friend void PrintDateTime(CDateTime const & value, std::u16string_view, std::u16string & strOut);
+
     // Marks in the place of the minutes of an offset.
     static constexpr unsigned char kNoZone = 0xFF;
     static constexpr unsigned char kZoneZ = 0xFE;
@@ -205,6 +208,8 @@ private:
     DateTimeFields GetNormalizedFields() const;
     void SetValidated(DateTimeFields const & fields);
     void Require(unsigned dwParts, char16_t const * pszOperation) const;
+    bool IsSet() const noexcept;
+    void Print(CDateTimeTextBuffer & buffer) const noexcept;
 
     std::int16_t m_nYear = 0;
     std::uint16_t m_nMilliSecond = 0;

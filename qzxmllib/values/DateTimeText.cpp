@@ -1,6 +1,7 @@
 #include "qzxmllib/values/DateTime.h"
 
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/ConversionsInternal.h"
 #include "qzxmllib/values/DateTimeFieldsInternal.h"
 #include "qzxmllib/values/DateTimeTextInternal.h"
 
@@ -234,6 +235,20 @@ void CDateTime::ParseXSDDateTime(std::u16string_view text)
     Store(reader.m_fields);
 }
 
+bool CDateTime::IsSet() const noexcept
+{
+    bool const bAllZero = (m_nYear | m_nMonth | m_nDay | m_nHour | m_nMinute | m_nSecond | m_nMilliSecond |
+                              m_nMicroSecond | m_nNanoSecond) == 0;
+    return m_eType != dt_yearZero && (!bAllZero || m_eType == dt_time);
+}
+
+void PrintDateTime(CDateTime const & value, std::u16string_view, std::u16string & strOut)
+{
+    CDateTimeTextBuffer buffer;
+    value.Print(buffer);
+    strOut.assign(buffer.GetText());
+}
+
 std::u16string CDateTime::ToString() const
 {
     return ToString(u"s");
@@ -241,18 +256,25 @@ std::u16string CDateTime::ToString() const
 
 std::u16string CDateTime::ToString(char16_t const * pszFormat) const
 {
-    unsigned const dwParts = GetDateTimeParts(m_eType);
-    bool const bAllZero = (m_nYear | m_nMonth | m_nDay | m_nHour | m_nMinute | m_nSecond | m_nMilliSecond |
-                              m_nMicroSecond | m_nNanoSecond) == 0;
-    if (m_eType == dt_yearZero || (bAllZero && m_eType != dt_time))
-        return u"Error: Date Not Set";
     std::u16string_view const format(pszFormat != nullptr ? pszFormat : u"");
-    if (format.empty() || format == u"G")
+    if (IsSet() && (format.empty() || format == u"G"))
         return {};
-    if (format != u"s")
+    if (IsSet() && format != u"s")
         return FormatString(u"Unknown Format: %s", format);
+    std::u16string strText;
+    PrintDateTime(*this, format, strText);
+    return strText;
+}
 
-    CDateTimeTextBuffer buffer;
+void CDateTime::Print(CDateTimeTextBuffer & buffer) const noexcept
+{
+    if (!IsSet())
+    {
+        for (char16_t const c : std::u16string_view(u"Error: Date Not Set"))
+            buffer.Append(c);
+        return;
+    }
+    unsigned const dwParts = GetDateTimeParts(m_eType);
     if ((dwParts & DateTimePart_Year) != 0)
     {
         if (m_nYear < 0)
@@ -300,7 +322,6 @@ std::u16string CDateTime::ToString(char16_t const * pszFormat) const
     {
         buffer.Append(u'Z');
     }
-    return std::u16string(buffer.GetText());
 }
 
 } // namespace QzXmlLib16

@@ -1,9 +1,11 @@
 #include "qzxmllib/values/Decimal.h"
 
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/ConversionsInternal.h"
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <limits>
 
 namespace QzXmlLib16
@@ -199,16 +201,40 @@ CDecimal CDecimal::operator--(int)
 
 std::u16string CDecimal::ToString() const
 {
+    std::u16string strText;
+    Print(strText);
+    return strText;
+}
+
+void CDecimal::Print(std::u16string & strOut) const
+{
     if (m_fractionPart.IsZero())
-        return m_integerPart.ToString();
+    {
+        strOut = m_integerPart.ToString();
+        return;
+    }
     std::size_t nSign = m_integerPart.HasMinus() ? 1 : 0;
     std::size_t nInteger = std::max<std::size_t>(m_integerPart.m_digits.CountDigits(), 1);
     std::size_t nFraction = ToCount(m_nFractionDivider);
-    std::u16string strText(nSign + nInteger + 1 + nFraction, u'-');
-    char16_t * p = m_integerPart.m_digits.Write(&strText[nSign], nInteger);
-    *p++ = u'.';
-    m_fractionPart.m_digits.Write(p, nFraction);
-    return strText;
+    std::size_t nUnits = nSign + nInteger + 1 + nFraction;
+    auto const write = [&](char16_t * pText)
+    {
+        pText[0] = u'-';
+        char16_t * p = m_integerPart.m_digits.Write(pText + nSign, nInteger);
+        *p++ = u'.';
+        m_fractionPart.m_digits.Write(p, nFraction);
+    };
+    char16_t aShort[64];
+    if (nUnits <= std::size(aShort))
+    {
+        write(aShort);
+        strOut.assign(aShort, nUnits);
+    }
+    else
+    {
+        strOut.resize(nUnits);
+        write(&strOut[0]);
+    }
 }
 
 std::u16string CDecimal::ToString(int nPlaces) const

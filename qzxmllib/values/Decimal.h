@@ -89,11 +89,14 @@ public:
     CBigInteger ToBigInteger() const;
 
 private:
+    friend void PrintDecimal(CDecimal const & value, std::u16string_view format, std::u16string & strOut);
+
     CDecimal(CBigInteger integerPart, CBigInteger fractionPart, int nFractionDivider) noexcept;
 
     static CDecimal FromScaled(std::int32_t nSign, CBigDigits digits, int nPlaces);
     static void Normalize(CDecimal & a, CDecimal & b);
     void Parse(std::u16string_view text);
+    void Print(std::u16string & strOut) const;
     void ApplyExponent(bool bMinus, std::int64_t nExponent, std::u16string_view text);
     void Rationalise();
     void LimitPlaces();

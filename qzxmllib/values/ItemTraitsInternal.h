@@ -88,11 +88,11 @@ template <> struct ItemTraits<ItemType_duration>
 { static constexpr char16_t const * pszName = u"duration"; };
 
 template <> struct ItemTraits<ItemType_yearMonth>
-    : ItemRow<CDateTime, CConversions::yearMonthFromString, PrintBy<CDateTime, CConversions::yearMonthToString>>
+    : ItemRow<CDateTime, CConversions::yearMonthFromString, PrintDateTime>
 { static constexpr char16_t const * pszName = u"yearMonth"; };
 
 template <> struct ItemTraits<ItemType_monthDay>
-    : ItemRow<CDateTime, CConversions::monthDayFromString, PrintBy<CDateTime, CConversions::monthDayToString>>
+    : ItemRow<CDateTime, CConversions::monthDayFromString, PrintDateTime>
 { static constexpr char16_t const * pszName = u"monthDay"; };
 
 template <> struct ItemTraits<ItemType_year>
@@ -106,15 +106,15 @@ template <> struct ItemTraits<ItemType_day> : ItemRow<std::uint8_t, CConversions
 { static constexpr char16_t const * pszName = u"day"; };
 
 template <> struct ItemTraits<ItemType_date>
-    : ItemRow<CDateTime, CConversions::dateFromString, PrintBy<CDateTime, CConversions::dateToString>>
+    : ItemRow<CDateTime, CConversions::dateFromString, PrintDateTime>
 { static constexpr char16_t const * pszName = u"date"; };
 
 template <> struct ItemTraits<ItemType_datetime>
-    : ItemRow<CDateTime, CConversions::datetimeFromString, PrintBy<CDateTime, CConversions::datetimeToString>>
+    : ItemRow<CDateTime, CConversions::datetimeFromString, PrintDateTime>
 { static constexpr char16_t const * pszName = u"datetime"; };
 
 template <> struct ItemTraits<ItemType_time>
-    : ItemRow<CDateTime, CConversions::timeFromString, PrintBy<CDateTime, CConversions::timeToString>>
+    : ItemRow<CDateTime, CConversions::timeFromString, PrintDateTime>
 { static constexpr char16_t const * pszName = u"time"; };
 
 template <> struct ItemTraits<ItemType_char> : ItemRow<char16_t, CConversions::charFromString, PrintChar>

@@ -2,10 +2,6 @@
 
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/support/QzException.h"
-#include "qzxmllib/values/BigInteger.h"
-#include "qzxmllib/values/DateTime.h"
-#include "qzxmllib/values/DateTimeSpan.h"
-#include "qzxmllib/values/Decimal.h"
 #include "qzxmllib/values/ItemTraitsInternal.h"
 #include "qzxmllib/values/QzVariantInternal.h"
 
@@ -20,8 +16,8 @@ namespace
 template <class Value>
 constexpr bool kIsInline = std::is_arithmetic_v<Value>;
 
-template <class Value>
-constexpr bool kIsPlain = std::is_same_v<Value, std::u16string> || std::is_same_v<Value, CBinaryData>;
+/// Room that a variant keeps for the next text when it is used again.
+constexpr std::size_t kMostRoomKept = 4096;
 
 template <class Value>
 std::uint64_t ToBits(Value value) noexcept
@@ -46,8 +42,11 @@ QzVariant::QzVariant() noexcept = default;
 
 QzVariant::QzVariant(QzVariant const & other) : m_isNil(other.m_isNil), m_type(other.m_type)
 {
-    if (!m_isNil)
-        m_value = other.m_value;
+    if (m_isNil)
+        return;
+    if (m_type == ItemType_string)
+        m_strText = other.m_strText;
+    m_value = other.m_value;
 }
 
 QzVariant::QzVariant(QzVariant && other) noexcept : QzVariant()
@@ -66,12 +65,11 @@ QzVariant & QzVariant::operator=(QzVariant && other) noexcept
 {
     if (this == &other)
         return *this;
-    if (other.m_isNil)
-        m_value = std::monostate();
-    else
-        m_value = std::move(other.m_value);
+    m_strText = std::move(other.m_strText);
+    m_value = std::move(other.m_value);
     m_type = other.m_type;
     m_isNil = other.m_isNil;
+    other.m_strText.clear();
     other.m_value = std::monostate();
     other.m_type = ItemType_Invalid;
     other.m_isNil = false;
@@ -86,7 +84,18 @@ void QzVariant::Clear()
         return;
     m_isNil = false;
     m_type = ItemType_Invalid;
+    m_strText = std::u16string();
     m_value = std::monostate();
+}
+
+void CVariantText::Reuse(QzVariant & value) noexcept
+{
+    value.m_isNil = false;
+    value.m_type = ItemType_Invalid;
+    if (value.m_strText.capacity() > kMostRoomKept)
+        value.m_strText = std::u16string();
+    if (value.m_value.index() > 1)
+        value.m_value = std::monostate();
 }
 
 void QzVariant::SetInvalid()
@@ -116,21 +125,34 @@ std::u16string QzVariant::GetType() const
     return strName;
 }
 
-/// Stores a value over what is held. What can throw comes first; the nil mark of a variant without a kind stays, as
-/// Clear leaves it.
+/// Takes note of the kind of a value that has been stored. The nil mark of a variant without a kind stays, as Clear
+/// leaves it.
+inline void QzVariant::SetHeld(ItemType eType) noexcept
+{
+    if (m_type != ItemType_Invalid)
+        m_isNil = false;
+    m_type = eType;
+}
+
+/// Stores a value over what is held. What can throw comes first.
 template <ItemType eType, class Value>
 void QzVariant::Set(Value && value)
 {
     using Held = std::decay_t<Value>;
     if constexpr (kIsInline<Held>)
         m_value = Inline{ToBits(value)};
-    else if constexpr (kIsPlain<Held>)
-        m_value = Held(std::forward<Value>(value));
     else
-        m_value = COwned<Held>(std::forward<Value>(value));
-    if (m_type != ItemType_Invalid)
-        m_isNil = false;
-    m_type = eType;
+        m_value = std::forward<Value>(value);
+    SetHeld(eType);
+}
+
+template <class Text>
+void QzVariant::SetText(Text && strValue)
+{
+    m_strText = std::forward<Text>(strValue);
+    if (m_value.index() > 1)
+        m_value = std::monostate();
+    SetHeld(ItemType_string);
 }
 
 template <ItemType eType>
@@ -143,15 +165,10 @@ auto QzVariant::Get() const
         Inline const * const pHeld = std::get_if<Inline>(&m_value);
         return pHeld != nullptr && !m_isNil ? FromBits<Value>(pHeld->nBits) : Value();
     }
-    else if constexpr (kIsPlain<Value>)
+    else
     {
         Value const * const pHeld = std::get_if<Value>(&m_value);
         return pHeld != nullptr && !m_isNil ? *pHeld : Value();
-    }
-    else
-    {
-        COwned<Value> const * const pHeld = std::get_if<COwned<Value>>(&m_value);
-        return pHeld != nullptr && !m_isNil ? pHeld->Get() : Value();
     }
 }
 
@@ -178,7 +195,8 @@ void QzVariant::SetDate(CDateTime const & value) { Set<ItemType_date>(value); }
 void QzVariant::SetDateTime(CDateTime const & value) { Set<ItemType_datetime>(value); }
 void QzVariant::SetTime(CDateTime const & value) { Set<ItemType_time>(value); }
 void QzVariant::SetChar(char16_t cValue) { Set<ItemType_char>(cValue); }
-void QzVariant::SetString(std::u16string strValue) { Set<ItemType_string>(std::move(strValue)); }
+void QzVariant::SetString(std::u16string const & strValue) { SetText(strValue); }
+void QzVariant::SetString(std::u16string && strValue) { SetText(std::move(strValue)); }
 void QzVariant::SetBoolean(bool bValue) { Set<ItemType_boolean>(bValue); }
 void QzVariant::SetDecimal(CDecimal const & value) { Set<ItemType_decimal>(value); }
 void QzVariant::SetInteger(CBigInteger const & value) { Set<ItemType_integer>(value); }
@@ -205,25 +223,26 @@ CDateTime QzVariant::GetDate() const { return Get<ItemType_date>(); }
 CDateTime QzVariant::GetDateTime() const { return Get<ItemType_datetime>(); }
 CDateTime QzVariant::GetTime() const { return Get<ItemType_time>(); }
 char16_t QzVariant::GetChar() const { return Get<ItemType_char>(); }
-std::u16string QzVariant::GetString() const & { return Get<ItemType_string>(); }
 bool QzVariant::GetBoolean() const { return Get<ItemType_boolean>(); }
 CDecimal QzVariant::GetDecimal() const { return Get<ItemType_decimal>(); }
 CBigInteger QzVariant::GetInteger() const { return Get<ItemType_integer>(); }
 // clang-format on
 
+std::u16string QzVariant::GetString() const &
+{
+    CheckType(ItemType_string);
+    return m_isNil ? std::u16string() : m_strText;
+}
+
 std::u16string QzVariant::GetString() &&
 {
     CheckType(ItemType_string);
-    std::u16string * const pHeld = std::get_if<std::u16string>(&m_value);
-    return pHeld != nullptr && !m_isNil ? std::move(*pHeld) : std::u16string();
+    return m_isNil ? std::u16string() : std::move(m_strText);
 }
 
 void QzVariant::SetXmlObject(CXmlObjectBase * pValue)
 {
-    m_value = CSmartPtr<CXmlObjectBase>(pValue);
-    if (m_type != ItemType_Invalid)
-        m_isNil = false;
-    m_type = ItemType_XmlObjectBase;
+    Set<ItemType_XmlObjectBase>(CSmartPtr<CXmlObjectBase>(pValue));
 }
 
 void QzVariant::SetXmlCollection(CXmlCollectionBase * pValue)
@@ -250,7 +269,7 @@ CSmartPtr<CXmlCollectionBase> QzVariant::GetXmlCollection() const
 std::u16string_view CVariantText::View(QzVariant const & value, char16_t const * pszFormat, std::u16string & strScratch)
 {
     if (value.m_type == ItemType_string && !value.m_isNil)
-        return *std::get_if<std::u16string>(&value.m_value);
+        return value.m_strText;
     std::u16string_view const format(pszFormat != nullptr ? pszFormat : u"");
     auto const print = [&](auto tag)
     {
@@ -258,10 +277,8 @@ std::u16string_view CVariantText::View(QzVariant const & value, char16_t const *
         using Value = typename Traits::Value;
         if constexpr (kIsInline<Value>)
             Traits::ToText(FromBits<Value>(std::get<QzVariant::Inline>(value.m_value).nBits), format, strScratch);
-        else if constexpr (kIsPlain<Value>)
+        else if constexpr (!std::is_same_v<Value, std::u16string>)
             Traits::ToText(std::get<Value>(value.m_value), format, strScratch);
-        else
-            Traits::ToText(std::get<COwned<Value>>(value.m_value).Get(), format, strScratch);
     };
     if (value.m_isNil || !VisitItemType(value.m_type, print))
         throw CQzException(FormatString(u"Invalid Type %d to convert to string", value.m_type));
@@ -276,12 +293,16 @@ void CVariantText::Assign(
         std::u16string strScratch;
         std::u16string_view const changed = CWhitespaceUtils::ApplyRule(eRule, text, strScratch);
         if (changed.data() == strScratch.data())
-            value.Set<ItemType_string>(std::move(strScratch));
+            value.SetText(std::move(strScratch));
         else
-            value.Set<ItemType_string>(std::u16string(changed));
+            value.SetText(std::u16string(changed));
         return;
     }
-    auto const assign = [&](auto tag) { value.Set<tag.value>(ItemTraits<tag.value>::FromText(text, eRule)); };
+    auto const assign = [&](auto tag)
+    {
+        if constexpr (tag.value != ItemType_string)
+            value.Set<tag.value>(ItemTraits<tag.value>::FromText(text, eRule));
+    };
     if (!VisitItemType(eType, assign))
         throw CQzException(FormatString(u"Invalid Type %d to convert to string", eType));
 }

@@ -3,38 +3,21 @@
 #include "qzxmllib/support/Export.h"
 #include "qzxmllib/support/Forward.h"
 #include "qzxmllib/support/SmartPtr.h"
+#include "qzxmllib/values/BigInteger.h"
 #include "qzxmllib/values/BinaryData.h"
+#include "qzxmllib/values/DateTime.h"
+#include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/Decimal.h"
 #include "qzxmllib/values/ItemType.h"
 #include "qzxmllib/values/WhitespaceUtils.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 
 namespace QzXmlLib16
 {
-
-/// A value on the heap that is copied with its owner. T may be incomplete where only the type is named.
-template <class T>
-class COwned
-{
-public:
-    explicit COwned(T const & value) : m_p(std::make_unique<T>(value)) {}
-    explicit COwned(T && value) : m_p(std::make_unique<T>(std::move(value))) {}
-    COwned(COwned const & other) : m_p(std::make_unique<T>(*other.m_p)) {}
-    COwned(COwned && other) noexcept = default;
-    COwned & operator=(COwned const & other) { return *this = COwned(other); }
-    COwned & operator=(COwned && other) noexcept = default;
-    ~COwned() = default;
-
-    T const & Get() const { return *m_p; }
-
-private:
-    std::unique_ptr<T> m_p;
-};
 
 /// Carrier of one typed value, with a mark for the XML nil. A value is copied with its variant; objects and collections
 /// are shared and counted. A getter whose kind is not the one held throws CQzException; on a nil variant of the right
@@ -84,7 +67,8 @@ public:
     void SetDateTime(CDateTime const & value);
     void SetTime(CDateTime const & value);
     void SetChar(char16_t cValue);
-    void SetString(std::u16string strValue);
+    void SetString(std::u16string const & strValue);
+    void SetString(std::u16string && strValue);
     void SetBoolean(bool bValue);
     void SetDecimal(CDecimal const & value);
     void SetInteger(CBigInteger const & value);
@@ -142,14 +126,19 @@ private:
 
     template <ItemType eType, class Value>
     void Set(Value && value);
+    void SetHeld(ItemType eType) noexcept;
+    template <class Text>
+    void SetText(Text && strValue);
     template <ItemType eType>
     auto Get() const;
     void CheckType(ItemType eType) const;
 
     bool m_isNil = false;
     ItemType m_type = ItemType_Invalid;
-    std::variant<std::monostate, Inline, std::u16string, CBinaryData, COwned<CDateTime>, COwned<CDateTimeSpan>,
-        COwned<CDecimal>, COwned<CBigInteger>, CSmartPtr<CXmlObjectBase>>
+    /// The text of a string; for any other kind it has no meaning.
+    std::u16string m_strText;
+    std::variant<std::monostate, Inline, CBinaryData, CDateTime, CDateTimeSpan, CDecimal, CBigInteger,
+        CSmartPtr<CXmlObjectBase>>
         m_value;
 };
 

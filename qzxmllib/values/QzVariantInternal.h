@@ -16,6 +16,9 @@ struct CVariantText
     static void Assign(
         QzVariant & value, std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule);
 
+    /// Drops value, kind and nil mark, and keeps the room of a text for the next one.
+    static void Reuse(QzVariant & value) noexcept;
+
     /// A nil of the kind.
     static void AssignNil(QzVariant & value, ItemType eType)
     {

@@ -1,0 +1,130 @@
+#pragma once
+
+#include "qzxmllib/support/EqualTextInternal.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace QzXmlLib16
+{
+
+/// What a writer has made of names lately. It holds while the declarations in force have the version under which it
+/// was made. Value is default-constructible.
+template <class Value>
+class CNameCache
+{
+public:
+    /// What is kept for the name, or null.
+    Value * Find(std::uint64_t nVersion, std::u16string const & strName, std::u16string const & strUri) noexcept
+    {
+        // A name mostly lies where it lay before.
+        Latest & latest = m_latest[reinterpret_cast<std::uintptr_t>(&strName) * kFactor >> (64 - kLatestBits)];
+        if (latest.nVersion == nVersion && latest.pEntry->Is(strName, strUri))
+            return &latest.pEntry->value;
+        if (m_slots.empty())
+            return nullptr;
+        std::uint32_t const nHash = Hash(strName, strUri);
+        for (std::size_t i = nHash; Slot const * const pSlot = InUse(i); ++i)
+            if (pSlot->nHash == nHash && pSlot->nVersion == nVersion && m_entries[pSlot->nEntry].Is(strName, strUri))
+            {
+                latest = {nVersion, &m_entries[pSlot->nEntry]};
+                return &latest.pEntry->value;
+            }
+        return nullptr;
+    }
+    /// Keeps a name that is not there, and gives what is to be filled for it.
+    Value & Keep(std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri)
+    {
+        // A table that is half full starts anew, larger for documents with many names.
+        if (2 * m_entries.size() >= m_slots.size())
+        {
+            std::vector<Slot> slots(std::min(kMost, std::max(kFewest, 4 * m_slots.size())));
+            Clear();
+            m_slots.swap(slots);
+        }
+        m_entries.emplace_back();
+        Entry & entry = m_entries.back();
+        entry.strKey.reserve(name.size() + uri.size());
+        entry.strKey.assign(name).append(uri);
+        entry.nName = name.size();
+        std::uint32_t const nHash = Hash(name, uri);
+        std::size_t i = nHash;
+        while (InUse(i) != nullptr)
+            ++i;
+        m_slots[i & (m_slots.size() - 1)] = {nVersion, nHash, static_cast<std::uint32_t>(m_entries.size() - 1)};
+        return entry.value;
+    }
+    std::size_t GetSize() const noexcept { return m_entries.size(); }
+    void Clear() noexcept
+    {
+        m_latest.fill({});
+        m_slots.clear();
+        m_entries.clear();
+    }
+
+private:
+    static constexpr std::size_t kFewest = 64;
+    static constexpr std::size_t kMost = 2048;
+
+    struct Slot
+    {
+        std::uint64_t nVersion = 0; ///< 0 for none
+        std::uint32_t nHash = 0;
+        std::uint32_t nEntry = 0;
+    };
+
+    struct Entry
+    {
+        bool Is(std::u16string_view name, std::u16string_view uri) const noexcept
+        {
+            char16_t const * const pKey = strKey.data();
+            return nName == name.size() && strKey.size() - nName == uri.size() && EqualUnits(pKey, name) &&
+                   EqualUnits(pKey + nName, uri);
+        }
+
+        std::size_t nName = 0;
+        std::u16string strKey; ///< name and URI
+        Value value{};
+    };
+
+    static constexpr unsigned kLatestBits = 7;
+    static constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
+
+    /// By the address of the name.
+    struct Latest
+    {
+        std::uint64_t nVersion = 0; ///< 0 for none
+        Entry * pEntry = nullptr;
+    };
+
+    Slot const * InUse(std::size_t i) const noexcept
+    {
+        Slot const & slot = m_slots[i & (m_slots.size() - 1)];
+        return slot.nVersion != 0 ? &slot : nullptr;
+    }
+    /// Names of one document differ mostly in the local name.
+    static std::uint32_t Hash(std::u16string_view name, std::u16string_view uri) noexcept
+    {
+        std::size_t const n = name.size();
+        std::uint64_t nHash = uri.size() << 8 | n;
+        if (n >= 4)
+            nHash = (nHash ^ LoadUnits(name.data())) * kFactor ^ LoadUnits(name.data() + n - 4);
+        else
+            for (char16_t const c : name)
+                nHash = nHash << 16 ^ c;
+        nHash *= kFactor;
+        return static_cast<std::uint32_t>(nHash >> 32 ^ nHash >> 52);
+    }
+
+    std::array<Latest, std::size_t(1) << kLatestBits> m_latest{};
+    std::vector<Slot> m_slots; ///< at most half full
+    std::deque<Entry> m_entries;
+};
+
+} // namespace QzXmlLib16
