@@ -317,8 +317,13 @@ TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
         vocabulary.AddElement(u"", u"", strText);
         vocabulary.AddAttributeValue(strText);
     }
-    // What found the table full was dropped.
+    // What found the table full was dropped. A name needs room for each of its parts; the parts need none for the name.
     EXPECT_EQ(vocabulary.GetCharacterChunksTable().end() - vocabulary.GetCharacterChunksTable().begin(), 1048576);
+    vocabulary.AddAttribute(u"p", u"", u"");
+    vocabulary.AddElement(u"", u"u", u"n1");
+    EXPECT_EQ(vocabulary.GetAttributeNamesTable().begin(), vocabulary.GetAttributeNamesTable().end());
+    EXPECT_EQ(vocabulary.GetPrefixNamesTable().end() - vocabulary.GetPrefixNamesTable().begin(), 1);
+    EXPECT_EQ(vocabulary.GetNamespaceNamesTable().end() - vocabulary.GetNamespaceNamesTable().begin(), 2);
 
     std::u16string strCalls = u"<n1|";
     std::string strExpected = "38 F0 00";
