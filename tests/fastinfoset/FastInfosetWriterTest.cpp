@@ -180,6 +180,7 @@ constexpr char16_t kNoCharacter[] = FAILED "Invalid character not found for Rest
 FailureRow const kFailures[] = {
     {"AttributeBehindEmptyText", Plain, u"<a|'|@x=1", kTooLate},
     {"TypeBehindChild", Plain, u"<a|<b|/|^T", kTooLate},
+    {"NilBehindInstruction", Plain, u"<a|#|!", kTooLate},
     {"NotClosed", Plain, u"<a", u"An Element has not been closed."},
     {"NoElementOpen", Plain, u"/", u"No Element is open."},
     {"Alphabet3", Text<1, 3>, u"<a|'1|/", FAILED "Invalid Restricted Alphabet value [3]"},
