@@ -24,7 +24,8 @@ struct NarrowResult
 };
 
 /// Encodes text up to its end, its first code unit 0 or a surrogate whose other half does not follow, whichever comes
-/// first. pOut must have room for three octets for each code unit.
+/// first. pOut must have room for three octets for each code unit, or for what CountUtf8 tells of the text: nothing
+/// behind the written octets is touched.
 NarrowResult NarrowUtf8(char16_t const * pIn, std::size_t nIn, unsigned char * pOut);
 
 /// The number of octets of the UTF-8 form of a text without code units 0. Throws CQzException for a lone surrogate;

@@ -194,7 +194,7 @@ void CFIVocabulary::AddValue(std::u16string const & strValue, CIndexMap & map, C
 bool CFIVocabulary::CanAdd(std::u16string const & strValue, CIndexMap const & map, CFIStringTable const & table)
 {
     std::uint32_t dwIndex = 0;
-    return strValue.empty() || map.Find(strValue, dwIndex) || table.m_table.size() < kMaxEntries;
+    return map.Find(strValue, dwIndex) || table.m_table.size() < kMaxEntries;
 }
 
 /// The index of the part of a name, which is added if it is absent.
@@ -212,8 +212,8 @@ void CFIVocabulary::AddQName(std::u16string const & strPrefix, std::u16string co
 {
     std::u16string const strKey = NameKey(strPrefix, strNamespace, strLocalName);
     std::uint32_t dwIndex = 0;
-    bool const bRoom = map.Size() < kMaxEntries && CanAdd(strPrefix, m_mapPrefixNames, m_prefixNames) &&
-                       CanAdd(strNamespace, m_mapNamespaceNames, m_namespaceNames) &&
+    bool const bRoom = (strPrefix.empty() || CanAdd(strPrefix, m_mapPrefixNames, m_prefixNames)) &&
+                       (strNamespace.empty() || CanAdd(strNamespace, m_mapNamespaceNames, m_namespaceNames)) &&
                        CanAdd(strLocalName, m_mapLocalNames, m_localNames);
     if (!bRoom || map.Find(strKey, dwIndex))
         return;

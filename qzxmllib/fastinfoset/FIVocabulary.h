@@ -88,7 +88,7 @@ public:
     /// A string of the table of character chunks.
     void AddElementValue(std::u16string const & strValue);
     /// Adds a name and those of its parts that are not there yet. Prefix and namespace may be empty. If one part finds
-    /// its table full, nothing is added.
+    /// its table full, nothing is added; if the name itself does, its parts are, as for a literal name in a document.
     void AddAttribute(
         std::u16string const & strPrefix, std::u16string const & strNamespace, std::u16string const & strLocalName);
     void AddElement(

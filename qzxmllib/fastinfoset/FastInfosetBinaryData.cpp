@@ -2,6 +2,7 @@
 
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/Conversions.h"
 
@@ -188,7 +189,7 @@ void CFastInfosetBinaryData::SetAsEncodedString(unsigned long nIndex, char16_t c
 {
     Clear();
     OctetVector octets;
-    EncodeByAlgorithm(Narrow(nIndex), pText, octets);
+    EncodeByAlgorithm(Narrow(nIndex), OrEmpty(pText), octets);
     if (octets.size() > 0xFFFFFFFF)
         throw CQzException(u"Binary data too large.");
     Append(octets.data(), static_cast<std::uint32_t>(octets.size()));

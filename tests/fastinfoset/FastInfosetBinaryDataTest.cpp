@@ -59,7 +59,7 @@ TEST(FastInfosetBinaryData, RefusedTextLeavesNothing)
     CFastInfosetBinaryData data;
     data.SetAsEncodedString(10, u"\u20AC");
     EXPECT_EQ(HexOf(data), "E2 82 AC");
-    data.SetAsEncodedString(1, u"");
+    data.SetAsEncodedString(10, nullptr);
     EXPECT_EQ(data.GetLength(), 0u);
     data.SetAsEncodedString(10, u"x");
     ExpectThrows<CQzInvalidValueException>(

@@ -112,12 +112,13 @@ constexpr char16_t kNamespaces[] = u"namespace names", kElements[] = u"element n
 constexpr char16_t kChunks[] = u"character chunks", kLocals[] = u"local names";
 BadIndexRow const kBadIndexes[] = {{"38 CF 81", 2, u"prefixes"}, {"3D BF", 64, kNamespaces},
     {"3D C0 00", 65, kNamespaces}, {"3D DF FF", 8256, kNamespaces}, {"3D E0 00 00", 8257, kNamespaces},
-    {"3C EF DF BF", 1048576, kLocals}, {"3C FF DF BF", 1048576, kLocals}, {"00", 1, kElements}, {"1F", 32, kElements},
+    {"3C EF DF BF", 1048576, kLocals}, {"3C FF FF FF", 1056832, kLocals}, {"00", 1, kElements}, {"1F", 32, kElements},
     {"20 00", 33, kElements}, {"27 FF", 2080, kElements}, {"28 00 00", 2081, kElements},
-    {"2F FF FF", 526368, kElements}, {"37 00 00 00", 526369, kElements}, {"7C 00'a' 3F", 64, u"attribute names"},
-    {"7C 00'a' 78 00'x' C0 00", 65, u"attribute values"}, {"3C 00'a' AF", 16, kChunks}, {"3C 00'a' B0 00", 17, kChunks},
-    {"3C 00'a' B3 FF", 1040, kChunks}, {"3C 00'a' B4 00 00", 1041, kChunks}, {"3C 00'a' B7 FF FF", 263184, kChunks},
-    {"3C 00'a' BB 00 00 00", 263185, kChunks}};
+    {"2F FF FF", 526368, kElements}, {"37 00 00 00", 526369, kElements}, {"30 FF FF FF", 17303584, kElements},
+    {"7C 00'a' 3F", 64, u"attribute names"}, {"7C 00'a' 78 00'x' C0 00", 65, u"attribute values"},
+    {"3C 00'a' AF", 16, kChunks}, {"3C 00'a' B0 00", 17, kChunks}, {"3C 00'a' B3 FF", 1040, kChunks},
+    {"3C 00'a' B4 00 00", 1041, kChunks}, {"3C 00'a' B7 FF FF", 263184, kChunks},
+    {"3C 00'a' BB 00 00 00", 263185, kChunks}, {"3C 00'a' B8 FF FF FF", 17040400, kChunks}};
 
 TEST(FastInfosetReader, ChecksIndexesInEveryForm)
 {

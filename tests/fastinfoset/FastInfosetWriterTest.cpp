@@ -180,6 +180,7 @@ constexpr char16_t kNoCharacter[] = FAILED "Invalid character not found for Rest
 FailureRow const kFailures[] = {
     {"AttributeBehindEmptyText", Plain, u"<a|'|@x=1", kTooLate},
     {"TypeBehindChild", Plain, u"<a|<b|/|^T", kTooLate},
+    {"NilBehindInstruction", Plain, u"<a|#|!", kTooLate},
     {"NotClosed", Plain, u"<a", u"An Element has not been closed."},
     {"NoElementOpen", Plain, u"/", u"No Element is open."},
     {"Alphabet3", Text<1, 3>, u"<a|'1|/", FAILED "Invalid Restricted Alphabet value [3]"},
@@ -288,7 +289,7 @@ TEST(FastInfosetWriter, WritesLengthsInTheShortestForm)
 struct IndexRow
 {
     std::uint32_t dwIndex;
-    /// Of an attribute value, an element name and a chunk. Empty where other rows have met all forms.
+    /// Of an attribute value, an element name and a chunk.
     char const *pszOnBit2, *pszOnBit3, *pszOnBit4;
 };
 
@@ -297,8 +298,9 @@ IndexRow const kIndexes[] = {{1, "80", "00", "A0"}, {16, "8F", "0F", "AF"}, {17,
     {65, "C0 00", "20 20", "B0 30"}, {1040, "C3 CF", "23 EF", "B3 FF"}, {1041, "C3 D0", "23 F0", "B4 00 00"},
     {2080, "C7 DF", "27 FF", "B4 04 0F"}, {2081, "C7 E0", "28 00 00", "B4 04 10"},
     {8256, "DF FF", "28 18 1F", "B4 1C 2F"}, {8257, "E0 00 00", "28 18 20", "B4 1C 30"},
-    {263184, "", "2B FB EF", "B7 FF FF"}, {263185, "", "2B FB F0", "B8 00 00 00"}, {526368, "", "2F FF FF", ""},
-    {526369, "", "30 00 00 00", ""}, {1048576, "", "", "B8 0B FB EF"}};
+    {263184, "E3 E3 CF", "2B FB EF", "B7 FF FF"}, {263185, "E3 E3 D0", "2B FB F0", "B8 00 00 00"},
+    {526368, "E7 E7 DF", "2F FF FF", "B8 04 04 0F"}, {526369, "E7 E7 E0", "30 00 00 00", "B8 04 04 10"},
+    {1048576, "EF DF BF", "30 07 F7 DF", "B8 0B FB EF"}};
 
 TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
 {
@@ -313,13 +315,16 @@ TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
     {
         std::u16string const strText = text(dwNumber);
         vocabulary.AddElementValue(strText);
-        if (dwNumber <= 526369)
-            vocabulary.AddElement(u"", u"", strText);
-        if (dwNumber <= 8257)
-            vocabulary.AddAttributeValue(strText);
+        vocabulary.AddElement(u"", u"", strText);
+        vocabulary.AddAttributeValue(strText);
     }
-    // What found the table full was dropped.
+    // What found the table full was dropped. A name needs room for each of its parts; the parts need none for the name.
     EXPECT_EQ(vocabulary.GetCharacterChunksTable().end() - vocabulary.GetCharacterChunksTable().begin(), 1048576);
+    vocabulary.AddAttribute(u"p", u"", u"");
+    vocabulary.AddElement(u"", u"u", u"n1");
+    EXPECT_EQ(vocabulary.GetAttributeNamesTable().begin(), vocabulary.GetAttributeNamesTable().end());
+    EXPECT_EQ(vocabulary.GetPrefixNamesTable().end() - vocabulary.GetPrefixNamesTable().begin(), 1);
+    EXPECT_EQ(vocabulary.GetNamespaceNamesTable().end() - vocabulary.GetNamespaceNamesTable().begin(), 2);
 
     std::u16string strCalls = u"<n1|";
     std::string strExpected = "38 F0 00";
@@ -328,24 +333,10 @@ TEST(FastInfosetWriter, WritesIndexesInTheShortestForm)
     {
         std::u16string const strText = text(row.dwIndex);
         std::string const strUtf8 = Utf8(strText);
-        if (*row.pszOnBit2 != 0)
-        {
-            strCalls += u"<n1|@x=" + strText + u"|/|";
-            strExpected += (row.dwIndex == 1 ? "40 78 00'x'" : "40 00") + std::string(row.pszOnBit2) + "F0 F0";
-            strTree += " (n1 @x='" + strUtf8 + "')";
-        }
-        if (*row.pszOnBit3 != 0)
-        {
-            strCalls += u"<" + strText + u"|/|";
-            strExpected += row.pszOnBit3 + std::string("F0");
-            strTree += " (" + strUtf8 + ")";
-        }
-        if (*row.pszOnBit4 != 0)
-        {
-            strCalls += u"<n1|'" + strText + u"|/|";
-            strExpected += "00" + std::string(row.pszOnBit4) + "F0";
-            strTree += " (n1 \"" + strUtf8 + "\")";
-        }
+        strCalls += u"<n1|@x=" + strText + u"|/|<" + strText + u"|/|<n1|'" + strText + u"|/|";
+        strExpected += (row.dwIndex == 1 ? "40 78 00'x'" : "40 00") + std::string(row.pszOnBit2) + "F0 F0" +
+                       row.pszOnBit3 + "F0 00" + row.pszOnBit4 + "F0";
+        strTree += " (n1 @x='" + strUtf8 + "') (" + strUtf8 + ") (n1 \"" + strUtf8 + "\")";
     }
     // A new string asks to enter the table even if that is full.
     auto const octets = Write(context, [&](Writer & w) { Play(w, strCalls + u"'extra|'extra|/"); });
