@@ -206,13 +206,12 @@ DoubleFormat SplitDoubleFormat(std::u16string_view format)
 void PrintFormatted(double dValue, std::u16string_view format, std::u16string & strOut)
 {
     DoubleFormat const parts = SplitDoubleFormat(format);
-    locale_t const previous = uselocale(CLocale());
+    CCLocaleScope const scope;
     // The directive was put together above: one conversion of a double.
     int const nUnits = std::snprintf(nullptr, 0, parts.strDirective.c_str(), dValue);
     std::string strNumber(nUnits < 0 ? 0 : static_cast<std::size_t>(nUnits) + 1, '\0');
     if (nUnits >= 0)
         std::snprintf(strNumber.data(), strNumber.size(), parts.strDirective.c_str(), dValue);
-    uselocale(previous);
     if (nUnits < 0)
         throw CQzException(FormatString(u"Invalid format [%s] for a floating point number.", format));
     strNumber.pop_back();
