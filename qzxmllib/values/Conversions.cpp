@@ -7,6 +7,7 @@
 #include "qzxmllib/values/ConversionsInternal.h"
 #include "qzxmllib/values/DateTime.h"
 #include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/DateTimeTextInternal.h"
 #include "qzxmllib/values/Decimal.h"
 
 #include <algorithm>
@@ -14,7 +15,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
 #include <iterator>
 #include <limits>
 
@@ -661,17 +661,9 @@ std::u16string TrimTrailingZeros(std::u16string strText)
 
 std::u16string FormatFractionOfSecond(std::uint32_t nMilli, std::uint32_t nMicro, std::uint32_t nNano)
 {
-    char16_t aText[] = u".000000000";
-    char16_t * pLast = aText;
-    for (std::uint32_t const nField : {nMilli, nMicro, nNano})
-    {
-        *++pLast = static_cast<char16_t>(u'0' + nField / 100);
-        *++pLast = static_cast<char16_t>(u'0' + nField / 10 % 10);
-        *++pLast = static_cast<char16_t>(u'0' + nField % 10);
-    }
-    while (*pLast == u'0')
-        --pLast;
-    return pLast == aText ? std::u16string() : std::u16string(aText, pLast + 1);
+    CDateTimeTextBuffer buffer;
+    buffer.AppendFraction(nMilli, nMicro, nNano);
+    return std::u16string(buffer.GetText());
 }
 
 } // namespace QzXmlLib16
