@@ -5,6 +5,7 @@
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/Utf8Internal.h"
 
 #include <algorithm>
 #include <cstring>
@@ -488,7 +489,7 @@ void CFastInfosetWriter::WriteUtf8(FIForms const & lengths, unsigned dwLead, std
     while (!text.empty())
     {
         std::size_t nUnits = std::min(text.size(), kMaxUnitsAtOnce);
-        if (nUnits < text.size() && (text[nUnits - 1] & 0xFC00) == 0xD800)
+        if (nUnits < text.size() && IsHighSurrogate(text[nUnits - 1]))
             --nUnits;
         m_nUsed += NarrowUtf8(text.data(), nUnits, Room(3 * nUnits)).nOctets;
         text.remove_prefix(nUnits);
