@@ -2,6 +2,7 @@
 
 #include "qzxmllib/document/BinaryStream.h"
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
 #include "qzxmllib/support/QzException.h"
@@ -33,8 +34,6 @@ constexpr unsigned kChunkIndex = 0x20;
 constexpr unsigned kChunkAdd = 0x10;
 constexpr unsigned kValueAdd = 0x40;
 
-constexpr std::u16string_view kXmlNamespace = u"http://www.w3.org/XML/1998/namespace";
-constexpr std::u16string_view kXsiNamespace = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr std::u16string_view kVocabularyUri = u"http://qzxmllib.example/fastinfoset/vocabulary/1";
 
 /// Four code units.
@@ -280,19 +279,19 @@ void CFastInfosetWriter::WriteXsiType(
     CXmlWriterContext & context = RequireAttributes();
     if (NeedsNoPrefix(context, strTypeUri))
     {
-        WriteAttribute(u"type", std::u16string(kXsiNamespace), strTypeName, eType);
+        WriteAttribute(u"type", XsiNamespace(), strTypeName, eType);
         return;
     }
     // The prefix of the name is that of the type. Readers go by the namespace name.
     std::u16string const strAlias = *FindPrefix(context, strTypeUri).pAlias;
-    WriteName(kAttributeName, 0, strAlias, kXsiNamespace, u"type");
+    WriteName(kAttributeName, 0, strAlias, XsiNamespace(), u"type");
     WriteAttributeValue(strAlias + u":" + strTypeName, eType);
 }
 
 void CFastInfosetWriter::WriteXsiNil()
 {
     RequireAttributes();
-    WriteAttribute(u"nil", std::u16string(kXsiNamespace), u"true", ItemType_boolean);
+    WriteAttribute(u"nil", XsiNamespace(), u"true", ItemType_boolean);
 }
 
 /// Writes the beginning of the pending element, if there is one, and makes it the innermost.
@@ -327,7 +326,7 @@ void CFastInfosetWriter::WriteRootNamespaces(unsigned dwLead)
     }
     for (auto const & [strUri, strAlias] : m_mapNamespaces)
     {
-        if (strUri.compare(0, kXmlNamespace.size(), kXmlNamespace) == 0)
+        if (BeginsWithXmlNamespace(strUri))
             continue;
         Put(kNamespaceAttribute);
         WriteNamePart(m_pVocabulary->m_mapPrefixNames, strAlias);
