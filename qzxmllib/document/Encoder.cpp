@@ -275,7 +275,7 @@ CBinaryData EncodeUtf8Counted(std::u16string_view text, std::size_t nFirst)
         throw CQzException(u"Binary data too large.");
     std::unique_ptr<unsigned char[]> spOctets(new unsigned char[nOctets]);
     NarrowUtf8(text.data(), text.size(), spOctets.get());
-    CBinaryData data(spOctets.get(), static_cast<std::uint32_t>(nOctets), true);
+    CBinaryData data(spOctets.get(), nOctets, true);
     spOctets.release();
     return data;
 }

@@ -48,7 +48,7 @@ public:
 
     CBinaryData Adopt()
     {
-        CBinaryData data(m_spOctets.get(), static_cast<std::uint32_t>(m_nOctets), true);
+        CBinaryData data(m_spOctets.get(), m_nOctets, true);
         m_spOctets.release();
         return data;
     }

@@ -540,7 +540,7 @@ void CFastInfosetWriter::Put(unsigned char const * pOctets, std::size_t nOctets)
 
 void CFastInfosetWriter::FlushOctets()
 {
-    m_pStream->Append(m_spOctets.get(), static_cast<std::uint32_t>(m_nUsed));
+    m_pStream->Append(m_spOctets.get(), m_nUsed);
     m_nUsed = 0;
 }
 
