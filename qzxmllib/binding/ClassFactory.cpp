@@ -1,5 +1,6 @@
 #include "qzxmllib/binding/ClassFactory.h"
 
+#include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
 
 namespace QzXmlLib16
@@ -10,7 +11,7 @@ namespace
 
 std::u16string const & TypeName(CXmlElement * pElement)
 {
-    return pElement->GetAttribute(u"type", u"http://www.w3.org/2001/XMLSchema-instance");
+    return pElement->GetAttribute(u"type", kXsiNamespace);
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #include "qzxmllib/support/MemoryLeakHelp.h"
 #include "qzxmllib/values/BinaryData.h"
 
-#include <cstdint>
+#include <cstddef>
 
 namespace QzXmlLib16
 {
@@ -20,7 +20,7 @@ public:
 
     void Append(unsigned char by) { m_data.Append(by); }
     void Append(CBinaryData const & data) { m_data.Append(data); }
-    void Append(unsigned char const * pOctets, std::uint32_t nOctets) { m_data.Append(pOctets, nOctets); }
+    void Append(unsigned char const * pOctets, std::size_t nOctets) { m_data.Append(pOctets, nOctets); }
     /// Shares the octets with this stream.
     CBinaryData GetData() const { return m_data; }
     /// Hands the octets over; the stream is empty afterwards.

@@ -3,6 +3,7 @@
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/Utf8Internal.h"
 #include "qzxmllib/values/BinaryData.h"
 
 #include <cstdint>
@@ -14,21 +15,6 @@ namespace QzXmlLib16
 
 namespace
 {
-
-bool IsHighSurrogate(char16_t c) noexcept
-{
-    return (c & 0xFC00) == 0xD800;
-}
-
-bool IsLowSurrogate(char16_t c) noexcept
-{
-    return (c & 0xFC00) == 0xDC00;
-}
-
-bool IsSurrogate(char16_t c) noexcept
-{
-    return (c & 0xF800) == 0xD800;
-}
 
 /// Copies code units from 1 to 127 from the head of the text, 16 at a time while they last. Gives how many.
 std::size_t NarrowAscii(char16_t const * pIn, std::size_t nIn, unsigned char * pOut) noexcept
@@ -210,35 +196,20 @@ NarrowResult NarrowUtf8(char16_t const * pIn, std::size_t nIn, unsigned char * p
 {
     unsigned char * pTo = pOut;
     std::size_t nAt = 0;
-    auto const put = [&pTo](std::uint32_t dwLead, std::uint32_t dwPoint, unsigned nShift)
-    {
-        *pTo++ = static_cast<unsigned char>(dwLead | dwPoint >> nShift);
-        while (nShift != 0)
-        {
-            nShift -= 6;
-            *pTo++ = static_cast<unsigned char>(0x80 | (dwPoint >> nShift & 0x3F));
-        }
-    };
     while (nAt < nIn)
     {
         std::size_t const nAscii = NarrowAscii(pIn + nAt, nIn - nAt, pTo);
         nAt += nAscii;
         pTo += nAscii;
         while (nAt < nIn && pIn[nAt] >= 0x80 && !IsSurrogate(pIn[nAt]))
-        {
-            if (pIn[nAt] < 0x800)
-                put(0xC0, pIn[nAt], 6);
-            else
-                put(0xE0, pIn[nAt], 12);
-            ++nAt;
-        }
+            pTo = PutUtf8(pIn[nAt++], pTo);
         if (nAt == nIn || pIn[nAt] == 0)
             break;
         if (IsSurrogate(pIn[nAt]))
         {
             if (!IsHighSurrogate(pIn[nAt]) || nIn - nAt < 2 || !IsLowSurrogate(pIn[nAt + 1]))
                 break;
-            put(0xF0, 0x10000 + (std::uint32_t(pIn[nAt] & 0x3FF) << 10 | (pIn[nAt + 1] & 0x3FF)), 18);
+            pTo = PutUtf8(JoinSurrogates(pIn[nAt], pIn[nAt + 1]), pTo);
             nAt += 2;
         }
     }
@@ -304,7 +275,7 @@ CBinaryData EncodeUtf8Counted(std::u16string_view text, std::size_t nFirst)
         throw CQzException(u"Binary data too large.");
     std::unique_ptr<unsigned char[]> spOctets(new unsigned char[nOctets]);
     NarrowUtf8(text.data(), text.size(), spOctets.get());
-    CBinaryData data(spOctets.get(), static_cast<std::uint32_t>(nOctets), true);
+    CBinaryData data(spOctets.get(), nOctets, true);
     spOctets.release();
     return data;
 }

@@ -193,7 +193,7 @@ void CQzZip::Compress(CBinaryData & data, CompressionType eType)
         return;
     unsigned long nOut = 0;
     std::unique_ptr<unsigned char[]> pOut = Deflate(data.GetData(), data.GetLength(), eType, nOut);
-    data = CBinaryData(pOut.get(), static_cast<std::uint32_t>(nOut), true);
+    data = CBinaryData(pOut.get(), nOut, true);
     static_cast<void>(pOut.release());
 }
 

@@ -3,6 +3,7 @@
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/support/BlockMemoryInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/Utf8Internal.h"
 #include "qzxmllib/values/BinaryData.h"
 
 #include <algorithm>
@@ -28,11 +29,6 @@ constexpr std::size_t kLargeOctetBlock = 2 * 1024 * 1024;
 /// Code units encoded at a time, so that the room kept free behind a block stays small against it.
 constexpr std::size_t kEncodeUnits = 4096;
 
-bool IsHighSurrogate(char16_t c) noexcept
-{
-    return (c & 0xFC00) == 0xD800;
-}
-
 /// An array whose octets a CBinaryData takes over.
 class CNewOctets
 {
@@ -52,7 +48,7 @@ public:
 
     CBinaryData Adopt()
     {
-        CBinaryData data(m_spOctets.get(), static_cast<std::uint32_t>(m_nOctets), true);
+        CBinaryData data(m_spOctets.get(), m_nOctets, true);
         m_spOctets.release();
         return data;
     }

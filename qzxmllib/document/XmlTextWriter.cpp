@@ -2,6 +2,7 @@
 
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NameCacheInternal.h"
+#include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/support/QzException.h"
 
@@ -22,13 +23,6 @@ namespace QzXmlLib16
 namespace
 {
 
-std::u16string const & XsiNamespace()
-{
-    static std::u16string const s_strNamespace = u"http://www.w3.org/2001/XMLSchema-instance";
-    return s_strNamespace;
-}
-
-constexpr std::u16string_view kXmlNamespace = u"http://www.w3.org/XML/1998/namespace";
 constexpr std::u16string_view kCDataStart = u"<![CDATA[";
 
 /// Levels of indentation that are written in one piece.
@@ -453,7 +447,7 @@ void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16s
         }
         for (auto const & [strEntryUri, strEntryAlias] : m_mapNamespaces)
         {
-            if (strEntryUri.compare(0, kXmlNamespace.size(), kXmlNamespace) == 0)
+            if (BeginsWithXmlNamespace(strEntryUri))
                 continue;
             Put(u" ");
             PutDeclaration(strEntryAlias, strEntryUri);

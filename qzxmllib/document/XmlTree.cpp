@@ -1,4 +1,5 @@
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
 
 #include <algorithm>
@@ -44,7 +45,6 @@ void ReturnXmlBlock(XmlBlock const & block) noexcept
 namespace
 {
 
-constexpr char16_t kXsiNamespace[] = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr char16_t kXmlnsNamespace[] = u"http://www.w3.org/2000/xmlns/";
 constexpr char16_t const * kNamespaceAttributes[] = {
     u"xmlns", u"type", u"schemaLocation", u"noNamespaceSchemaLocation"};

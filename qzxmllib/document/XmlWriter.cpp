@@ -1,5 +1,6 @@
 #include "qzxmllib/document/XmlWriter.h"
 
+#include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/WriteScratchInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
@@ -17,8 +18,6 @@ namespace
 {
 
 CInstanceName g_contextName(u"CXmlWriterContext");
-
-constexpr char16_t kXmlNamespace[] = u"http://www.w3.org/XML/1998/namespace";
 
 /// Limits of the number of aliases remembered by hash; between them it follows the size of the map.
 constexpr std::size_t kFewestAliasSlots = 16;

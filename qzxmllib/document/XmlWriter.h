@@ -18,7 +18,8 @@ namespace QzXmlLib16
 struct CWriteScratch;
 
 /// The one output of the binding engine. Holds what all output forms share: the default namespace, the map of
-/// namespaces, the stack of open elements and the scope of declarations. One writer serves one thread.
+/// namespaces, the stack of open elements and the scope of declarations. One writer serves one thread. Names are local
+/// names with the URI of their namespace, empty for none; the writer finds the prefixes.
 class QZXMLLIB_API CXmlWriter : public CInstanceMonitor
 {
 public:
@@ -48,25 +49,28 @@ public:
         /// Destroys the parent as well, unless it was detached.
         ~CXmlWriterContext() override;
 
+        /// The enclosing element, or null for the root.
         CXmlWriterContext * GetParent() const noexcept { return m_pParent; }
         /// Gives the parent, which this record owns no longer.
         CXmlWriterContext * DetachParent() noexcept;
 
+        /// Those that hold here, whichever element declared them.
         std::u16string const & GetDefaultNamespace() const noexcept { return m_pScope->m_spScope->strDefaultNamespace; }
         CNamespaceMap const & GetNamespaces() const noexcept { return m_pScope->m_spScope->namespaces; }
         /// A number that no other declarations have had. It changes with them and is never 0.
         std::uint64_t GetDeclarationsVersion() const noexcept { return m_pScope->m_spScope->nVersion; }
         /// Holds for this element and its descendants.
         void SetDefaultNamespace(std::u16string const & strUri);
+        /// As SetDefaultNamespace. An alias that the namespace had is replaced.
         void AddNamespace(std::u16string const & strUri, std::u16string const & strAlias);
         /// The alias of a namespace. An unknown one is entered into the map with an empty alias.
         std::u16string const & GetNamespaceMapValue(std::u16string const & strNamespace);
 
-        std::uint32_t m_nChildCount = 0; ///< child elements started in this one
-        bool m_bStartTagOpen = true;     ///< whether the start tag can still take attributes
-        std::int32_t m_nDepth = 0;       ///< 0 for the root
-        std::u16string & m_strNamespace;
-        std::u16string & m_strName;
+        std::uint32_t m_nChildCount = 0;    ///< child elements started in this one
+        bool m_bStartTagOpen = true;        ///< whether the start tag can still take attributes
+        std::int32_t m_nDepth = 0;          ///< 0 for the root
+        std::u16string & m_strNamespace;    ///< URI of the element's namespace
+        std::u16string & m_strName;         ///< local name
         bool m_bContentFlag = false;        ///< free for the concrete writer
         std::int32_t m_eArrayState = 0;     ///< see CXmlWriter::SetArrayState
         std::u16string & m_strWrittenAlias; ///< prefix of the start tag, for the end tag; may be empty
@@ -117,6 +121,7 @@ public:
     /// Elements may still be open.
     ~CXmlWriter() override;
 
+    /// Comes first. Does nothing here; a writer that has a stream opens it.
     virtual void StartDocument();
     /// Throws CQzException if an element is open.
     virtual void EndDocument();
@@ -124,18 +129,27 @@ public:
     virtual void SetDefaultNamespace(std::u16string const & strUri);
     /// As SetDefaultNamespace, for an alias, which must not be empty.
     virtual void AddNamespace(std::u16string const & strAlias, std::u16string const & strUri);
+    /// The text comes without delimiters.
     virtual void WriteComment(std::u16string const & strText) = 0;
     /// The text brings its own "<?" and "?>".
     virtual void WriteProcessingInstruction(std::u16string const & strText) = 0;
     /// Text in the form of attributes, for the start tag of the root.
     virtual void WriteInLineSchema(std::u16string const & strText) = 0;
+    // What writes into an element throws CQzException if none is open. Text and values come without escapes; eType
+    // tells the kind of value that they were printed from.
+    /// Opens an element, within the open one if there is one.
     virtual void WriteStartElement(std::u16string const & strName, std::u16string const & strUri) = 0;
+    /// Content of the open element.
     virtual void WriteText(std::u16string const & strText, ItemType eType) = 0;
+    /// Closes the innermost element.
     virtual void WriteEndElement() = 0;
+    /// Only in front of the content of the element.
     virtual void WriteAttribute(std::u16string const & strName, std::u16string const & strUri,
         std::u16string const & strValue, ItemType eType) = 0;
+    /// The attribute type of XML Schema, with the name of a type. As WriteAttribute.
     virtual void WriteXsiType(
         std::u16string const & strTypeUri, std::u16string const & strTypeName, ItemType eType) = 0;
+    /// The attribute nil of XML Schema, with the value true. As WriteAttribute.
     virtual void WriteXsiNil() = 0;
     /// As WriteText and WriteAttribute, for text that is not in a string of its own. By default they make one.
     virtual void WriteTextView(std::u16string_view text, ItemType eType);
@@ -156,6 +170,7 @@ public:
 
     /// The innermost open element, or null.
     CXmlWriterContext const * GetContext() const noexcept { return m_pContext; }
+    /// Those of the document, set with no element open. The map holds the XML namespace from the start.
     std::u16string const & GetDefaultNamespace() const noexcept { return m_strDefaultNamespace; }
     CNamespaceMap const & GetNamespaces() const noexcept { return m_mapNamespaces; }
 

@@ -1,6 +1,7 @@
 #include "qzxmllib/fastinfoset/FIVocabulary.h"
 
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NamespacesInternal.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -117,7 +118,7 @@ void CFIVocabulary::CIndexMap::Place(Slot slot) noexcept
 CFIVocabulary::CFIVocabulary() : m_restrictedAlphabets{u"0123456789-+.e ", u"0123456789-:TZ "}
 {
     AddPrefixName(u"xml");
-    AddNamespaceName(u"http://www.w3.org/XML/1998/namespace");
+    AddNamespaceName(kXmlNamespace);
 }
 
 CFIVocabulary::CFIVocabulary(CFIVocabulary const & other) = default;

@@ -61,12 +61,12 @@ void NumberFromText(OctetVector & octets, std::u16string_view text)
 
 void HexToText(std::u16string & strText, unsigned char const * pOctets, std::size_t nOctets)
 {
-    strText += CBinaryData::GetAsHexString(pOctets, static_cast<std::uint32_t>(nOctets));
+    strText += CBinaryData::GetAsHexString(pOctets, nOctets);
 }
 
 void Base64ToText(std::u16string & strText, unsigned char const * pOctets, std::size_t nOctets)
 {
-    strText += CBinaryData(pOctets, static_cast<std::uint32_t>(nOctets)).GetAsBase64();
+    strText += CBinaryData(pOctets, nOctets).GetAsBase64();
 }
 
 template <void (CBinaryData::*pfnSet)(char16_t const *)>
@@ -190,9 +190,7 @@ void CFastInfosetBinaryData::SetAsEncodedString(unsigned long nIndex, char16_t c
     Clear();
     OctetVector octets;
     EncodeByAlgorithm(Narrow(nIndex), OrEmpty(pText), octets);
-    if (octets.size() > 0xFFFFFFFF)
-        throw CQzException(u"Binary data too large.");
-    Append(octets.data(), static_cast<std::uint32_t>(octets.size()));
+    Append(octets.data(), octets.size());
 }
 
 } // namespace QzXmlLib16

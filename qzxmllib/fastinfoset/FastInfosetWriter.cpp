@@ -2,9 +2,11 @@
 
 #include "qzxmllib/document/BinaryStream.h"
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/Utf8Internal.h"
 
 #include <algorithm>
 #include <cstring>
@@ -32,8 +34,6 @@ constexpr unsigned kChunkIndex = 0x20;
 constexpr unsigned kChunkAdd = 0x10;
 constexpr unsigned kValueAdd = 0x40;
 
-constexpr std::u16string_view kXmlNamespace = u"http://www.w3.org/XML/1998/namespace";
-constexpr std::u16string_view kXsiNamespace = u"http://www.w3.org/2001/XMLSchema-instance";
 constexpr std::u16string_view kVocabularyUri = u"http://qzxmllib.example/fastinfoset/vocabulary/1";
 
 /// Four code units.
@@ -279,19 +279,19 @@ void CFastInfosetWriter::WriteXsiType(
     CXmlWriterContext & context = RequireAttributes();
     if (NeedsNoPrefix(context, strTypeUri))
     {
-        WriteAttribute(u"type", std::u16string(kXsiNamespace), strTypeName, eType);
+        WriteAttribute(u"type", XsiNamespace(), strTypeName, eType);
         return;
     }
     // The prefix of the name is that of the type. Readers go by the namespace name.
     std::u16string const strAlias = *FindPrefix(context, strTypeUri).pAlias;
-    WriteName(kAttributeName, 0, strAlias, kXsiNamespace, u"type");
+    WriteName(kAttributeName, 0, strAlias, XsiNamespace(), u"type");
     WriteAttributeValue(strAlias + u":" + strTypeName, eType);
 }
 
 void CFastInfosetWriter::WriteXsiNil()
 {
     RequireAttributes();
-    WriteAttribute(u"nil", std::u16string(kXsiNamespace), u"true", ItemType_boolean);
+    WriteAttribute(u"nil", XsiNamespace(), u"true", ItemType_boolean);
 }
 
 /// Writes the beginning of the pending element, if there is one, and makes it the innermost.
@@ -326,7 +326,7 @@ void CFastInfosetWriter::WriteRootNamespaces(unsigned dwLead)
     }
     for (auto const & [strUri, strAlias] : m_mapNamespaces)
     {
-        if (strUri.compare(0, kXmlNamespace.size(), kXmlNamespace) == 0)
+        if (BeginsWithXmlNamespace(strUri))
             continue;
         Put(kNamespaceAttribute);
         WriteNamePart(m_pVocabulary->m_mapPrefixNames, strAlias);
@@ -488,7 +488,7 @@ void CFastInfosetWriter::WriteUtf8(FIForms const & lengths, unsigned dwLead, std
     while (!text.empty())
     {
         std::size_t nUnits = std::min(text.size(), kMaxUnitsAtOnce);
-        if (nUnits < text.size() && (text[nUnits - 1] & 0xFC00) == 0xD800)
+        if (nUnits < text.size() && IsHighSurrogate(text[nUnits - 1]))
             --nUnits;
         m_nUsed += NarrowUtf8(text.data(), nUnits, Room(3 * nUnits)).nOctets;
         text.remove_prefix(nUnits);
@@ -540,7 +540,7 @@ void CFastInfosetWriter::Put(unsigned char const * pOctets, std::size_t nOctets)
 
 void CFastInfosetWriter::FlushOctets()
 {
-    m_pStream->Append(m_spOctets.get(), static_cast<std::uint32_t>(m_nUsed));
+    m_pStream->Append(m_spOctets.get(), m_nUsed);
     m_nUsed = 0;
 }
 

@@ -1,6 +1,7 @@
 #include "qzxmllib/json/JsonTextWriter.h"
 
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/json/JsonTextInternal.h"
 #include "qzxmllib/support/QzException.h"
@@ -12,8 +13,6 @@ namespace QzXmlLib16
 
 namespace
 {
-
-constexpr std::u16string_view kXmlNamespace = u"http://www.w3.org/XML/1998/namespace";
 
 /// The states of CXmlWriter::SetArrayState.
 enum ArrayState : std::int32_t
@@ -166,7 +165,7 @@ void CJsonTextWriter::PutRootDeclarations(CXmlWriterContext & context)
     if (!m_strDefaultNamespace.empty())
         PutDeclaration(context, nullptr, m_strDefaultNamespace);
     for (auto const & [strUri, strAlias] : m_mapNamespaces)
-        if (strUri.compare(0, kXmlNamespace.size(), kXmlNamespace) != 0)
+        if (!BeginsWithXmlNamespace(strUri))
             PutDeclaration(context, &strAlias, strUri);
 }
 
@@ -459,7 +458,6 @@ void CJsonTextWriter::WriteXsiType(
     std::u16string const & strTypeUri, std::u16string const & strTypeName, ItemType eType)
 {
     static std::u16string const s_strName = u"type";
-    static std::u16string const s_strNamespace = u"http://www.w3.org/2001/XMLSchema-instance";
     if (m_eRoundTrip != JsonRoundTrip_Full)
         return;
     CXmlWriterContext const & context = RequireContext();
@@ -467,7 +465,7 @@ void CJsonTextWriter::WriteXsiType(
     if (!NeedsNoPrefix(context, strTypeUri))
         strValue = RequireAlias(context, strTypeUri, strTypeName) + u':';
     strValue += strTypeName;
-    WriteAttribute(s_strName, s_strNamespace, strValue, eType);
+    WriteAttribute(s_strName, XsiNamespace(), strValue, eType);
 }
 
 void CJsonTextWriter::WriteXsiNil() {}

@@ -93,11 +93,10 @@ void AppendInteger(std::u16string & strResult, Directive const & directive, Form
 void AppendDouble(std::u16string & strResult, Directive const & directive, double dValue)
 {
     int const nPrecision = directive.nPrecision < 0 ? 6 : directive.nPrecision;
-    locale_t const previous = uselocale(CLocale());
+    CCLocaleScope const scope;
     int const nUnits = std::snprintf(nullptr, 0, "%.*f", nPrecision, dValue);
     std::string strNarrow(static_cast<std::size_t>(nUnits) + 1, '\0');
     std::snprintf(strNarrow.data(), strNarrow.size(), "%.*f", nPrecision, dValue);
-    uselocale(previous);
     strNarrow.pop_back();
     bool const bMinus = !strNarrow.empty() && strNarrow[0] == '-';
     std::u16string const strWide(strNarrow.begin() + (bMinus ? 1 : 0), strNarrow.end());

@@ -1,6 +1,7 @@
 #include "qzxmllib/support/MemoryLeakHelp.h"
 
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
+#include "qzxmllib/support/Utf8Internal.h"
 
 #include <algorithm>
 #include <atomic>
@@ -352,35 +353,6 @@ constexpr std::size_t kTraceLimit = 32768;
 
 std::atomic<void (*)(char16_t const *)> g_pfnDebugOutput{nullptr};
 
-void AppendUtf8(std::string & strOut, std::uint32_t nCode)
-{
-    static constexpr struct
-    {
-        std::uint32_t nLimit;
-        unsigned nLead;
-        int nFollow;
-    } kForms[] = {{0x80, 0x00, 0}, {0x800, 0xC0, 1}, {0x10000, 0xE0, 2}, {0x110000, 0xF0, 3}};
-    for (auto const & form : kForms)
-    {
-        if (nCode >= form.nLimit)
-            continue;
-        strOut.push_back(static_cast<char>(form.nLead | (nCode >> (6 * form.nFollow))));
-        for (int i = form.nFollow - 1; i >= 0; --i)
-            strOut.push_back(static_cast<char>(0x80 | ((nCode >> (6 * i)) & 0x3F)));
-        return;
-    }
-}
-
-bool IsHighSurrogate(char16_t c)
-{
-    return c >= 0xD800 && c <= 0xDBFF;
-}
-
-bool IsLowSurrogate(char16_t c)
-{
-    return c >= 0xDC00 && c <= 0xDFFF;
-}
-
 /// Standard error, one unbuffered write for each piece. A surrogate pair that the border of two pieces cuts is joined:
 /// its first half waits for the next piece. A half without its other half becomes U+FFFD.
 void WriteStandardError(char16_t const * piece)
@@ -392,25 +364,16 @@ void WriteStandardError(char16_t const * piece)
     t_cPending = 0;
     strText.append(piece);
     std::size_t const nPiece = std::u16string_view(piece).size();
-    if (nPiece == kPieceUnits && IsHighSurrogate(strText.back()))
+    if (nPiece == kPieceUnits && QzXmlLib16::IsHighSurrogate(strText.back()))
     {
         t_cPending = strText.back();
         strText.pop_back();
     }
     std::string strOut;
-    for (std::size_t i = 0; i < strText.size(); ++i)
+    for (std::u16string_view rest = strText; !rest.empty();)
     {
-        char16_t const c = strText[i];
-        if (IsHighSurrogate(c) && i + 1 < strText.size() && IsLowSurrogate(strText[i + 1]))
-        {
-            AppendUtf8(
-                strOut, 0x10000 + ((std::uint32_t(c) - 0xD800) << 10) + (std::uint32_t(strText[i + 1]) - 0xDC00));
-            ++i;
-        }
-        else
-        {
-            AppendUtf8(strOut, IsHighSurrogate(c) || IsLowSurrogate(c) ? 0xFFFD : c);
-        }
+        std::uint32_t const dwPoint = QzXmlLib16::TakeCodePoint(rest);
+        QzXmlLib16::AppendUtf8(strOut, QzXmlLib16::IsSurrogate(dwPoint) ? 0xFFFD : dwPoint);
     }
     // Nothing can be done about a diagnostic that cannot be written.
     static_cast<void>(!::write(STDERR_FILENO, strOut.data(), strOut.size()));

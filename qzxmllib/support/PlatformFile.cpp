@@ -1,5 +1,7 @@
 #include "qzxmllib/support/PlatformFileInternal.h"
 
+#include "qzxmllib/support/Utf8Internal.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -21,28 +23,15 @@ CPlatformFileCalls g_calls = kSystemCalls;
 /// The most that one call is asked to move; the platform itself stops a little below 2 GiB.
 constexpr std::size_t kCallLimit = std::size_t(1) << 30;
 
-bool IsSurrogate(char16_t c)
-{
-    return (c & 0xF800) == 0xD800;
-}
-
 /// The name in UTF-8. False if the name is no valid UTF-16 and so can name no file.
 bool EncodeFileName(char16_t const * pszName, std::string & strName)
 {
-    for (; *pszName != 0; ++pszName)
+    for (std::u16string_view rest(pszName); !rest.empty();)
     {
-        char32_t nCode = *pszName;
-        if (IsSurrogate(*pszName))
-        {
-            if (nCode >= 0xDC00 || (pszName[1] & 0xFC00) != 0xDC00)
-                return false;
-            nCode = 0x10000 + ((nCode - 0xD800) << 10) + (char32_t(*++pszName) - 0xDC00);
-        }
-        int const nFollow = nCode < 0x80 ? 0 : nCode < 0x800 ? 1 : nCode < 0x10000 ? 2 : 3;
-        constexpr unsigned kLeads[] = {0x00, 0xC0, 0xE0, 0xF0};
-        strName.push_back(static_cast<char>(kLeads[nFollow] | (nCode >> (6 * nFollow))));
-        for (int i = nFollow - 1; i >= 0; --i)
-            strName.push_back(static_cast<char>(0x80 | ((nCode >> (6 * i)) & 0x3F)));
+        std::uint32_t const dwPoint = TakeCodePoint(rest);
+        if (IsSurrogate(dwPoint))
+            return false;
+        AppendUtf8(strName, dwPoint);
     }
     return true;
 }

@@ -18,18 +18,19 @@ namespace QzXmlLib16
 class CBinaryDataBuffer
 {
 public:
-    static CBinaryDataBuffer * Adopt(unsigned char * pOctets, std::uint32_t nOctets)
+    static CBinaryDataBuffer * Adopt(unsigned char * pOctets, std::size_t nOctets)
     {
-        return new CBinaryDataBuffer(pOctets, nOctets, nOctets);
+        std::uint32_t const dwLen = RequireLength(nOctets);
+        return new CBinaryDataBuffer(pOctets, dwLen, dwLen);
     }
 
-    static CBinaryDataBuffer * Copy(unsigned char const * pOctets, std::uint32_t nOctets)
+    static CBinaryDataBuffer * Copy(unsigned char const * pOctets, std::size_t nOctets)
     {
-        std::uint64_t const nWanted = std::max<std::uint64_t>(std::uint64_t(nOctets) * 2, kMinCapacity);
-        std::uint32_t const nCapacity = Clamp(nWanted);
+        std::uint32_t const dwLen = RequireLength(nOctets);
+        std::uint32_t const nCapacity = Clamp(std::max(std::uint64_t(dwLen) * 2, kMinCapacity));
         std::unique_ptr<unsigned char[]> pCopy(new unsigned char[nCapacity]);
         std::memcpy(pCopy.get(), pOctets, nOctets);
-        auto * const pBuffer = new CBinaryDataBuffer(pCopy.get(), nOctets, nCapacity);
+        auto * const pBuffer = new CBinaryDataBuffer(pCopy.get(), dwLen, nCapacity);
         pCopy.release();
         return pBuffer;
     }
@@ -64,17 +65,15 @@ public:
         return pCopy;
     }
 
-    void AppendData(unsigned char const * pOctets, std::uint32_t nOctets)
+    /// The octets must fit, by RequireLength.
+    void AppendData(unsigned char const * pOctets, std::size_t nOctets)
     {
         std::int32_t const nCount = m_refCount.load(std::memory_order_acquire);
         if (nCount != 1)
             throw CQzException(FormatString(u"Failed to append. [RefCount=%d]", nCount));
-        std::uint64_t const nSum = std::uint64_t(m_dwLen) + nOctets;
-        if (nSum > m_dwCapacity)
+        if (nOctets > m_dwCapacity - m_dwLen)
         {
-            if (nSum > kMaxLength)
-                throw CQzException(u"Binary data too large.");
-            std::uint32_t const nCapacity = Clamp(nSum * 2);
+            std::uint32_t const nCapacity = Clamp((std::uint64_t(m_dwLen) + nOctets) * 2);
             std::unique_ptr<unsigned char[]> pMoved(new unsigned char[nCapacity]);
             std::memcpy(pMoved.get(), m_lpData, m_dwLen);
             // The source may lie inside the old block, so that block goes last.
@@ -87,15 +86,22 @@ public:
         {
             std::memcpy(m_lpData + m_dwLen, pOctets, nOctets);
         }
-        m_dwLen = static_cast<std::uint32_t>(nSum);
+        m_dwLen += static_cast<std::uint32_t>(nOctets);
     }
 
     unsigned char * GetData() const noexcept { return m_lpData; }
     std::uint32_t GetLength() const noexcept { return m_dwLen; }
 
-    static constexpr std::uint64_t kMaxLength = std::numeric_limits<std::uint32_t>::max();
+    /// The length, or CQzException if so many octets do not fit behind those that there are.
+    static std::uint32_t RequireLength(std::size_t nOctets, std::uint32_t nBefore = 0)
+    {
+        if (nOctets > kMaxLength - nBefore)
+            throw CQzException(u"Binary data too large.");
+        return static_cast<std::uint32_t>(nOctets);
+    }
 
 private:
+    static constexpr std::uint64_t kMaxLength = std::numeric_limits<std::uint32_t>::max();
     static constexpr std::uint64_t kMinCapacity = 8192;
 
     static std::uint32_t Clamp(std::uint64_t nOctets)
@@ -126,13 +132,13 @@ CBinaryData::CBinaryData(CBinaryData && other) noexcept : m_pBuffer(other.m_pBuf
     other.m_pBuffer = nullptr;
 }
 
-CBinaryData::CBinaryData(unsigned char * pOctets, std::uint32_t nOctets, bool bAdopt)
+CBinaryData::CBinaryData(unsigned char * pOctets, std::size_t nOctets, bool bAdopt)
 {
     if (nOctets != 0)
         m_pBuffer = bAdopt ? CBinaryDataBuffer::Adopt(pOctets, nOctets) : CBinaryDataBuffer::Copy(pOctets, nOctets);
 }
 
-CBinaryData::CBinaryData(unsigned char const * pOctets, std::uint32_t nOctets)
+CBinaryData::CBinaryData(unsigned char const * pOctets, std::size_t nOctets)
 {
     if (nOctets != 0)
         m_pBuffer = CBinaryDataBuffer::Copy(pOctets, nOctets);
@@ -195,10 +201,11 @@ void CBinaryData::Unshare()
     m_pBuffer = m_pBuffer->Unshare();
 }
 
-void CBinaryData::Append(unsigned char const * pOctets, std::uint32_t nOctets)
+void CBinaryData::Append(unsigned char const * pOctets, std::size_t nOctets)
 {
     if (nOctets == 0)
         return;
+    CBinaryDataBuffer::RequireLength(nOctets, GetLength());
     if (m_pBuffer == nullptr)
     {
         m_pBuffer = CBinaryDataBuffer::Copy(pOctets, nOctets);
@@ -230,8 +237,8 @@ void CBinaryData::Append(char16_t c)
 
 void CBinaryData::AppendWide(char16_t const * pText, std::size_t nUnits)
 {
-    if (nUnits > (CBinaryDataBuffer::kMaxLength - GetLength()) / 2)
-        throw CQzException(u"Binary data too large.");
+    // No text is so long that this wraps.
+    CBinaryDataBuffer::RequireLength(nUnits * 2, GetLength());
     // A code unit goes out low octet first, which is how this processor holds it where it is little-endian.
     static constexpr std::size_t kChunk = 2048;
     unsigned char aOctets[kChunk * 2];
@@ -243,7 +250,7 @@ void CBinaryData::AppendWide(char16_t const * pText, std::size_t nUnits)
             aOctets[2 * i] = static_cast<unsigned char>(pText[nPos + i] & 0xFF);
             aOctets[2 * i + 1] = static_cast<unsigned char>(pText[nPos + i] >> 8);
         }
-        Append(aOctets, static_cast<std::uint32_t>(nPart * 2));
+        Append(aOctets, nPart * 2);
     }
 }
 
@@ -264,7 +271,7 @@ void CBinaryData::Append(CBinaryData const & other)
     Append(held.GetData(), held.GetLength());
 }
 
-void CBinaryData::SetBuffer(unsigned char const * pOctets, std::uint32_t nOctets)
+void CBinaryData::SetBuffer(unsigned char const * pOctets, std::size_t nOctets)
 {
     CBinaryData const held(pOctets, nOctets);
     *this = held;
@@ -314,13 +321,12 @@ void CBinaryData::SetAsBase64(std::u16string_view text)
     if (text.empty())
         return;
     std::size_t const nRoom = text.size() / 4 * 3 + 3;
-    if (nRoom > CBinaryDataBuffer::kMaxLength)
-        throw CQzException(u"Binary data too large.");
+    CBinaryDataBuffer::RequireLength(nRoom);
     std::unique_ptr<unsigned char[]> pOctets(new unsigned char[nRoom]);
     std::size_t const nOctets = CBase64::Decode(text, pOctets.get());
     if (nOctets == 0)
         return;
-    m_pBuffer = CBinaryDataBuffer::Adopt(pOctets.get(), static_cast<std::uint32_t>(nOctets));
+    m_pBuffer = CBinaryDataBuffer::Adopt(pOctets.get(), nOctets);
     pOctets.release();
 }
 
@@ -329,12 +335,13 @@ std::u16string CBinaryData::GetAsHexString() const
     return GetAsHexString(GetData(), GetLength());
 }
 
-std::u16string CBinaryData::GetAsHexString(unsigned char const * pOctets, std::uint32_t nOctets)
+std::u16string CBinaryData::GetAsHexString(unsigned char const * pOctets, std::size_t nOctets)
 {
     static constexpr char16_t kDigits[] = u"0123456789ABCDEF";
     if (pOctets == nullptr)
         return {};
-    std::u16string strText(std::size_t(nOctets) * 2, u'0');
+    CBinaryDataBuffer::RequireLength(nOctets);
+    std::u16string strText(nOctets * 2, u'0');
     for (std::size_t i = 0; i < nOctets; ++i)
     {
         strText[2 * i] = kDigits[pOctets[i] >> 4];
@@ -386,16 +393,14 @@ std::uint32_t CBinaryData::DecodeHex(std::u16string_view text, unsigned char ** 
     *ppOctets = nullptr;
     if (text.size() % 2 != 0)
         throw CQzException(u"Invalid length in hex string");
-    std::size_t const nOctets = text.size() / 2;
-    if (nOctets > CBinaryDataBuffer::kMaxLength)
-        throw CQzException(u"Binary data too large.");
+    std::uint32_t const nOctets = CBinaryDataBuffer::RequireLength(text.size() / 2);
     if (nOctets == 0)
         return 0;
     std::unique_ptr<unsigned char[]> pResult(new unsigned char[nOctets]);
     for (std::size_t i = 0; i < nOctets; ++i)
         pResult[i] = static_cast<unsigned char>(HexDigit(text[2 * i]) << 4 | HexDigit(text[2 * i + 1]));
     *ppOctets = pResult.release();
-    return static_cast<std::uint32_t>(nOctets);
+    return nOctets;
 }
 
 } // namespace QzXmlLib16

@@ -2,6 +2,7 @@
 
 #include "qzxmllib/support/Export.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -22,9 +23,9 @@ public:
     CBinaryData(CBinaryData const & other) noexcept;
     CBinaryData(CBinaryData && other) noexcept;
     /// With bAdopt the value takes over pOctets, which must come from array new; otherwise the octets are copied.
-    /// With a length of 0 the value is empty and nothing is adopted.
-    CBinaryData(unsigned char * pOctets, std::uint32_t nOctets, bool bAdopt);
-    CBinaryData(unsigned char const * pOctets, std::uint32_t nOctets);
+    /// With a length of 0 the value is empty and nothing is adopted, nor is it if the constructor throws.
+    CBinaryData(unsigned char * pOctets, std::size_t nOctets, bool bAdopt);
+    CBinaryData(unsigned char const * pOctets, std::size_t nOctets);
     /// The code units of the text, two octets each, low octet first, without the terminator.
     CBinaryData(char16_t const * pText);
     CBinaryData & operator=(CBinaryData const & other) noexcept;
@@ -39,14 +40,14 @@ public:
     /// their octets; this value is empty afterwards.
     unsigned char * ReleaseData();
 
-    void Append(unsigned char const * pOctets, std::uint32_t nOctets);
+    void Append(unsigned char const * pOctets, std::size_t nOctets);
     void Append(unsigned char by);
     /// Two octets, low octet first.
     void Append(char16_t c);
     void Append(char16_t const * pText);
     void Append(std::u16string const & strText);
     void Append(CBinaryData const & other);
-    void SetBuffer(unsigned char const * pOctets, std::uint32_t nOctets);
+    void SetBuffer(unsigned char const * pOctets, std::size_t nOctets);
     void SetBuffer(char16_t const * pText);
 
     /// Throws CQzException when the index is not below GetLength().
@@ -61,7 +62,7 @@ public:
     void SetAsBase64(std::u16string_view text);
     /// Two upper-case digits for each octet.
     std::u16string GetAsHexString() const;
-    static std::u16string GetAsHexString(unsigned char const * pOctets, std::uint32_t nOctets);
+    static std::u16string GetAsHexString(unsigned char const * pOctets, std::size_t nOctets);
     /// Throws CQzException for an odd length or a character that is no hexadecimal digit; the value is empty then.
     void SetAsHexString(char16_t const * pText);
     void SetAsHexString(std::u16string_view text);

@@ -7,6 +7,7 @@
 #include "qzxmllib/values/ConversionsInternal.h"
 #include "qzxmllib/values/DateTime.h"
 #include "qzxmllib/values/DateTimeSpan.h"
+#include "qzxmllib/values/DateTimeTextInternal.h"
 #include "qzxmllib/values/Decimal.h"
 
 #include <algorithm>
@@ -14,7 +15,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
 #include <iterator>
 #include <limits>
 
@@ -206,13 +206,12 @@ DoubleFormat SplitDoubleFormat(std::u16string_view format)
 void PrintFormatted(double dValue, std::u16string_view format, std::u16string & strOut)
 {
     DoubleFormat const parts = SplitDoubleFormat(format);
-    locale_t const previous = uselocale(CLocale());
+    CCLocaleScope const scope;
     // The directive was put together above: one conversion of a double.
     int const nUnits = std::snprintf(nullptr, 0, parts.strDirective.c_str(), dValue);
     std::string strNumber(nUnits < 0 ? 0 : static_cast<std::size_t>(nUnits) + 1, '\0');
     if (nUnits >= 0)
         std::snprintf(strNumber.data(), strNumber.size(), parts.strDirective.c_str(), dValue);
-    uselocale(previous);
     if (nUnits < 0)
         throw CQzException(FormatString(u"Invalid format [%s] for a floating point number.", format));
     strNumber.pop_back();
@@ -686,17 +685,9 @@ std::u16string TrimTrailingZeros(std::u16string strText)
 
 std::u16string FormatFractionOfSecond(std::uint32_t nMilli, std::uint32_t nMicro, std::uint32_t nNano)
 {
-    char16_t aText[] = u".000000000";
-    char16_t * pLast = aText;
-    for (std::uint32_t const nField : {nMilli, nMicro, nNano})
-    {
-        *++pLast = static_cast<char16_t>(u'0' + nField / 100);
-        *++pLast = static_cast<char16_t>(u'0' + nField / 10 % 10);
-        *++pLast = static_cast<char16_t>(u'0' + nField % 10);
-    }
-    while (*pLast == u'0')
-        --pLast;
-    return pLast == aText ? std::u16string() : std::u16string(aText, pLast + 1);
+    CDateTimeTextBuffer buffer;
+    buffer.AppendFraction(nMilli, nMicro, nNano);
+    return std::u16string(buffer.GetText());
 }
 
 } // namespace QzXmlLib16

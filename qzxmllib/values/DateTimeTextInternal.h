@@ -31,7 +31,7 @@ public:
     }
 
     /// A point and the fraction without the zeros at its end, or nothing for 0, 0, 0.
-    void AppendFraction(std::uint16_t nMilli, std::uint16_t nMicro, std::uint16_t nNano) noexcept
+    void AppendFraction(std::uint32_t nMilli, std::uint32_t nMicro, std::uint32_t nNano) noexcept
     {
         if ((nMilli | nMicro | nNano) == 0)
             return;

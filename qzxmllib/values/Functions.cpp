@@ -3,6 +3,7 @@
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FacetCacheInternal.h"
 #include "qzxmllib/values/FunctionsInternal.h"
+#include "qzxmllib/values/WhitespaceUtils.h"
 
 #include <string_view>
 
@@ -28,6 +29,19 @@ bool TokenAccepts(std::u16string_view token, std::u16string const & strNamespace
     if (token == u"##targetNamespace")
         return strNamespace == strTarget;
     return strNamespace.empty() || strNamespace == token;
+}
+
+/// Takes the next token off a list, which XML Schema splits at white space. Empty when none is left.
+std::u16string_view TakeToken(std::u16string_view & list)
+{
+    while (!list.empty() && CWhitespaceUtils::IsWhiteSpace(list[0]))
+        list.remove_prefix(1);
+    std::size_t nUnits = 0;
+    while (nUnits < list.size() && !CWhitespaceUtils::IsWhiteSpace(list[nUnits]))
+        ++nUnits;
+    std::u16string_view const token = list.substr(0, nUnits);
+    list.remove_prefix(nUnits);
+    return token;
 }
 
 } // namespace
@@ -79,15 +93,15 @@ bool IsNamespaceAllowed(
     std::u16string const & strNamespace, std::u16string const & strList, std::u16string const & strTarget)
 {
     std::u16string_view rest(strList);
-    for (;;)
+    std::u16string_view token = TakeToken(rest);
+    // A list without any token counts as one empty token.
+    do
     {
-        std::size_t const nBlank = rest.find(u' ');
-        if (TokenAccepts(rest.substr(0, nBlank), strNamespace, strTarget))
+        if (TokenAccepts(token, strNamespace, strTarget))
             return true;
-        if (nBlank == std::u16string_view::npos)
-            return false;
-        rest.remove_prefix(nBlank + 1);
-    }
+        token = TakeToken(rest);
+    } while (!token.empty());
+    return false;
 }
 
 void CheckNamespaceAllowed(

@@ -14,8 +14,8 @@ class QzVariant;
 void CheckPrimitiveVariant(
     char16_t const * pszName, QzVariant const & value, ItemType eType, CPrimitiveRestrictions const & restrictions);
 
-/// Tests a namespace against the blank-separated list of an XML Schema wildcard. strTarget is the namespace that
-/// "##targetNamespace" and "##other" refer to.
+/// Tests a namespace against the list of an XML Schema wildcard, whose entries white space separates. strTarget is the
+/// namespace that "##targetNamespace" and "##other" refer to.
 bool IsNamespaceAllowed(
     std::u16string const & strNamespace, std::u16string const & strList, std::u16string const & strTarget);
 

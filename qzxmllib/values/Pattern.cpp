@@ -210,8 +210,9 @@ CPattern::CPattern(std::u16string_view pattern)
     {
         PCRE2_UCHAR aText[256] = {};
         int const nText = std::max(pcre2_get_error_message(nError, aText, sizeof(aText)), 0);
-        throw CQzException(FormatString(
-            u"Invalid Regular Expression: %s Error: '%s'", strExpression, std::u16string(aText, aText + nText)));
+        // Shown with its groups, whether or not sets stood for them.
+        throw CQzException(FormatString(u"Invalid Regular Expression: %s Error: '%s'", ToPcre(pattern, false),
+            std::u16string(aText, aText + nText)));
     }
     m_pCode = pCode;
 }

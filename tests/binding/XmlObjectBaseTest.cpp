@@ -136,7 +136,8 @@ TEST_F(XmlObjectBaseTest, NamespaceLists)
     Case const kCases[] = {{u"urn:a", u"##any", true}, {u"urn:t", u"##other", false}, {u"", u"##other", true},
         {u"", u"##local", true}, {u"urn:b", u"##local urn:a", false}, {u"urn:t", u"##targetNamespace", true},
         {u"urn:a", u"urn:b urn:a", true}, {u"urn:c", u"urn:b urn:a", false}, {u"", u"urn:b", true}, {u"", u"", true},
-        {u"urn:a", u"", false}};
+        {u"urn:a", u"", false}, {u"", u" \n", true}, {u"", u" ##targetNamespace  ##targetNamespace ", false},
+        {u"urn:a", u"\turn:b\r\n  urn:a ", true}};
     for (Case const & c : kCases)
         EXPECT_EQ(m_spObject->IsNamespaceValid(c.pszNamespace, c.pszList, u"urn:t"), c.bAllowed)
             << Utf8(c.pszNamespace) << " in " << Utf8(c.pszList);

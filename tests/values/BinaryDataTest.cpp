@@ -96,6 +96,17 @@ TEST(BinaryDataTest, ComparesAndChecksItsIndex)
     ExpectThrows<CQzException>([&] { static_cast<void>(empty[0]); }, u"Index Out of range [0]");
 }
 
+TEST(BinaryDataTest, RefusesLengthsBeyond32Bits)
+{
+    CBinaryData data = Octets("ab");
+    unsigned char by = 0;
+    constexpr std::size_t kTooLong = std::size_t(1) << 32;
+    ExpectThrows<CQzException>([&] { data.Append(&by, kTooLong); }, u"Binary data too large.");
+    ExpectThrows<CQzException>([&] { data.SetBuffer(&by, kTooLong + 1); }, u"Binary data too large.");
+    ExpectThrows<CQzException>([&] { CBinaryData(&by, kTooLong, true); }, u"Binary data too large.");
+    EXPECT_EQ(TextOf(data), "ab");
+}
+
 TEST(BinaryDataTest, HandlesOnOneBufferLiveOnSeveralThreads)
 {
     CBinaryData const shared = Octets(std::string(100, 'a'));
