@@ -28,7 +28,8 @@ struct Form
 
 CBinaryData WriteXml(Gpx::CGpx const & gpx, CSerializationContext const & ctx, CompressionType eCompression)
 {
-    return gpx.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, ctx, eCompression);
+    // Indenting would add to the white space that extensions hold.
+    return gpx.ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF, ctx, eCompression);
 }
 CBinaryData WriteFastInfoset(Gpx::CGpx const & gpx, CSerializationContext const & ctx, CompressionType eCompression)
 {

@@ -23,6 +23,9 @@ class CElementCol;
 /// adds to what the element already holds.
 ///
 /// Trees of up to 10000 levels can be written, cloned and checked; deeper ones throw CQzException.
+///
+/// The From... operations of the base, as FromXmlFile, read the first child of the root, not the root itself, which
+/// only FromXml of this class reads. examples/support/ElementTree.h derives a class that reads the root by all of them.
 class QZXMLLIB_API CElement : public CXmlObjectBase, private CInstanceMonitor, public CTreeMemory
 {
 public:

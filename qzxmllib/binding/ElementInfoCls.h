@@ -5,7 +5,8 @@
 namespace QzXmlLib16Data
 {
 
-/// A mandatory object of one class in a sequence.
+/// A mandatory object of one class in a sequence. mustAppear counts for pseudo classes: such a one must then take at
+/// least one element.
 class QZXMLLIB_API CElementInfoSeqClsMnd : public CElementInfo
 {
 public:
@@ -47,7 +48,8 @@ private:
     ClassEntry m_entry;
 };
 
-/// A mandatory object of one class in an all group.
+/// A mandatory object of one class in an all group. With mustAppear false an object with an element of its own may be
+/// missing.
 class QZXMLLIB_API CElementInfoAllClsMnd : public CElementInfo
 {
 public:

@@ -20,7 +20,7 @@ enum XmlElementType : int
 enum XmlElementGroupType : int
 {
     XmlElementGroupType_Sequence = 0, ///< children in the order of the table
-    XmlElementGroupType_Choice = 1,   ///< exactly one entry of the table
+    XmlElementGroupType_Choice = 1,   ///< at most one entry of the table
     XmlElementGroupType_All = 2       ///< any order, each entry at most once
 };
 

@@ -51,7 +51,8 @@ private:
 /// What a stranger's document may demand. A limit of 0 means that there is none.
 struct CReadLimits
 {
-    /// Levels of nested elements in XML text and Fast Infoset. Deeper input throws CQzException.
+    /// Levels of nested elements in XML text and Fast Infoset. Deeper input throws CQzException. Beyond this, JSON is
+    /// read to a depth of 100 always.
     std::uint32_t nMaxDepth = 10000;
     /// 16-bit units of text for each octet of input, counted once nMaxAmplifiedUnits are reached.
     std::uint32_t nMaxAmplification = 100;
@@ -83,14 +84,17 @@ public:
     /// Occurrence limits of collections are not enforced.
     bool GetIgnoreInvalidCollectionCounts() const { return m_bIgnoreInvalidCollectionCounts; }
     void SetIgnoreInvalidCollectionCounts(bool bValue) { m_bIgnoreInvalidCollectionCounts = bValue; }
-    /// A choice with nothing set or found is no failure.
+    /// A choice with nothing set or found is no failure. It is none anyway unless all entries of the choice are
+    /// collections with a lower limit, as an entry for one value may stay empty.
     bool GetIgnoreMissingChoice() const { return m_bIgnoreMissingChoice; }
     void SetIgnoreMissingChoice(bool bValue) { m_bIgnoreMissingChoice = bValue; }
     /// Reading: a missing mandatory element is no failure. Setting true throws CQzInvalidStateException while unknown
     /// elements are ignored.
     bool GetIgnoreMissingMandatoryElements() const { return m_bIgnoreMissingMandatoryElements; }
     void SetIgnoreMissingMandatoryElements(bool bValue);
-    /// Reading: elements that no metadata entry accepts are skipped. Setting true throws CQzInvalidStateException while
+    /// Reading: elements that no metadata entry accepts are skipped. Known elements behind an unknown one may be
+    /// skipped with it: in a sequence optional ones and collections up to the next mandatory element, except those of
+    /// the last entry of the table, in an all group everything. Setting true throws CQzInvalidStateException while
     /// missing mandatory elements are ignored.
     bool GetIgnoreUnknownElements() const { return m_bIgnoreUnknownElements; }
     void SetIgnoreUnknownElements(bool bValue);
@@ -117,7 +121,8 @@ public:
     /// Reaches only documents built afterwards.
     void SetSchemaType(SchemaType eValue) { m_eSchemaType = eValue; }
 
-    /// Default namespace that the root of a document declares, empty for none.
+    /// Default namespace that the root of a document declares, empty for none; a CElement as root declares none.
+    /// Elements without a namespace are written as they stand and so take this one when they are read.
     std::u16string GetDefaultNamespaceURI() const { return m_strDefaultNamespaceURI; }
     void SetDefaultNamespaceURI(char16_t const * uri);
     /// Text that is placed inside the root's start tag behind its attributes.

@@ -81,6 +81,10 @@ struct CNode : CTreeMemory
 /// A collection of objects: a doubly linked list that holds one count of each item. Every change fires its events in
 /// the same order: one before the change, which a listener can refuse by throwing, then one behind it, then
 /// MsgType_CollectionChange.
+///
+/// A class for one kind of item adds typed access and two operations: ToXml_Int, which writes the items, and
+/// FromXml_Int, which reads the run of elements that have the name of the collection and gives the first behind it. The
+/// table entry of the collection checks the occurrence limits.
 class QZXMLLIB_API CXmlCollection : public CXmlCollectionBase
 {
 public:

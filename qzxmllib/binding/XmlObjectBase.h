@@ -37,8 +37,8 @@ QZXMLLIB_API void AsyncToXmlFile(bool bAsync);
 /// heap under CSmartPtr. One object belongs to one thread at a time; only the count is atomic.
 ///
 /// The To... operations write this object as the root of a document. The From... operations fill it from a document;
-/// they do not compare the root's name. A failed read leaves what was read so far, and the object can be read into
-/// again. All failures are of the CQzException family.
+/// they do not compare the root's name. Text between the children of an object is ignored. A failed read leaves what
+/// was read so far, and the object can be read into again. All failures are of the CQzException family.
 class QZXMLLIB_API CXmlObjectBase : public IEventSink
 {
 public:
@@ -60,8 +60,9 @@ public:
     virtual CXmlObjectBase * GetBase() = 0;
     CXmlObjectBase const * GetBase() const;
 
-    /// Writes a file. CompressionType_ZLib is refused before the file is created. Files of encoding UTF-16 begin with a
-    /// byte order mark, also in front of compressed data.
+    /// Writes a file. CompressionType_ZLib is refused before the file is created, and so are gzip data that would be
+    /// longer than the plain octets. Files of encoding UTF-16 begin with a byte order mark, also in front of compressed
+    /// data.
     virtual void ToXmlFile(char16_t const * fileName, bool includeHeader = true, bool formatted = true,
         XmlEncoding eEncoding = XmlEncoding_UTF8, EOLType eEOL = EOLType_LF,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
@@ -70,7 +71,9 @@ public:
     virtual void ToFastInfosetFile(char16_t const * fileName, FInfoDecl eDecl = FInfoDecl_None,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
         CompressionType eCompression = CompressionType_None) const;
-    /// Writes JSON (RFC 8259) by the convention that the JSON options of the context choose.
+    /// Writes JSON by the convention that the JSON options of the context choose. It is that of RFC 8259 with the
+    /// strict option; without it line feeds stand as they are in strings, which other readers refuse. What is not UTF-8
+    /// cannot be read back.
     virtual void ToJsonFile(char16_t const * fileName, bool formatted = true, XmlEncoding eEncoding = XmlEncoding_UTF8,
         EOLType eEOL = EOLType_LF, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),
         CompressionType eCompression = CompressionType_None) const;
@@ -101,13 +104,15 @@ public:
     /// Reads a file of JSON in UTF-8, plain, gzip or zlib.
     virtual void FromJsonFile(
         char16_t const * fileName, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
-    /// Reads wide XML text. A declaration that names another encoding than UTF-16 is refused.
+    /// Reads wide XML text. A declaration that names another encoding than UTF-16 is refused, and so is a byte order
+    /// mark.
     virtual void FromXml(
         char16_t const * text, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
     /// Reads XML text in the encoding that its declaration names, UTF-8 without one.
     virtual void FromXml(
         char const * text, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
-    /// Reads JSON text.
+    /// Reads JSON text. When JSON is well-formed but does not fit the class, the message holds the XML that was made of
+    /// it, and the path stands in the inner failure.
     virtual void FromJson(
         char16_t const * text, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
     /// Reads JSON text in UTF-8.

@@ -13,7 +13,9 @@ enum JsonRoundTrip : std::int32_t
 {
     JsonRoundTrip_None = 0,       ///< attributes become plain properties, text beside them has an empty name
     JsonRoundTrip_Attributes = 1, ///< attributes are marked by "@", text beside them is "#text"
-    JsonRoundTrip_Full = 2        ///< also prefixes, declarations of namespaces and xsi:type
+    /// Also prefixes, declarations of namespaces and xsi:type. A namespace that is not that of the root needs an alias
+    /// in the context, or writing throws CQzException. A CElement as root does not declare aliases.
+    JsonRoundTrip_Full = 2
 };
 
 /// Options of the JSON form. Held by CSerializationContext.

@@ -11,6 +11,10 @@ namespace QzXmlLib16
 
 /// Root of all failures that leave the library. Thrown by value and caught by reference. Carries a message, the XPath
 /// of the node at fault when it is known, and a private copy of the failure that caused this one.
+///
+/// What a From... operation throws names the element in its own message; what is wrong there stands in the messages
+/// behind it, so that GetFullMessage() is the text for a user. A failure inside a nested object arrives as this very
+/// class: catch it, and not the derived ones, around a read.
 class QZXMLLIB_API CQzException
 {
 public:
@@ -46,7 +50,8 @@ private:
     CQzException * m_pInnerException = nullptr;
 };
 
-/// The document does not agree with the metadata of a class. Carries the path of the node at fault.
+/// The document does not agree with the metadata of a class. Carries the path of the node at fault, or that of the
+/// object whose text or attribute it is. Writing gives no path.
 class QZXMLLIB_API CQzValidationException : public CQzException
 {
 public:

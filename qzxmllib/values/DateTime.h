@@ -35,7 +35,8 @@ struct FILETIME
 
 /// Any of the date and time types of XML Schema Part 2, told apart by DTType. Parses and prints their lexical forms,
 /// orders them and adds durations. Years are those of the proleptic Gregorian calendar, four digits long, and -0001 is
-/// the number -1. A value carries no zone, "Z" or an offset.
+/// the number -1. A value carries no zone, "Z" or an offset. Up to nine digits of a fraction are taken; 24:00:00 is
+/// not.
 class QZXMLLIB_API CDateTime
 {
 public:

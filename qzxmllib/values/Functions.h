@@ -11,8 +11,9 @@ namespace QzXmlLib16
 
 struct CFacetCache;
 
-/// The facets of a simple type (XML Schema Part 2). Enumerations and whiteSpace are kept elsewhere. Any number of
-/// threads may check values against one object at the same time, as long as none changes it.
+/// The facets of a simple type (XML Schema Part 2). Enumerations and whiteSpace are kept elsewhere. An entry of a table
+/// checks them when the value is written and not when it is read; a collection checks each value that is added, also by
+/// reading. Any number of threads may check values against one object at the same time, as long as none changes it.
 class QZXMLLIB_API CPrimitiveRestrictions
 {
 public:

@@ -7,14 +7,14 @@ int main()
     CSmartPtr<CPerson> spAda(new CPerson);
     spAda->m_nId = 7;
     spAda->m_strName = u"Ada";
-    std::u16string const strXml = spAda->ToXml(); // <?xml version="1.0"?><person id="7" xmlns=...
+    std::u16string const strXml = spAda->ToXml(); // <AA:person xmlns:AA="urn:example:people" id="7">...
 
     CSmartPtr<CPerson> spCopy(new CPerson);
     try
     {
         spCopy->FromXml(strXml.c_str()); // also FromXmlFile, FromXmlStream
     }
-    catch (CQzException const &) // tells what is wrong and the XPath of the node
+    catch (CQzException const &) // GetFullMessage() tells what is wrong, GetPath() where
     {
         return 1;
     }
