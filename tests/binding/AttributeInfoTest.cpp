@@ -45,8 +45,7 @@ Case const kCases[] = {
     {"UnknownIgnored", "<r x='2' f='small' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='t'/>",
         kAnyAttribute, "<r f=\"small\"/>"},
     {"ForeignNamespace", "<r xmlns:x='urn:x' x:e='large' f='large'/>", 0, QZ_UNEXPECTED("x:@e")},
-    {"ForeignEnumIgnored", "<r xmlns:x='urn:x' x:e='large' f='large'/>", kAnyNamespace,
-        "<r e=\"large\" f=\"large\"/>"},
+    {"ForeignEnumIgnored", "<r xmlns:x='urn:x' x:e='large' f='large'/>", kAnyNamespace, "<r e=\"large\" f=\"large\"/>"},
     // A primitive compares its namespace all the same.
     {"ForeignPrimitive", "<r xmlns:x='urn:x' x:p='7' f='large'/>", kAnyNamespace, QZ_UNEXPECTED("x:@p")},
     {"LastOfTwoWins", "<r xmlns:x='urn:x' f='small' x:f='large'/>", kAnyNamespace, "<r f=\"large\"/>"},
@@ -75,21 +74,29 @@ TEST(AttributeInfoTest, NilIsNoValueAndFailuresAreLayered)
     (*spObject)[0].SetNil();
     (*spObject)[1].SetNil();
     (*spObject)[2].SetI4(2);
-    EXPECT_EQ(Utf8(spObject->ToXml(false, false)), "<r f=\"large\"/>");
+    EXPECT_EQ(XmlOf(*spObject), "<r f=\"large\"/>");
     (*spObject)[2].SetNil();
     ExpectThrowsChain<CQzValidationException>([&] { spObject->ToXml(); },
         u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nThe Property [f] is "
         u"mandatory, it may not be NULL");
-    (*spObject)[0].SetInvalid();
-    ExpectThrowsChain<CQzValidationException>([&] { spObject->ToXml(); },
-        u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nInvalid Type 0 to convert to "
-        u"string");
     spObject->m_hook = [](int, bool) { throw CQzException(u"refused"); };
     ExpectThrows<CQzException>(
         [&] { spObject->FromXml("<r p='7' f='small'/>"); }, u"Failed to set the property value [7].", u"/r/@p");
     ExpectThrowsChain<CQzValidationException>([&] { spObject->ToXml(); },
         u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nFailed to get the property "
         u"value for [p].\nrefused");
+}
+
+TEST(AttributeInfoTest, MandatoryPrimitive)
+{
+    CTableSchema schema;
+    schema.Attribute<CAttributeInfoPrimitive>(
+        u"m", false, ItemType_i4, u"", CWhitespaceUtils::WhitespaceRule_None, CPrimitiveRestrictions(), u"");
+    EXPECT_EQ(RoundTrip(schema, "<r/>"), QZ_PROCESS "Failed to find the required Attribute [m].");
+    CSmartPtr<CTableClass> const spUnset(new CTableClass(schema));
+    ExpectThrowsChain<CQzValidationException>([&] { spUnset->ToXml(); },
+        u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nInvalid Type 0 to convert to "
+        u"string");
 }
 
 } // namespace

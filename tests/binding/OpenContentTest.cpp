@@ -21,11 +21,6 @@ public:
     using CElement::GetElementName;
 };
 
-std::string TextOf(CXmlObjectBase & object, bool formatted = false)
-{
-    return Utf8(object.ToXml(false, formatted));
-}
-
 CSmartPtr<CElement> Parsed(std::string const & strDocument)
 {
     CSmartPtr<CElement> spElement(new CElement(u"x"));
@@ -56,14 +51,14 @@ using OpenContentTextTest = testing::TestWithParam<TextRow>;
 TEST_P(OpenContentTextTest, IsReadWrittenAndCloned)
 {
     CSmartPtr<CElement> const spElement = Parsed(GetParam().pszDocument);
-    EXPECT_EQ(TextOf(*spElement), GetParam().pszExpected);
-    EXPECT_EQ(TextOf(*spElement->Clone()), GetParam().pszExpected);
+    EXPECT_EQ(XmlOf(*spElement), GetParam().pszExpected);
+    EXPECT_EQ(XmlOf(*spElement->Clone()), GetParam().pszExpected);
     CXmlDocument document;
     document.LoadXml(GetParam().pszDocument);
     CSmartPtr<COpenElement> const spCopy(new COpenElement(u"x"));
     spCopy->GetAttributes()->Add(u"gone");
     spCopy->CopyXmlElement(document.GetDocumentElement());
-    EXPECT_EQ(TextOf(*spCopy), GetParam().pszExpected);
+    EXPECT_EQ(XmlOf(*spCopy), GetParam().pszExpected);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, OpenContentTextTest, testing::ValuesIn(kTexts), CaseName);
@@ -94,13 +89,13 @@ TEST(CElementTest, BuildsByHand)
     spElement->GetChildElements()->AddBefore(spElement->GetChildElements()->Item(0), spOther);
     spElement->SetNamespace(u"urn:y");
     spElement->GetChildElements()->Add(u"g");
-    EXPECT_EQ(TextOf(*spElement),
+    EXPECT_EQ(XmlOf(*spElement),
         "<AA:a xmlns:AA=\"urn:y\" xmlns:AB=\"urn:x\" AB:b=\"1\" c=\"2\"><f/><AB:d>t</AB:d><AB:g/></AA:a>");
     ExpectThrows<CQzInvalidStateException>(
         [] { CElement(u"a").GetChildElements()->Add(u"b"); }, u"A Namespace has not been set for this Collection");
     CElement plain(u"a");
     plain.GetChildElements()->Add(u"b", u"");
-    EXPECT_EQ(TextOf(plain), "<a><b/></a>");
+    EXPECT_EQ(XmlOf(plain), "<a><b/></a>");
     COpenElement named(u"a");
     EXPECT_EQ(named.GetElementName(), u"a");
     named.SetName(u"b");
@@ -120,12 +115,12 @@ TEST(CElementTest, LeavesAloneWhatItsRestrictionRefuses)
     EXPECT_EQ(spElement->FromXml_Int(pRoot, pRoot, ctx, false), pRoot);
     EXPECT_EQ(spElement->FromXml_Int(pRoot, nullptr, ctx, false), nullptr);
     spElement->FromXml(u"<b xmlns='urn:y' c='1'><d/></b>");
-    EXPECT_EQ(TextOf(*spElement), "<AA:a xmlns:AA=\"urn:x\">t</AA:a>");
+    EXPECT_EQ(XmlOf(*spElement), "<AA:a xmlns:AA=\"urn:x\">t</AA:a>");
     // The base would hand over the first child of the root.
     spElement->FromXmlElement(pRoot);
     spElement->FromXml(u"<b xmlns='urn:x' c='1'><d/></b>");
     spElement->FromXml(u"<b xmlns='urn:x'><e xmlns=''/></b>");
-    EXPECT_EQ(TextOf(*spElement), "<AA:b xmlns:AA=\"urn:x\" c=\"1\"><AA:d/><e/></AA:b>") << "reading adds";
+    EXPECT_EQ(XmlOf(*spElement), "<AA:b xmlns:AA=\"urn:x\" c=\"1\"><AA:d/><e/></AA:b>") << "reading adds";
 }
 
 TEST(CElementTest, CloneStandsAlone)
@@ -134,8 +129,8 @@ TEST(CElementTest, CloneStandsAlone)
     CSmartPtr<CElement> const spClone = spElement->Clone();
     spClone->GetChildElements()->Item(0)->GetChildElements()->Clear();
     spClone->GetAttributes()->Item(0)->SetValue(u"2");
-    EXPECT_EQ(TextOf(*spElement), "<a b=\"1\"><c><d/></c></a>");
-    EXPECT_EQ(TextOf(*spClone), "<a b=\"2\"><c/></a>");
+    EXPECT_EQ(XmlOf(*spElement), "<a b=\"1\"><c><d/></c></a>");
+    EXPECT_EQ(XmlOf(*spClone), "<a b=\"2\"><c/></a>");
 }
 
 TEST(CElementTest, ChecksTheWholeTree)
@@ -160,10 +155,10 @@ TEST(CElementTest, WritesFragments)
     spFragment->GetAttributes()->Add(u"lost");
     CSmartPtr<CElement> const spRoot(new CElement(u"r"));
     spRoot->GetChildElements()->Add(spFragment);
-    EXPECT_EQ(TextOf(*spRoot), "<r><o xmlns=\"urn:o\"><i a=\"1\">t</i></o></r>");
-    EXPECT_EQ(TextOf(*spRoot, true), "<r>\n<o xmlns=\"urn:o\">\n\t<i a=\"1\">t</i>\n</o>\n\n</r>\n");
-    EXPECT_EQ(TextOf(*spFragment->Clone()), "<AA:o xmlns:AA=\"urn:o\" lost=\"\"><AA:i a=\"1\">t</AA:i></AA:o>");
-    EXPECT_EQ(TextOf(*CSmartPtr<CElement>(new CElement(spObject, nullptr))),
+    EXPECT_EQ(XmlOf(*spRoot), "<r><o xmlns=\"urn:o\"><i a=\"1\">t</i></o></r>");
+    EXPECT_EQ(Utf8(spRoot->ToXml(false, true)), "<r>\n<o xmlns=\"urn:o\">\n\t<i a=\"1\">t</i>\n</o>\n\n</r>\n");
+    EXPECT_EQ(XmlOf(*spFragment->Clone()), "<AA:o xmlns:AA=\"urn:o\" lost=\"\"><AA:i a=\"1\">t</AA:i></AA:o>");
+    EXPECT_EQ(XmlOf(*CSmartPtr<CElement>(new CElement(spObject, nullptr))),
         "<AA:o xmlns:AA=\"urn:o\"><AA:i a=\"1\">t</AA:i></AA:o>");
 }
 
@@ -255,7 +250,7 @@ TEST(OpenContentDepthTest, LimitIsTenThousandLevels)
             std::string const strDocument = Nested(10000);
             CSmartPtr<CElement> const spElement = Parsed(strDocument);
             CSmartPtr<CElement> const spClone = spElement->Clone();
-            EXPECT_EQ(TextOf(*spClone).size(), strDocument.size() - 3);
+            EXPECT_EQ(XmlOf(*spClone).size(), strDocument.size() - 3);
             spClone->SetNamespaceRestrictions(u"##local", u"");
 
             CSmartPtr<CElement> const spDeeper(new CElement(u"a"));
@@ -351,9 +346,8 @@ WildcardRow const kWildcards[] = {
     {kSeq, Collection<CElementInfoSeqUntpdCol, true>, "<r><e/><e/><e xmlns='urn:x'/></r>", QZ_LEFT_OVER("e")},
     {kSeq, Collection<CElementInfoSeqUntpdCol, true>, "<r><e/><e>1</e></r>", "<r><e/><e>1</e></r>"},
     {kSeq, Collection<CElementInfoSeqUntpdCol, true>, "<r/>", "<r/>"},
-    {kSeq,
-        [](CTableSchema & s) { s.Element<CElementInfoSeqUntpdCol>(u"e").OnInit(NewAttributes); },
-        "<r/>", QZ_PROCESS "Serialization Data Error : The collection should be a CElementCol, it was not!"},
+    {kSeq, [](CTableSchema & s) { s.Element<CElementInfoSeqUntpdCol>(u"e").OnInit(NewAttributes); }, "<r/>",
+        QZ_PROCESS "Serialization Data Error : The collection should be a CElementCol, it was not!"},
     {kAll, [](CTableSchema & s) { Mandatory<CElementInfoAllUntpdMnd>(s), Optional<CElementInfoAllUntpdOpt>(s); },
         "<r><o/><e/></r>", "<r><e/><o/></r>"},
     {kAll, Mandatory<CElementInfoAllUntpdMnd>, "<r/>", QZ_PROCESS "Failed to find the mandatory element [e]."},
@@ -405,11 +399,10 @@ TEST(WildcardSetTest, AttributesOfTheListAreGathered)
     schema.OnInit(NewAttributes);
     CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
     spObject->FromXml("<r a='1' p:b='2' xmlns:p='urn:x'/>");
-    EXPECT_EQ(TextOf(*spObject), "<r a=\"1\" xmlns:AA=\"urn:x\" AA:b=\"2\"/>");
+    EXPECT_EQ(XmlOf(*spObject), "<r a=\"1\" xmlns:AA=\"urn:x\" AA:b=\"2\"/>");
     ExpectThrows<CQzException>(
         [&] { spObject->FromXml("<r p:b='2' xmlns:p='urn:t'/>"); }, u"Unexpected Attribute found.", u"/r/p:@b");
-    schema.OnInit(
-        [](CTableClass & object) { object[0].SetXmlCollection(new CElementCol(u"", u"##any", u"", 0, -1)); });
+    schema.OnInit([](CTableClass & object) { object[0].SetXmlCollection(new CElementCol(u"", u"##any", u"", 0, -1)); });
     ExpectThrowsChain<CQzValidationException>([&] { spObject->FromXml("<r a='1'/>"); },
         u"Failed to process the element.\nPath: /r\nSerialization Data Error "
         u": The collection should be a CAttributeCol, it was not!");
@@ -429,8 +422,7 @@ TEST(RootAttributesTest, AreWrittenFirstAndSharedWithCopies)
     schema.OnInit(NewAttributes);
     CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
     spObject->FromXml("<r own='3'><c/></r>");
-    EXPECT_EQ(Utf8(spObject->ToXml(false, false, EOLType_LF, ctx)),
-        "<r x=\"1\" xmlns:AA=\"urn:y\" AA:y=\"2\" z=\"\" own=\"3\"><c/></r>");
+    EXPECT_EQ(XmlOf(*spObject, ctx), "<r x=\"1\" xmlns:AA=\"urn:y\" AA:y=\"2\" z=\"\" own=\"3\"><c/></r>");
     EXPECT_EQ(before.GetAdditionalRootAttributes()->GetCount(), 0);
     ctx = before;
     EXPECT_EQ(ctx.GetAdditionalRootAttributes(), before.GetAdditionalRootAttributes());
@@ -438,7 +430,7 @@ TEST(RootAttributesTest, AreWrittenFirstAndSharedWithCopies)
     // Another object takes what an element of open content holds.
     CSmartPtr<CTableClass> const spOther(new CTableClass(schema));
     spOther->FromXmlElement(Parsed("<q a='1'><d/></q>").Get());
-    EXPECT_EQ(TextOf(*spOther), "<q a=\"1\"><d/></q>");
+    EXPECT_EQ(XmlOf(*spOther), "<q a=\"1\"><d/></q>");
     ExpectThrows<CQzException>(
         [&] { spOther->FromXmlElement(static_cast<CElement *>(nullptr)); }, u"Invalid or empty XML document");
 }

@@ -1,6 +1,5 @@
 #include "tests/support/BigStack.h"
 #include "tests/support/TableClass.h"
-#include "tests/support/TestText.h"
 
 using namespace QzXmlLib16;
 using namespace QzXmlLib16Data;
@@ -17,11 +16,6 @@ void AddSmallTables(CTableSchema & schema)
 {
     schema.Attribute<CAttributeInfoPrimitive>(u"id", true, ItemType_string, u"", kNone, kNoFacets, u"");
     schema.Element<CElementInfoSeqPrimOpt>(u"n", false, ItemType_i4, u"", kCollapse, kNoFacets, u"");
-}
-
-std::string Xml(CXmlObjectBase const & object, CSerializationContext const & ctx = CSerializationContext())
-{
-    return Utf8(object.ToXml(false, false, EOLType_LF, ctx));
 }
 
 CParentElementInfo Info(XmlElementGroupType eGroup, XmlElementType eType, char16_t const * name, bool hasBaseClasses,
@@ -55,15 +49,15 @@ TEST(XmlGeneratedClassTest, RootIsWrittenInItsOrder)
     ctx.GetNamespaceAliases().Add(u"t", u"urn:t");
     ctx.SetDefaultNamespaceURI(u"urn:d");
     ctx.SetInLineSchema(u"schema='x'");
-    EXPECT_EQ(Xml(*spObject, ctx),
+    EXPECT_EQ(XmlOf(*spObject, ctx),
         "<?one?>\n\n<r xmlns=\"urn:d\" xmlns:t=\"urn:t\" "
         "xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"t:baseType\" id=\"first\" q=\"second\" "
         "\nschema='x'\n><n>7</n></r>");
     ctx = CSerializationContext();
     ctx.SetWriteTypeAttribute(false);
-    EXPECT_EQ(Xml(*spObject, ctx), "<r id=\"first\" q=\"second\"><n>7</n></r>");
+    EXPECT_EQ(XmlOf(*spObject, ctx), "<r id=\"first\" q=\"second\"><n>7</n></r>");
     CSmartPtr<CTableClass> const spNamed(new CTableClass(schema, u"baseType"));
-    EXPECT_EQ(Xml(*spNamed), "<baseType q=\"second\"/>") << "a tag that equals the class name needs no xsi:type";
+    EXPECT_EQ(XmlOf(*spNamed), "<baseType q=\"second\"/>") << "a tag that equals the class name needs no xsi:type";
 }
 
 TEST(XmlGeneratedClassTest, NilObject)
@@ -74,16 +68,16 @@ TEST(XmlGeneratedClassTest, NilObject)
     CSmartPtr<CNillableTableClass> const spObject(new CNillableTableClass(schema));
     spObject->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil='TRUE' id='1'><what/></x>");
     EXPECT_TRUE(spObject->IsNil());
-    EXPECT_EQ(Xml(*spObject), "<x id=\"1\" xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>");
+    EXPECT_EQ(XmlOf(*spObject), "<x id=\"1\" xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>");
     spObject->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil='0'><m>1</m></x>");
-    EXPECT_EQ(Xml(*spObject), "<x><m>1</m></x>");
+    EXPECT_EQ(XmlOf(*spObject), "<x><m>1</m></x>");
 
     CSmartPtr<CTableClass> const spPlain(new CTableClass(schema));
-    ExpectThrowsChain<CQzException>(
-        [&] { spPlain->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil='0'/>"); },
+    ExpectThrowsChain<CQzException>([&]
+        { spPlain->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil='0'/>"); },
         u"Invalid use of 'nil' attribute in non-nillable element.\nPath: /x");
-    ExpectThrowsChain<CQzException>(
-        [&] { spObject->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil=' true '/>"); },
+    ExpectThrowsChain<CQzException>([&]
+        { spObject->FromXml("<x xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:nil=' true '/>"); },
         u"Unexpected Value [ true ] for 'nil' Attribute found.\nPath: /x/i:@nil");
 }
 
@@ -94,15 +88,15 @@ TEST(XmlGeneratedClassTest, TextProperty)
     CSmartPtr<CTableClass> const spNumber(new CTableClass(number));
     spNumber->FromXml("<r>42</r>");
     EXPECT_EQ((*spNumber)[0].GetI4(), 42);
-    EXPECT_EQ(Xml(*spNumber), "<r>42</r>");
+    EXPECT_EQ(XmlOf(*spNumber), "<r>42</r>");
     (*spNumber)[0].SetNil();
-    EXPECT_EQ(Xml(*spNumber), "<r xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>");
+    EXPECT_EQ(XmlOf(*spNumber), "<r xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>");
     // No white space rule applies.
     ExpectThrowsChain<CQzValidationException>([&] { spNumber->FromXml("<r>42 </r>"); },
         u"Failed to process the element.\nPath: /r\nThe value [42 ] can not be converted to a i4");
     (*spNumber)[0].SetInvalid();
-    ExpectThrowsChain<CQzValidationException>([&] { spNumber->ToXml(); },
-        u"Failed to convert the element [r] to XML\nInvalid Type 0 to convert to string");
+    ExpectThrowsChain<CQzValidationException>(
+        [&] { spNumber->ToXml(); }, u"Failed to convert the element [r] to XML\nInvalid Type 0 to convert to string");
 
     CTableSchema text(Info(XmlElementGroupType_Sequence, XmlElementType_Element, u"r", false, 0, ItemType_i4, true));
     text.TextProperty();
@@ -134,7 +128,7 @@ TEST(XmlGeneratedClassTest, DeepObjectsAreReadAndWritten)
         {
             CSmartPtr<CTableClass> const spObject(new CTableClass(s_schema));
             spObject->FromXml(strXml.c_str());
-            EXPECT_EQ(Xml(*spObject), strXml);
+            EXPECT_EQ(XmlOf(*spObject), strXml);
             ExpectThrows<CQzException>([&] { spObject->FromXml(("<r>" + strXml + "</r>").c_str()); },
                 u"Elements are nested deeper than 10000 levels at line 1");
         });

@@ -5,7 +5,6 @@
 #include "qzxmllib/json/JsonContext.h"
 #include "qzxmllib/values/ItemType.h"
 #include "tests/support/TableClass.h"
-#include "tests/support/TestText.h"
 
 /// The forms of an object, as bits.
 enum Forms
@@ -19,11 +18,12 @@ enum Forms
 constexpr int kNoJson = kFormXml | kFormFastInfoset | kFormSuggestedValues;
 constexpr int kAllForms = kNoJson | kFormJson | kFormFullJson;
 
-/// Writes the object in each of the forms, reads it into another of its tables, and expects its XML text to be the same.
+/// Writes the object in each of the forms, reads it into another of its tables, and expects its XML text to be the
+/// same.
 inline void ExpectSameInForms(CTableClass & object, QzXmlLib16::CSerializationContext const & base, int nForms)
 {
     using namespace QzXmlLib16;
-    std::string const strExpected = Utf8(object.ToXml(false, false, EOLType_LF, base));
+    std::string const strExpected = XmlOf(object, base);
     for (int nForm : {kFormXml, kFormFastInfoset, kFormSuggestedValues, kFormJson, kFormFullJson})
     {
         if ((nForms & nForm) == 0)
@@ -47,7 +47,7 @@ inline void ExpectSameInForms(CTableClass & object, QzXmlLib16::CSerializationCo
                 spCopy->FromXmlStream(object.ToFastInfosetStream(FInfoDecl_None, ctx), ctx);
             else
                 spCopy->FromJsonStream(object.ToJsonStream(false, XmlEncoding_UTF8, EOLType_LF, ctx), ctx);
-            EXPECT_EQ(Utf8(spCopy->ToXml(false, false, EOLType_LF, base)), strExpected) << "form " << nForm;
+            EXPECT_EQ(XmlOf(*spCopy, base), strExpected) << "form " << nForm;
         }
         catch (CQzException const & e)
         {
@@ -56,8 +56,8 @@ inline void ExpectSameInForms(CTableClass & object, QzXmlLib16::CSerializationCo
     }
 }
 
-/// What reading a document into a class of the tables and writing it again gives: the text, which then passes through the
-/// forms too, or the step that failed and its whole message.
+/// What reading a document into a class of the tables and writing it again gives: the text, which then passes through
+/// the forms too, or the step that failed and its whole message.
 inline std::string RoundTrip(CTableSchema & schema, char const * pszDocument,
     QzXmlLib16::CSerializationContext const & ctx = QzXmlLib16::CSerializationContext(), int nForms = 0)
 {
@@ -68,7 +68,7 @@ inline std::string RoundTrip(CTableSchema & schema, char const * pszDocument,
         spObject->FromXml(pszDocument, ctx);
         strStep = "write: ";
         ExpectSameInForms(*spObject, ctx, nForms);
-        return Utf8(spObject->ToXml(false, false, QzXmlLib16::EOLType_LF, ctx));
+        return XmlOf(*spObject, ctx);
     }
     catch (QzXmlLib16::CQzException const & e)
     {

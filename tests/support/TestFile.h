@@ -19,7 +19,7 @@ public:
         std::ifstream file(m_strPath, std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(file), {});
     }
-    void SetContent(std::string const & strContent) { std::ofstream(m_strPath, std::ios::binary) << strContent; }
+    void SetContent(std::string const & strContent) const { std::ofstream(m_strPath, std::ios::binary) << strContent; }
 
     std::u16string const m_strName = Wide(testing::TempDir() + std::to_string(::getpid())) + u"-\u00E4";
     std::string const m_strPath = Utf8(m_strName);
