@@ -206,6 +206,7 @@ TEST(ConversionsTest, RoundTripsDoublesOfAllSizes)
 
 TEST(ConversionsTest, DigitsOfAllWidths)
 {
+    EXPECT_EQ(Utf8(FormatFractionOfSecond(50, 100, 0)), ".0501");
     EXPECT_EQ(Utf8(TrimTrailingZeros(u"000")), "0");
     EXPECT_EQ(Utf8(TrimTrailingZeros(u"")), "");
     EXPECT_EQ(Utf8(FormatZeroPadded(1234, 3)), "1234");
