@@ -23,13 +23,12 @@ public:
     /// What is kept for the name, or null.
     Value * Find(std::uint64_t nVersion, std::u16string const & strName, std::u16string const & strUri) noexcept
     {
-        // A name mostly lies where it lay before.
-        Latest & latest = m_latest[reinterpret_cast<std::uintptr_t>(&strName) * kFactor >> (64 - kLatestBits)];
+        std::uint32_t const nHash = Hash(strName, strUri);
+        Latest & latest = m_latest[nHash % m_latest.size()];
         if (latest.nVersion == nVersion && latest.pEntry->Is(strName, strUri))
             return &latest.pEntry->value;
         if (m_slots.empty())
             return nullptr;
-        std::uint32_t const nHash = Hash(strName, strUri);
         for (std::size_t i = nHash; Slot const * const pSlot = InUse(i); ++i)
             if (pSlot->nHash == nHash && pSlot->nVersion == nVersion && m_entries[pSlot->nEntry].Is(strName, strUri))
             {
@@ -93,10 +92,8 @@ private:
         Value value{};
     };
 
-    static constexpr unsigned kLatestBits = 7;
-    static constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
 
-    /// By the address of the name.
+    /// By the hash of the name, which finds most names at once.
     struct Latest
     {
         std::uint64_t nVersion = 0; ///< 0 for none
@@ -111,6 +108,7 @@ private:
     /// Names of one document differ mostly in the local name.
     static std::uint32_t Hash(std::u16string_view name, std::u16string_view uri) noexcept
     {
+        constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
         std::size_t const n = name.size();
         std::uint64_t nHash = uri.size() << 8 | n;
         if (n >= 4)
@@ -122,7 +120,7 @@ private:
         return static_cast<std::uint32_t>(nHash >> 32 ^ nHash >> 52);
     }
 
-    std::array<Latest, std::size_t(1) << kLatestBits> m_latest{};
+    std::array<Latest, 128> m_latest{};
     std::vector<Slot> m_slots; ///< at most half full
     std::deque<Entry> m_entries;
 };
