@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 
 #include <algorithm>
@@ -7,8 +8,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace QzXmlLib16
@@ -125,6 +128,62 @@ private:
     std::array<Latest, std::size_t(1) << kLatestBits> m_latest{};
     std::vector<Slot> m_slots; ///< at most half full
     std::deque<Entry> m_entries;
+};
+
+/// The declarations of the last root.
+class CKnownDeclarations
+{
+public:
+    /// The version of the root's declarations, or the one under which the same were last met, so that what was made of
+    /// names holds.
+    std::uint64_t VersionOf(CXmlWriter::CXmlWriterContext const & root)
+    {
+        if (m_nVersion != 0 && m_strDefaultNamespace == root.GetDefaultNamespace() &&
+            m_namespaces == root.GetNamespaces())
+            return m_nVersion;
+        m_nVersion = 0;
+        m_strDefaultNamespace = root.GetDefaultNamespace();
+        m_namespaces = root.GetNamespaces();
+        return m_nVersion = root.GetDeclarationsVersion();
+    }
+
+private:
+    std::u16string m_strDefaultNamespace;
+    CXmlWriter::CNamespaceMap m_namespaces;
+    std::uint64_t m_nVersion = 0; ///< 0 for none
+};
+
+/// What a writer has made of names, kept by the thread for the next writer: documents of one kind follow each other.
+/// GetSize of Names tells how much there is.
+template <class Names>
+class CNameSpare
+{
+public:
+    static std::unique_ptr<Names> Take()
+    {
+        Names * const pSpare = std::exchange(t_pSpare, nullptr);
+        return std::unique_ptr<Names>(pSpare != nullptr ? pSpare : new Names);
+    }
+    static void GiveBack(std::unique_ptr<Names> spNames) noexcept
+    {
+        struct Cleaner
+        {
+            ~Cleaner()
+            {
+                t_bThreadEnds = true;
+                delete std::exchange(t_pSpare, nullptr);
+            }
+        };
+        if (t_bThreadEnds || t_pSpare != nullptr || spNames->GetSize() > kMostKept)
+            return;
+        static thread_local Cleaner const t_cleaner;
+        t_pSpare = spNames.release();
+    }
+
+private:
+    static constexpr std::size_t kMostKept = 512;
+    static inline thread_local Names * t_pSpare = nullptr;
+    static inline thread_local bool t_bThreadEnds = false;
 };
 
 } // namespace QzXmlLib16
