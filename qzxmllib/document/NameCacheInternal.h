@@ -24,22 +24,13 @@ class CNameCache
 {
 public:
     /// What is kept for the name, or null.
-    Value * Find(std::uint64_t nVersion, std::u16string const & strName, std::u16string const & strUri) noexcept
+    Value * Find(std::uint64_t nVersion, std::u16string const & strName, std::u16string_view uri) noexcept
     {
         // A name mostly lies where it lay before.
         Latest & latest = m_latest[reinterpret_cast<std::uintptr_t>(&strName) * kFactor >> (64 - kLatestBits)];
-        if (latest.nVersion == nVersion && latest.pEntry->Is(strName, strUri))
+        if (latest.nVersion == nVersion && latest.pEntry->Is(strName, uri))
             return &latest.pEntry->value;
-        if (m_slots.empty())
-            return nullptr;
-        std::uint32_t const nHash = Hash(strName, strUri);
-        for (std::size_t i = nHash; Slot const * const pSlot = InUse(i); ++i)
-            if (pSlot->nHash == nHash && pSlot->nVersion == nVersion && m_entries[pSlot->nEntry].Is(strName, strUri))
-            {
-                latest = {nVersion, &m_entries[pSlot->nEntry]};
-                return &latest.pEntry->value;
-            }
-        return nullptr;
+        return FindSlot(nVersion, strName, uri, latest);
     }
     /// Keeps a name that is not there, and gives what is to be filled for it.
     Value & Keep(std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri)
@@ -106,6 +97,20 @@ private:
         Entry * pEntry = nullptr;
     };
 
+    [[gnu::noinline]] Value * FindSlot(
+        std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri, Latest & latest) noexcept
+    {
+        if (m_slots.empty())
+            return nullptr;
+        std::uint32_t const nHash = Hash(name, uri);
+        for (std::size_t i = nHash; Slot const * const pSlot = InUse(i); ++i)
+            if (pSlot->nHash == nHash && pSlot->nVersion == nVersion && m_entries[pSlot->nEntry].Is(name, uri))
+            {
+                latest = {nVersion, &m_entries[pSlot->nEntry]};
+                return &latest.pEntry->value;
+            }
+        return nullptr;
+    }
     Slot const * InUse(std::size_t i) const noexcept
     {
         Slot const & slot = m_slots[i & (m_slots.size() - 1)];

@@ -247,17 +247,18 @@ void CJsonTextWriter::WriteValue(std::u16string_view text, ItemType eType)
 }
 
 /// What the property of a name begins with. Null if its namespace has no alias, and for a name that needs escapes.
+template <bool bAttribute>
 inline std::u16string const * CJsonTextWriter::FindHead(
-    CXmlWriterContext const & context, bool bAttribute, std::u16string const & strName, std::u16string const & strUri)
+    CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri)
 {
-    static std::u16string const s_strNone;
     if (!m_bNamesFit)
         FitNames();
     bool const bFull = m_eRoundTrip == JsonRoundTrip_Full;
     std::uint64_t const nVersion = bFull ? context.GetDeclarationsVersion() : kNoDeclarations;
     auto & names = bAttribute ? m_spNames->attributes : m_spNames->elements;
-    std::u16string const * const pHead = names.Find(nVersion, strName, bFull ? strUri : s_strNone);
-    return pHead != nullptr ? pHead : MakeHead(context, bAttribute, strName, bFull ? strUri : s_strNone);
+    std::u16string_view const uri = bFull ? std::u16string_view(strUri) : std::u16string_view();
+    std::u16string const * const pHead = names.Find(nVersion, strName, uri);
+    return pHead != nullptr ? pHead : MakeHead(context, bAttribute, strName, strUri);
 }
 
 void CJsonTextWriter::FitNames()
@@ -312,12 +313,13 @@ inline bool CJsonTextWriter::OpensArray(CXmlWriterContext const & holder) const
 }
 
 /// Writes a property in one piece. False, and nothing done, if it is not of the usual kind.
-inline bool CJsonTextWriter::WriteShortProperty(CXmlWriterContext & holder, bool bAttribute,
-    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
+template <bool bAttribute>
+inline bool CJsonTextWriter::WriteShortProperty(CXmlWriterContext & holder, std::u16string const & strName,
+    std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
     if (value.size() > kLongestInOnePiece || OpensArray(holder))
         return false;
-    std::u16string const * const pHead = FindHead(holder, bAttribute, strName, strUri);
+    std::u16string const * const pHead = FindHead<bAttribute>(holder, strName, strUri);
     if (pHead == nullptr)
         return false;
     std::u16string_view const lineBreak = Break(holder.m_nDepth + 1);
@@ -434,7 +436,7 @@ void CJsonTextWriter::FinishArray(CXmlWriterContext & holder, bool bElementFollo
 bool CJsonTextWriter::IsNextItem(std::u16string const & strName, std::u16string const & strUri) const
 {
     ItemName const & first = m_arrays[m_nArrays - 1];
-    return EqualName(strName, first.strName) && (m_eRoundTrip != JsonRoundTrip_Full || EqualName(strUri, first.strUri));
+    return EqualText(strName, first.strName) && (m_eRoundTrip != JsonRoundTrip_Full || EqualText(strUri, first.strUri));
 }
 
 /// Makes the value of the element an object that can take one more property, which begins a new line.
@@ -537,7 +539,7 @@ bool CJsonTextWriter::WriteShortStart(
     std::u16string_view head;
     if (bNamed)
     {
-        std::u16string const * const pHead = FindHead(holder, false, strName, strUri);
+        std::u16string const * const pHead = FindHead<false>(holder, strName, strUri);
         if (pHead == nullptr)
             return false;
         head = {pHead->data(), pHead->size() - kSlack - 1};
@@ -555,7 +557,7 @@ void CJsonTextWriter::WriteElementView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
 {
     if (m_bWholeElements && m_pContext != nullptr && m_pContext->m_eArrayState == ArrayState_None && !text.empty() &&
-        WriteShortProperty(*m_pContext, false, strName, strUri, text, eType))
+        WriteShortProperty<false>(*m_pContext, strName, strUri, text, eType))
         CountPassingContext();
     else
         CXmlWriter::WriteElementView(strName, strUri, text, eType);
@@ -620,7 +622,7 @@ void CJsonTextWriter::WriteAttributeView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
     CXmlWriterContext & context = RequireContext();
-    if (WriteShortProperty(context, true, strName, strUri, value, eType))
+    if (WriteShortProperty<true>(context, strName, strUri, value, eType))
         return;
     WriteSeparator(context);
     std::u16string const * const pAlias =

@@ -110,14 +110,16 @@ private:
     bool IsNextItem(std::u16string const & strName, std::u16string const & strUri) const;
     void FlushIfFull();
     void FitNames();
-    std::u16string const * FindHead(CXmlWriterContext const & context, bool bAttribute, std::u16string const & strName,
-        std::u16string const & strUri);
+    template <bool bAttribute>
+    std::u16string const * FindHead(
+        CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
     std::u16string const * MakeHead(CXmlWriterContext const & context, bool bAttribute, std::u16string const & strName,
         std::u16string const & strUri);
     bool OpensArray(CXmlWriterContext const & holder) const;
     char16_t * PutSeparator(char16_t * pRoom, std::u16string_view lineBreak) const;
-    bool WriteShortProperty(CXmlWriterContext & holder, bool bAttribute, std::u16string const & strName,
-        std::u16string const & strUri, std::u16string_view value, ItemType eType);
+    template <bool bAttribute>
+    bool WriteShortProperty(CXmlWriterContext & holder, std::u16string const & strName, std::u16string const & strUri,
+        std::u16string_view value, ItemType eType);
     bool WriteShortStart(
         CXmlWriterContext & holder, bool bNamed, std::u16string const & strName, std::u16string const & strUri);
 
