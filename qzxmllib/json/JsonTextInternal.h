@@ -20,6 +20,20 @@ struct CSpecialInJson
 #endif
 };
 
+/// What ends the indentation of a line.
+struct CNotBlank
+{
+    static bool Is(char16_t c) noexcept { return c != u' ' && c != u'\t'; }
+#if defined(__SSE2__)
+    static unsigned Bits(__m128i units) noexcept
+    {
+        __m128i const blank = _mm_cmpeq_epi16(units, _mm_set1_epi16(u' '));
+        __m128i const tab = _mm_cmpeq_epi16(units, _mm_set1_epi16(u'\t'));
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(blank, tab))) ^ 0xFFFF;
+    }
+#endif
+};
+
 /// The code unit that ends every text.
 struct CZero
 {
