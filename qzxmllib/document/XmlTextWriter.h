@@ -82,6 +82,8 @@ private:
     void FlushIfFull();
     TagText const * FindTags(
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
+    TagText const * MakeTags(
+        CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
     bool WriteShortAttribute(CXmlWriterContext const & context, std::u16string const & strName,
         std::u16string const & strUri, std::u16string_view value);
     bool WriteShortElement(std::u16string const & strName, std::u16string const & strUri, std::u16string_view text);
