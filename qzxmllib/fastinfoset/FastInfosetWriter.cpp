@@ -2,6 +2,7 @@
 
 #include "qzxmllib/document/BinaryStream.h"
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
@@ -10,6 +11,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <typeinfo>
+#include <utility>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace QzXmlLib16
 {
@@ -22,7 +29,8 @@ constexpr std::size_t kBlock = 32768;
 constexpr std::size_t kMaxUnitsAtOnce = 4096;
 /// The longest lead octets of a number.
 constexpr std::size_t kLongestNumber = 5;
-constexpr std::size_t kLastNames = 256;
+/// Text up to this length is written in one piece with what stands in front of it.
+constexpr std::size_t kLongestInOnePiece = 1024;
 
 constexpr unsigned kAttributesPresent = 0x40;
 constexpr unsigned kNamespacesPresent = 0x38;
@@ -36,64 +44,150 @@ constexpr unsigned kValueAdd = 0x40;
 
 constexpr std::u16string_view kVocabularyUri = u"http://qzxmllib.example/fastinfoset/vocabulary/1";
 
-/// Four code units.
-std::uint64_t Load(char16_t const * p) noexcept
+/// Puts a number. Needs room for kLongestNumber octets.
+template <FIForms const & forms, std::size_t nRow = 0>
+inline unsigned char * PutNumberAt(unsigned char * p, unsigned dwLead, std::uint32_t dwNumber) noexcept
 {
-    std::uint64_t n;
-    std::memcpy(&n, p, sizeof n);
-    return n;
+    constexpr FIForm form = forms.pRows[nRow];
+    if constexpr (nRow + 1 < forms.nRows)
+        if (dwNumber - form.dwBase >= form.Count())
+            return PutNumberAt<forms, nRow + 1>(p, dwLead, dwNumber);
+    std::uint64_t const nRest = dwNumber - form.dwBase;
+    *p++ = static_cast<unsigned char>(dwLead | form.dwLead | nRest >> (8 * form.nOctets));
+    for (std::uint32_t n = form.nOctets; n-- > 0;)
+        *p++ = static_cast<unsigned char>(nRest >> (8 * n));
+    return p;
 }
 
-/// Names are too short for a call.
-bool SameUnits(char16_t const * pA, std::u16string_view b) noexcept
+/// Copies a text of code units from 1 to 127. False if there is any other; the copy is of no use then.
+bool CopyAscii(unsigned char * pOut, std::u16string_view text) noexcept
 {
-    std::size_t const n = b.size();
-    char16_t const * const pB = b.data();
-    if (n < 4)
+    std::size_t const nUnits = text.size();
+#if defined(__SSE2__)
+    auto const at = [&text](std::size_t n) { return reinterpret_cast<__m128i const *>(text.data() + n); };
+    __m128i const one = _mm_set1_epi16(1);
+    auto const odd = [one](__m128i units)
+    { return _mm_subs_epu16(_mm_sub_epi16(units, one), _mm_set1_epi16(0x7E)); };
+    auto const none = [](__m128i bits)
+    { return _mm_movemask_epi8(_mm_cmpeq_epi8(bits, _mm_setzero_si128())) == 0xFFFF; };
+    if (nUnits >= 8)
     {
-        for (std::size_t i = 0; i < n; ++i)
-            if (pA[i] != pB[i])
-                return false;
-        return true;
+        __m128i found = _mm_setzero_si128();
+        for (std::size_t nAt = 0;; nAt = std::min(nAt + 8, nUnits - 8))
+        {
+            __m128i const units = _mm_loadu_si128(at(nAt));
+            found = _mm_or_si128(found, odd(units));
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut + nAt), _mm_packus_epi16(units, units));
+            // The last step may overlap the one before it.
+            if (nAt == nUnits - 8)
+                return none(found);
+        }
     }
-    for (std::size_t i = 0; i + 4 < n; i += 4)
-        if (Load(pA + i) != Load(pB + i))
-            return false;
-    return Load(pA + n - 4) == Load(pB + n - 4);
-}
-
-/// Whether the parts make the key. The two code units between them have their place whatever they are.
-bool IsKeyOf(std::u16string const & strKey, std::u16string_view prefix, std::u16string_view uri,
-    std::u16string_view localName) noexcept
-{
-    char16_t const * const pKey = strKey.data();
-    return strKey.size() == prefix.size() + uri.size() + localName.size() + 2 && SameUnits(pKey, localName) &&
-           pKey[localName.size()] == 1 && SameUnits(pKey + localName.size() + 1, uri) &&
-           pKey[localName.size() + 1 + uri.size()] == 1 && SameUnits(pKey + localName.size() + uri.size() + 2, prefix);
-}
-
-/// Names of one document differ mostly in the local name.
-std::size_t LastNameSlot(std::u16string_view uri, std::u16string_view localName) noexcept
-{
-    std::size_t const n = localName.size();
-    std::uint64_t nHash = uri.size() << 8 | n;
-    if (n >= 4)
-        nHash ^= Load(localName.data()) * 3 + Load(localName.data() + n - 4);
-    else
-        for (char16_t const c : localName)
-            nHash = nHash << 16 ^ c;
-    return (nHash * 0x9E3779B97F4A7C15u >> 32) % kLastNames;
+    if (nUnits >= 4)
+    {
+        __m128i const units = _mm_unpacklo_epi64(_mm_loadl_epi64(at(0)), _mm_loadl_epi64(at(nUnits - 4)));
+        __m128i const packed = _mm_packus_epi16(units, units);
+        auto const nHead = static_cast<std::uint32_t>(_mm_cvtsi128_si32(packed));
+        auto const nTail = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_srli_si128(packed, 4)));
+        std::memcpy(pOut, &nHead, sizeof nHead);
+        std::memcpy(pOut + nUnits - 4, &nTail, sizeof nTail);
+        return none(odd(units));
+    }
+#endif
+    bool bPlain = true;
+    for (std::size_t nAt = 0; nAt < nUnits; ++nAt)
+    {
+        bPlain = bPlain && static_cast<char16_t>(text[nAt] - 1) < 0x7F;
+        pOut[nAt] = static_cast<unsigned char>(text[nAt]);
+    }
+    return bPlain;
 }
 
 } // namespace
 
-CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream)
-    : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context),
-      m_pVocabulary(
-          context.GetUseGeneratedVocabulary() ? new CFIVocabulary(*context.GetVocabulary()) : new CFIVocabulary()),
-      m_lastElementNames(kLastNames), m_lastAttributeNames(kLastNames), m_spOctets(new unsigned char[kBlock]),
-      m_nSize(kBlock)
+/// The index of a name, as octets with no other bits set.
+struct CFastInfosetWriter::KnownName
 {
+    static constexpr std::size_t kMostOctets = 4;
+
+    /// The document whose tables hold the name.
+    std::uint64_t nDocument = 0;
+    unsigned char abyIndex[kMostOctets] = {};
+    std::uint32_t nOctets = 0;
+};
+
+/// Kept by the thread from one writer to the next: documents of one kind follow each other.
+struct CFastInfosetWriter::Tables
+{
+    using CNames = CNameCache<KnownName>;
+
+    CNames elements;
+    CNames attributes;
+    CFIVocabulary vocabulary;
+    /// Raised for each writer.
+    std::uint64_t nDocument = 0;
+    /// The declarations of the last root, with their version.
+    std::u16string strDefaultNamespace;
+    CNamespaceMap namespaces;
+    std::uint64_t nVersion = 0;
+    unsigned char abyOctets[kBlock];
+
+    static constexpr std::size_t kMostKept = 512;
+    static thread_local Tables * t_pSpare;
+    static thread_local bool t_bThreadEnds;
+
+    Tables() {} // leaves the octets as they are
+
+    static std::unique_ptr<Tables> Take()
+    {
+        std::unique_ptr<Tables> spTables(std::exchange(t_pSpare, nullptr));
+        if (spTables == nullptr)
+            spTables.reset(new Tables);
+        ++spTables->nDocument;
+        return spTables;
+    }
+    static void GiveBack(std::unique_ptr<Tables> spTables)
+    {
+        struct Cleaner
+        {
+            ~Cleaner()
+            {
+                t_bThreadEnds = true;
+                delete std::exchange(t_pSpare, nullptr);
+            }
+        };
+        if (t_bThreadEnds || t_pSpare != nullptr || spTables->elements.GetSize() > kMostKept ||
+            spTables->attributes.GetSize() > kMostKept)
+            return;
+        static thread_local Cleaner const t_cleaner;
+        t_pSpare = spTables.release();
+    }
+
+    void Remember(CNames & names, std::uint64_t nNamesVersion, std::u16string const & strName,
+        std::u16string const & strUri, FIForms const & forms, std::uint32_t dwIndex)
+    {
+        KnownName * pName = names.Find(nNamesVersion, strName, strUri);
+        if (pName == nullptr)
+            pName = &names.Keep(nNamesVersion, strName, strUri);
+        unsigned char * const p = pName->abyIndex;
+        unsigned char const * const pEnd = &forms == &kIntegerOnBit3 ? PutNumberAt<kIntegerOnBit3>(p, 0, dwIndex)
+                                                                     : PutNumberAt<kIntegerOnBit2>(p, 0, dwIndex);
+        pName->nOctets = static_cast<std::uint32_t>(pEnd - p);
+        pName->nDocument = nDocument;
+    }
+};
+
+thread_local CFastInfosetWriter::Tables * CFastInfosetWriter::Tables::t_pSpare = nullptr;
+thread_local bool CFastInfosetWriter::Tables::t_bThreadEnds = false;
+
+CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream)
+    : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context), m_spTables(Tables::Take()),
+      m_spGenerated(context.GetUseGeneratedVocabulary() ? new CFIVocabulary(*context.GetVocabulary()) : nullptr),
+      m_pVocabulary(m_spGenerated != nullptr ? m_spGenerated.get() : &m_spTables->vocabulary),
+      m_pOctets(m_spTables->abyOctets)
+{
+    if (m_spGenerated == nullptr)
+        m_pVocabulary->ClearMaps();
 }
 
 CFastInfosetWriter::~CFastInfosetWriter()
@@ -101,21 +195,15 @@ CFastInfosetWriter::~CFastInfosetWriter()
     // The base frees the records from the innermost one on, and the pending one owns all others.
     if (m_pPendingContext != nullptr)
         m_pContext = m_pPendingContext;
+    Tables::GiveBack(std::move(m_spTables));
 }
 
-/// Makes room for so many octets and gives it. The octets count when m_nUsed is raised.
+/// Makes room for so many octets, at most kBlock, and gives it. The octets count when m_nUsed is raised.
 inline unsigned char * CFastInfosetWriter::Room(std::size_t nOctets)
 {
-    if (m_nSize - m_nUsed < nOctets)
-    {
+    if (kBlock - m_nUsed < nOctets)
         FlushOctets();
-        if (m_nSize < nOctets)
-        {
-            m_spOctets.reset(new unsigned char[nOctets]);
-            m_nSize = nOctets;
-        }
-    }
-    return m_spOctets.get() + m_nUsed;
+    return m_pOctets + m_nUsed;
 }
 
 inline void CFastInfosetWriter::Put(unsigned dwOctet)
@@ -212,9 +300,15 @@ void CFastInfosetWriter::WriteStartElement(std::u16string const & strName, std::
         ++m_pContext->m_nChildCount;
         CloseAttributeList(*m_pContext);
     }
+    else
+    {
+        m_bWholeElements = typeid(*this) == typeid(CFastInfosetWriter);
+    }
     CXmlWriterContext * const pParent = m_pContext;
     m_pPendingContext = &PushContext(strName, strUri);
     m_pContext = pParent;
+    m_nPendingVersion = m_pPendingContext->GetDeclarationsVersion();
+    m_pPendingName = m_spTables->elements.Find(m_nPendingVersion, strName, strUri);
 }
 
 void CFastInfosetWriter::WriteText(std::u16string const & strText, ItemType eType)
@@ -230,20 +324,107 @@ void CFastInfosetWriter::WriteTextView(std::u16string_view text, ItemType eType)
     CloseAttributeList(context);
     if (text.empty())
         return;
+    if (WritePlainValue<true>(text, eType))
+        return;
     CIndexMap & map = m_pVocabulary->m_mapCharacterChunks;
     if (text.size() >= m_pFIContext->GetElementMaxAddLength())
     {
         WriteEncodedString(kStringOnBit5, kChunk, text, eType);
         return;
     }
-    std::uint32_t dwIndex = 0;
-    if (map.Find(text, dwIndex))
+    CIndexMap::Spot spot;
+    if (std::uint32_t const dwIndex = map.Find(text, spot))
     {
         PutNumber(kIntegerOnBit4, kChunk | kChunkIndex, dwIndex);
         return;
     }
     WriteEncodedString(kStringOnBit5, kChunk | kChunkAdd, text, eType);
-    map.Add(text);
+    map.Add(text, spot);
+}
+
+/// Puts a value that is not empty and not longer than kLongestInOnePiece: an index, or text if it is ASCII and goes out
+/// literally. Null, and nothing changed, if it is anything else.
+template <bool bChunk>
+unsigned char * CFastInfosetWriter::PutPlainValue(unsigned char * p, std::u16string_view text, ItemType eType)
+{
+    CIndexMap & map = bChunk ? m_pVocabulary->m_mapCharacterChunks : m_pVocabulary->m_mapAttributeValues;
+    bool const bAdd =
+        text.size() < (bChunk ? m_pFIContext->GetElementMaxAddLength() : m_pFIContext->GetAttributeMaxAddLength());
+    unsigned dwLead = bChunk ? kChunk : 0;
+    CIndexMap::Spot spot;
+    if (bAdd)
+    {
+        if (std::uint32_t const dwIndex = map.Find(text, spot))
+            return bChunk ? PutNumberAt<kIntegerOnBit4>(p, kChunk | kChunkIndex, dwIndex)
+                          : PutNumberAt<kIntegerOnBit2>(p, kIndexOnBit1, dwIndex);
+        dwLead |= bChunk ? kChunkAdd : kValueAdd;
+    }
+    if (m_pFIContext->GetEncoding(static_cast<unsigned long>(eType)).m_eKind !=
+            CFastInfosetContext::ECS_DefaultEncoding ||
+        m_pFIContext->GetDefaultStringEncoding() != 0)
+        return nullptr;
+    auto const nUnits = static_cast<std::uint32_t>(text.size());
+    p = bChunk ? PutNumberAt<kLengthOnBit7>(p, dwLead, nUnits) : PutNumberAt<kLengthOnBit5>(p, dwLead, nUnits);
+    if (!CopyAscii(p, text))
+        return nullptr;
+    if (bAdd)
+        map.Add(text, spot);
+    return p + nUnits;
+}
+
+/// As PutPlainValue, for any length. False if the value is left to others.
+template <bool bChunk>
+inline bool CFastInfosetWriter::WritePlainValue(std::u16string_view text, ItemType eType)
+{
+    if (text.size() > kLongestInOnePiece)
+        return false;
+    unsigned char const * const pEnd = PutPlainValue<bChunk>(Room(kLongestNumber + text.size()), text, eType);
+    if (pEnd == nullptr)
+        return false;
+    m_nUsed = static_cast<std::size_t>(pEnd - m_pOctets);
+    return true;
+}
+
+/// Writes an element that holds a text in one piece. False if it is not of the usual kind; nothing has been done then
+/// that starting the element would not do.
+bool CFastInfosetWriter::WriteShortElement(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
+{
+    if (!m_bWholeElements || text.size() > kLongestInOnePiece)
+        return false;
+    FlushStartElement(false);
+    if (m_pContext == nullptr)
+        return false;
+    CXmlWriterContext & parent = *m_pContext;
+    KnownName const * const pName = m_spTables->elements.Find(parent.GetDeclarationsVersion(), strName, strUri);
+    if (!IsKnown(pName))
+        return false;
+    unsigned char * p = Room(2 + KnownName::kMostOctets + kLongestNumber + text.size());
+    if (m_bPendingTerminator)
+        *p++ = kTerminator;
+    if (parent.m_bStartTagOpen && parent.m_bContentFlag)
+        *p++ = kTerminator;
+    std::memcpy(p, pName->abyIndex, KnownName::kMostOctets);
+    p += pName->nOctets;
+    if (!text.empty())
+    {
+        p = PutPlainValue<true>(p, text, eType);
+        if (p == nullptr)
+            return false;
+    }
+    m_nUsed = static_cast<std::size_t>(p - m_pOctets);
+    m_bPendingTerminator = true;
+    parent.m_bStartTagOpen = false;
+    ++parent.m_nChildCount;
+    CountPassingContext();
+    return true;
+}
+
+void CFastInfosetWriter::WriteElementView(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
+{
+    if (!WriteShortElement(strName, strUri, text, eType))
+        CXmlWriter::WriteElementView(strName, strUri, text, eType);
 }
 
 void CFastInfosetWriter::WriteEndElement()
@@ -266,10 +447,21 @@ void CFastInfosetWriter::WriteAttributeView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
     CXmlWriterContext & context = RequireAttributes();
-    std::u16string_view prefix;
-    if (!strUri.empty())
-        prefix = *FindPrefix(context, strUri).pAlias;
-    WriteName(kAttributeName, 0, prefix, strUri, strName);
+    Tables & tables = *m_spTables;
+    KnownName const * const pName = tables.attributes.Find(context.GetDeclarationsVersion(), strName, strUri);
+    if (IsKnown(pName))
+    {
+        PutKnownName(*pName, 0);
+    }
+    else
+    {
+        std::u16string_view prefix;
+        if (!strUri.empty())
+            prefix = *FindPrefix(context, strUri).pAlias;
+        if (std::uint32_t const dwIndex = WriteName(kAttributeName, 0, prefix, strUri, strName))
+            tables.Remember(
+                tables.attributes, context.GetDeclarationsVersion(), strName, strUri, kAttributeName.indexes, dwIndex);
+    }
     WriteAttributeValue(value, eType);
 }
 
@@ -307,12 +499,54 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
         WriteRootNamespaces(dwLead);
         dwLead = 0;
     }
-    std::u16string_view prefix;
-    if (!NeedsNoPrefix(context, context.m_strNamespace))
-        prefix = *FindPrefix(context, context.m_strNamespace).pAlias;
-    WriteName(kElementName, dwLead, prefix, context.m_strNamespace, context.m_strName);
+    if (IsKnown(m_pPendingName) && context.GetDeclarationsVersion() == m_nPendingVersion)
+    {
+        PutKnownName(*m_pPendingName, dwLead);
+    }
+    else
+    {
+        std::u16string_view prefix;
+        if (!NeedsNoPrefix(context, context.m_strNamespace))
+            prefix = *FindPrefix(context, context.m_strNamespace).pAlias;
+        if (m_pContext == nullptr)
+            KnowDeclarations(context);
+        Tables & tables = *m_spTables;
+        if (std::uint32_t const dwIndex =
+                WriteName(kElementName, dwLead, prefix, context.m_strNamespace, context.m_strName))
+            tables.Remember(tables.elements, context.GetDeclarationsVersion(), context.m_strName,
+                context.m_strNamespace, kElementName.indexes, dwIndex);
+    }
     m_pContext = m_pPendingContext;
     m_pPendingContext = nullptr;
+}
+
+/// Gives declarations that are the same as those of the last root their version, so that what was made of names holds.
+void CFastInfosetWriter::KnowDeclarations(CXmlWriterContext & root)
+{
+    Tables & tables = *m_spTables;
+    if (tables.nVersion != 0 && tables.strDefaultNamespace == root.GetDefaultNamespace() &&
+        tables.namespaces == root.GetNamespaces())
+    {
+        SetDeclarationsVersion(root, tables.nVersion);
+        return;
+    }
+    tables.nVersion = 0;
+    tables.strDefaultNamespace = root.GetDefaultNamespace();
+    tables.namespaces = root.GetNamespaces();
+    tables.nVersion = root.GetDeclarationsVersion();
+}
+
+inline bool CFastInfosetWriter::IsKnown(KnownName const * pName) const noexcept
+{
+    return pName != nullptr && pName->nDocument == m_spTables->nDocument;
+}
+
+inline void CFastInfosetWriter::PutKnownName(KnownName const & name, unsigned dwLead)
+{
+    unsigned char * const p = Room(KnownName::kMostOctets);
+    std::memcpy(p, name.abyIndex, KnownName::kMostOctets);
+    *p = static_cast<unsigned char>(*p | dwLead);
+    m_nUsed += name.nOctets;
 }
 
 /// Declarations stand on the root only. An alias made up further down lives in the names that carry it.
@@ -345,51 +579,40 @@ CXmlWriter::CXmlWriterContext & CFastInfosetWriter::RequireAttributes()
     return context;
 }
 
-void CFastInfosetWriter::WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix,
+/// Gives the index that the name has from now on, or 0 if the table is full.
+std::uint32_t CFastInfosetWriter::WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix,
     std::u16string_view uri, std::u16string_view localName)
 {
-    bool const bElement = &form == &kElementName;
-    LastName & last = (bElement ? m_lastElementNames : m_lastAttributeNames)[LastNameSlot(uri, localName)];
-    if (IsKeyOf(last.strKey, prefix, uri, localName))
-    {
-        PutNumber(form.indexes, dwLead, last.dwIndex);
-        return;
-    }
-    CIndexMap & map = bElement ? m_pVocabulary->m_mapElementNames : m_pVocabulary->m_mapAttributeNames;
-    std::u16string strKey = CFIVocabulary::NameKey(prefix, uri, localName);
-    std::uint32_t dwIndex = 0;
-    if (map.Find(strKey, dwIndex))
+    CIndexMap & map = &form == &kElementName ? m_pVocabulary->m_mapElementNames : m_pVocabulary->m_mapAttributeNames;
+    CFIVocabulary::NameKey(prefix, uri, localName, m_strKey);
+    CIndexMap::Spot spot;
+    if (std::uint32_t const dwIndex = map.Find(m_strKey, spot))
     {
         PutNumber(form.indexes, dwLead, dwIndex);
+        return dwIndex;
     }
-    else
-    {
-        unsigned const dwParts = (prefix.empty() ? 0 : kNamePrefix) | (uri.empty() ? 0 : kNameNamespace);
-        Put(dwLead | form.dwLiteral | dwParts);
-        if (!prefix.empty())
-            WriteNamePart(m_pVocabulary->m_mapPrefixNames, prefix);
-        if (!uri.empty())
-            WriteNamePart(m_pVocabulary->m_mapNamespaceNames, uri);
-        WriteNamePart(m_pVocabulary->m_mapLocalNames, localName);
-        dwIndex = map.Size() + 1;
-        map.Add(strKey);
-        if (map.Size() < dwIndex)
-            return;
-    }
-    last.strKey = std::move(strKey);
-    last.dwIndex = dwIndex;
+    unsigned const dwParts = (prefix.empty() ? 0 : kNamePrefix) | (uri.empty() ? 0 : kNameNamespace);
+    Put(dwLead | form.dwLiteral | dwParts);
+    if (!prefix.empty())
+        WriteNamePart(m_pVocabulary->m_mapPrefixNames, prefix);
+    if (!uri.empty())
+        WriteNamePart(m_pVocabulary->m_mapNamespaceNames, uri);
+    WriteNamePart(m_pVocabulary->m_mapLocalNames, localName);
+    std::uint32_t const dwNext = map.Size() + 1;
+    map.Add(m_strKey, spot);
+    return map.Size() == dwNext ? dwNext : 0;
 }
 
 void CFastInfosetWriter::WriteNamePart(CIndexMap & map, std::u16string_view name)
 {
-    std::uint32_t dwIndex = 0;
-    if (map.Find(name, dwIndex))
+    CIndexMap::Spot spot;
+    if (std::uint32_t const dwIndex = map.Find(name, spot))
     {
         PutNumber(kIntegerOnBit2, kIndexOnBit1, dwIndex);
         return;
     }
     WriteLiteralName(name);
-    map.Add(name);
+    map.Add(name, spot);
 }
 
 void CFastInfosetWriter::WriteLiteralName(std::u16string_view name)
@@ -408,20 +631,22 @@ void CFastInfosetWriter::WriteAttributeValue(std::u16string_view value, ItemType
         Put(kEmptyValue);
         return;
     }
+    if (WritePlainValue<false>(value, eType))
+        return;
     if (value.size() >= m_pFIContext->GetAttributeMaxAddLength())
     {
         WriteEncodedString(kStringOnBit3, 0, value, eType);
         return;
     }
     CIndexMap & map = m_pVocabulary->m_mapAttributeValues;
-    std::uint32_t dwIndex = 0;
-    if (map.Find(value, dwIndex))
+    CIndexMap::Spot spot;
+    if (std::uint32_t const dwIndex = map.Find(value, spot))
     {
         PutNumber(kIntegerOnBit2, kIndexOnBit1, dwIndex);
         return;
     }
     WriteEncodedString(kStringOnBit3, kValueAdd, value, eType);
-    map.Add(value);
+    map.Add(value, spot);
 }
 
 void CFastInfosetWriter::WriteEncodedString(
@@ -476,7 +701,7 @@ void CFastInfosetWriter::WriteUtf8(FIForms const & lengths, unsigned dwLead, std
         Room(kLongestNumber + 3 * text.size());
         std::size_t const nStart = m_nUsed;
         PutNumber(lengths, dwLead, static_cast<std::uint32_t>(text.size()));
-        NarrowResult const result = NarrowUtf8(text.data(), text.size(), m_spOctets.get() + m_nUsed);
+        NarrowResult const result = NarrowUtf8(text.data(), text.size(), m_pOctets + m_nUsed);
         m_nUsed += result.nOctets;
         if (result.nOctets == text.size() && result.nUnits == text.size())
             return;
@@ -540,7 +765,7 @@ void CFastInfosetWriter::Put(unsigned char const * pOctets, std::size_t nOctets)
 
 void CFastInfosetWriter::FlushOctets()
 {
-    m_pStream->Append(m_spOctets.get(), m_nUsed);
+    m_pStream->Append(m_pOctets, m_nUsed);
     m_nUsed = 0;
 }
 
