@@ -66,8 +66,7 @@ bool CopyAscii(unsigned char * pOut, std::u16string_view text) noexcept
 #if defined(__SSE2__)
     auto const at = [&text](std::size_t n) { return reinterpret_cast<__m128i const *>(text.data() + n); };
     __m128i const one = _mm_set1_epi16(1);
-    auto const odd = [one](__m128i units)
-    { return _mm_subs_epu16(_mm_sub_epi16(units, one), _mm_set1_epi16(0x7E)); };
+    auto const odd = [one](__m128i units) { return _mm_subs_epu16(_mm_sub_epi16(units, one), _mm_set1_epi16(0x7E)); };
     auto const none = [](__m128i bits)
     { return _mm_movemask_epi8(_mm_cmpeq_epi8(bits, _mm_setzero_si128())) == 0xFFFF; };
     if (nUnits >= 8)
