@@ -6,15 +6,12 @@
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetContext.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
+#include "qzxmllib/fastinfoset/PlainTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace QzXmlLib16
 {
@@ -70,61 +67,13 @@ auto & At(Table & table, std::uint32_t dwIndex, char16_t const * pszTable)
     return table[dwIndex - 1];
 }
 
-/// Widens octets if all are ASCII and neither 0 nor a carriage return. False otherwise; the result is of no use then.
-bool WidenPlain(unsigned char const * pOctets, std::size_t nOctets, char16_t * pOut) noexcept
-{
-#if defined(__SSE2__)
-    __m128i const zero = _mm_setzero_si128();
-    auto const odd = [zero](__m128i octets)
-    { return octets | _mm_cmpeq_epi8(octets, zero) | _mm_cmpeq_epi8(octets, _mm_set1_epi8('\r')); };
-    if (nOctets >= 8)
-    {
-        __m128i found = zero;
-        for (std::size_t nAt = 0;; nAt = std::min(nAt + 8, nOctets - 8))
-        {
-            __m128i const octets = _mm_loadl_epi64(reinterpret_cast<__m128i const *>(pOctets + nAt));
-            found |= odd(octets);
-            _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + nAt), _mm_unpacklo_epi8(octets, zero));
-            // The last step may overlap the one before it. The upper half is 0.
-            if (nAt == nOctets - 8)
-                return (_mm_movemask_epi8(found) & 0xFF) == 0;
-        }
-    }
-    if (nOctets >= 4)
-    {
-        std::uint32_t nHead;
-        std::uint32_t nTail;
-        std::memcpy(&nHead, pOctets, sizeof nHead);
-        std::memcpy(&nTail, pOctets + nOctets - 4, sizeof nTail);
-        __m128i const octets = _mm_cvtsi64_si128(static_cast<long long>(std::uint64_t(nTail) << 32 | nHead));
-        __m128i const units = _mm_unpacklo_epi8(octets, zero);
-        _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut), units);
-        _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut + nOctets - 4), _mm_unpackhi_epi64(units, units));
-        return (_mm_movemask_epi8(odd(octets)) & 0xFF) == 0;
-    }
-#endif
-    bool bPlain = true;
-    for (std::size_t nAt = 0; nAt < nOctets; ++nAt)
-    {
-        bPlain = bPlain && static_cast<unsigned char>(pOctets[nAt] - 1) < 0x7F && pOctets[nAt] != '\r';
-        pOut[nAt] = pOctets[nAt];
-    }
-    return bPlain;
-}
-
 /// Appends a part of a name in the form of the parser. False if it has characters that mean something else there.
 bool AppendRaw(std::string & strRaw, std::u16string_view part)
 {
     std::size_t const nOld = strRaw.size();
     strRaw.resize(nOld + part.size());
-    bool bPlain = true;
-    for (std::size_t i = 0; i < part.size(); ++i)
-    {
-        char16_t const c = part[i];
-        bPlain = bPlain && static_cast<char16_t>(c - 1) < 0x7F && c != u'|';
-        strRaw[nOld + i] = static_cast<char>(c);
-    }
-    return bPlain;
+    return CopyAscii(reinterpret_cast<unsigned char *>(&strRaw[nOld]), part) &&
+           std::memchr(&strRaw[nOld], '|', part.size()) == nullptr;
 }
 
 } // namespace
@@ -171,7 +120,7 @@ bool CFastInfosetReader::ReadDocument(unsigned char const * pOctets, std::size_t
     m_elementNames.reserve(kFirstEntries);
     m_attributeNames.reserve(kFirstEntries);
     m_longTexts.clear();
-    m_nRawNamespace = 0;
+    m_dwRawNamespace = 0;
     m_pTree = m_doc.m_pTree.get();
     m_pElement = nullptr;
     m_nDepth = 0;
@@ -808,7 +757,14 @@ CXmlName const & CFastInfosetReader::FindName(CFIVocabulary::CQNameParts const &
     if (parts.m_dwNamespaceIndex != 0)
         namespaceURI = At(m_namespaceNames, parts.m_dwNamespaceIndex, kNamespaceNames);
     std::u16string_view const localName = At(m_localNames, parts.m_dwLocalNameIndex, kLocalNames);
-    if (m_nRawNamespace == 0 || m_dwRawNamespace != parts.m_dwNamespaceIndex)
+    if (namespaceURI.empty())
+    {
+        m_strRawLocalName.clear();
+        if (AppendRaw(m_strRawLocalName, localName))
+            return m_pTree->Names().FromParser(m_strRawLocalName, namespaceURI, localName);
+        return m_doc.InternName(namespaceURI, localName);
+    }
+    if (m_dwRawNamespace != parts.m_dwNamespaceIndex)
     {
         m_strRawName.clear();
         m_bRawNamespace = AppendRaw(m_strRawName, namespaceURI);
@@ -818,8 +774,7 @@ CXmlName const & CFastInfosetReader::FindName(CFIVocabulary::CQNameParts const &
     }
     m_strRawName.resize(m_nRawNamespace);
     if (m_bRawNamespace && AppendRaw(m_strRawName, localName))
-        return m_pTree->Names().FromParser(
-            std::string_view(m_strRawName).substr(namespaceURI.empty() ? 1 : 0), namespaceURI, localName);
+        return m_pTree->Names().FromParser(m_strRawName, namespaceURI, localName);
     return m_doc.InternName(namespaceURI, localName);
 }
 

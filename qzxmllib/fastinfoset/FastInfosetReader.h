@@ -54,13 +54,16 @@ private:
     /// An entry of a table.
     struct CText
     {
-        CText(std::u16string_view text) noexcept : pUnits(text.data()), nUnits(text.size()) {}
+        CText(std::u16string_view text) noexcept
+            : pUnits(text.data()), nUnits(text.size() & (SIZE_MAX >> 1)), bShared(false)
+        {
+        }
         operator std::u16string_view() const noexcept { return std::u16string_view(pUnits, nUnits); }
 
         char16_t const * pUnits;
-        std::size_t nUnits;
+        std::size_t nUnits : 8 * sizeof(std::size_t) - 1;
         /// The units lie in the tree, and neither 0 nor a carriage return is among them.
-        bool bShared = false;
+        std::size_t bShared : 1;
     };
     using CStringTable = std::vector<CText>;
     /// The names that a table of qualified names stands for, null until one is needed.
@@ -135,6 +138,7 @@ private:
     std::deque<std::u16string> m_longTexts;
     /// A name in the form of the parser. Its namespace stays for the next one that has the same.
     std::string m_strRawName;
+    std::string m_strRawLocalName;
     std::size_t m_nRawNamespace = 0;
     std::uint32_t m_dwRawNamespace = 0;
     bool m_bRawNamespace = false;

@@ -6,6 +6,7 @@
 #include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
+#include "qzxmllib/fastinfoset/PlainTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/support/Utf8Internal.h"
 
@@ -13,10 +14,6 @@
 #include <cstring>
 #include <typeinfo>
 #include <utility>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace QzXmlLib16
 {
@@ -57,49 +54,6 @@ inline unsigned char * PutNumberAt(unsigned char * p, unsigned dwLead, std::uint
     for (std::uint32_t n = form.nOctets; n-- > 0;)
         *p++ = static_cast<unsigned char>(nRest >> (8 * n));
     return p;
-}
-
-/// Copies a text of code units from 1 to 127. False if there is any other; the copy is of no use then.
-bool CopyAscii(unsigned char * pOut, std::u16string_view text) noexcept
-{
-    std::size_t const nUnits = text.size();
-#if defined(__SSE2__)
-    auto const at = [&text](std::size_t n) { return reinterpret_cast<__m128i const *>(text.data() + n); };
-    __m128i const one = _mm_set1_epi16(1);
-    auto const odd = [one](__m128i units) { return _mm_subs_epu16(_mm_sub_epi16(units, one), _mm_set1_epi16(0x7E)); };
-    auto const none = [](__m128i bits)
-    { return _mm_movemask_epi8(_mm_cmpeq_epi8(bits, _mm_setzero_si128())) == 0xFFFF; };
-    if (nUnits >= 8)
-    {
-        __m128i found = _mm_setzero_si128();
-        for (std::size_t nAt = 0;; nAt = std::min(nAt + 8, nUnits - 8))
-        {
-            __m128i const units = _mm_loadu_si128(at(nAt));
-            found = _mm_or_si128(found, odd(units));
-            _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut + nAt), _mm_packus_epi16(units, units));
-            // The last step may overlap the one before it.
-            if (nAt == nUnits - 8)
-                return none(found);
-        }
-    }
-    if (nUnits >= 4)
-    {
-        __m128i const units = _mm_unpacklo_epi64(_mm_loadl_epi64(at(0)), _mm_loadl_epi64(at(nUnits - 4)));
-        __m128i const packed = _mm_packus_epi16(units, units);
-        auto const nHead = static_cast<std::uint32_t>(_mm_cvtsi128_si32(packed));
-        auto const nTail = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_srli_si128(packed, 4)));
-        std::memcpy(pOut, &nHead, sizeof nHead);
-        std::memcpy(pOut + nUnits - 4, &nTail, sizeof nTail);
-        return none(odd(units));
-    }
-#endif
-    bool bPlain = true;
-    for (std::size_t nAt = 0; nAt < nUnits; ++nAt)
-    {
-        bPlain = bPlain && static_cast<char16_t>(text[nAt] - 1) < 0x7F;
-        pOut[nAt] = static_cast<unsigned char>(text[nAt]);
-    }
-    return bPlain;
 }
 
 } // namespace
