@@ -23,7 +23,6 @@ constexpr std::size_t kMostKeptUnits = 16384;
 /// Code units of a key that needs no place but its slot.
 constexpr std::size_t kInSlot = 6;
 constexpr char16_t kSeparator = u'\x1';
-constexpr char16_t kXmlPrefix[] = u"xml";
 
 std::uint64_t Mix(std::uint64_t nHash, std::uint64_t nBits) noexcept
 {
@@ -63,7 +62,10 @@ CFIVocabulary::CFIStringTable::~CFIStringTable() = default;
 CFIVocabulary::CFIQNameTable::~CFIQNameTable() = default;
 
 /// The hash starts from an address, so that strings which collide cannot be prepared beforehand.
-CFIVocabulary::CIndexMap::CIndexMap() : m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)) {}
+CFIVocabulary::CIndexMap::CIndexMap(std::size_t nMost)
+    : m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)), m_nMost(nMost)
+{
+}
 
 inline std::size_t CFIVocabulary::CIndexMap::FirstSlot(Spot const & spot) const noexcept
 {
@@ -130,7 +132,7 @@ void CFIVocabulary::CIndexMap::Add(std::u16string_view key)
 
 void CFIVocabulary::CIndexMap::Add(std::u16string_view key, Spot spot)
 {
-    if (m_ends.size() >= kMaxEntries)
+    if (m_ends.size() >= m_nMost)
         return;
     if (m_ends.size() >= m_slots.size() / 2)
     {
@@ -182,7 +184,7 @@ void CFIVocabulary::CIndexMap::Clear() noexcept
 
 CFIVocabulary::CFIVocabulary() : m_restrictedAlphabets{u"0123456789-+.e ", u"0123456789-:TZ "}
 {
-    AddPrefixName(kXmlPrefix);
+    AddPrefixName(u"xml");
     AddNamespaceName(kXmlNamespace);
 }
 
@@ -232,15 +234,6 @@ void CFIVocabulary::NameKey(std::u16string_view prefix, std::u16string_view name
 {
     strKey.clear();
     strKey.append(localName).append(1, kSeparator).append(namespaceName).append(1, kSeparator).append(prefix);
-}
-
-void CFIVocabulary::ClearMaps()
-{
-    for (CIndexMap * pMap : {&m_mapAttributeNames, &m_mapAttributeValues, &m_mapElementNames, &m_mapCharacterChunks,
-             &m_mapLocalNames, &m_mapNamespaceNames, &m_mapPrefixNames})
-        pMap->Clear();
-    m_mapPrefixNames.Add(kXmlPrefix);
-    m_mapNamespaceNames.Add(kXmlNamespace);
 }
 
 void CFIVocabulary::AddValueToVector(std::u16string_view value, std::vector<std::u16string> & table)

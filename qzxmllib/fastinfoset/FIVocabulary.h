@@ -112,7 +112,8 @@ private:
     class CIndexMap
     {
     public:
-        CIndexMap();
+        /// For so many keys.
+        explicit CIndexMap(std::size_t nMost = kMaxEntries);
 
         /// What is looked for, and where it belongs. Holds until the map changes.
         struct Spot
@@ -156,6 +157,7 @@ private:
         void Grow();
 
         std::uint64_t m_nSeed;
+        std::size_t m_nMost;
         /// All keys, one behind the other, and where each ends.
         std::u16string m_strKeys;
         std::vector<std::size_t> m_ends;
@@ -169,8 +171,6 @@ private:
     /// Key of a qualified name in the maps. No part of a name holds the separator, which XML does not allow.
     static void NameKey(std::u16string_view prefix, std::u16string_view namespaceName, std::u16string_view localName,
         std::u16string & strKey);
-    /// What a writer finds is as at first again. The strings by index stay.
-    void ClearMaps();
     static void AddValueToVector(std::u16string_view value, std::vector<std::u16string> & table);
     static void AddQNameToVector(CQNameParts const & parts, std::vector<CQNameParts> & table);
     static void AddValue(std::u16string const & strValue, CIndexMap & map, CFIStringTable & table);

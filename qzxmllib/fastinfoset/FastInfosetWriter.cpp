@@ -58,26 +58,103 @@ inline unsigned char * PutNumberAt(unsigned char * p, unsigned dwLead, std::uint
 
 } // namespace
 
-/// The index of a name, as octets with no other bits set.
+/// Strings that the thread has written lately. A number, from 1 on, tells for good where each one lies; it has an index
+/// in a document from when it is entered there.
+class CFastInfosetWriter::CNames
+{
+public:
+    /// The number, or 0 if there is no room.
+    std::uint32_t Number(std::u16string_view name)
+    {
+        CIndexMap::Spot spot;
+        if (std::uint32_t const nId = m_ids.Find(name, spot))
+            return nId;
+        if (m_ids.Size() == kMostIds)
+            return 0;
+        if (m_entries.size() == m_ids.Size())
+            m_entries.emplace_back();
+        m_ids.Add(name, spot);
+        return m_ids.Size();
+    }
+    std::u16string_view Name(std::uint32_t nId) const noexcept { return m_ids.Key(nId); }
+    /// 0 if there is none.
+    std::uint32_t Index(std::uint32_t nId) const noexcept
+    {
+        return nId != 0 && m_entries[nId - 1].nDocument == m_nDocument ? m_entries[nId - 1].dwIndex : 0;
+    }
+    /// Gives the next index of the document, or 0 if its table is full.
+    std::uint32_t Enter(std::uint32_t nId) noexcept
+    {
+        if (nId == 0 || m_dwLast == CFIVocabulary::kMaxEntries)
+            return 0;
+        m_entries[nId - 1] = {m_nDocument, ++m_dwLast};
+        return m_dwLast;
+    }
+    /// A new document, whose table begins as the one of a vocabulary.
+    void Begin(CIndexMap const & first)
+    {
+        ++m_nDocument;
+        m_dwLast = 0;
+        for (std::uint32_t dwIndex = 1; dwIndex <= first.Size(); ++dwIndex)
+            Enter(Number(first.Key(dwIndex)));
+    }
+    bool IsLarge() const noexcept { return m_ids.Size() > kMostKept; }
+
+    static constexpr std::size_t kMostKept = 512;
+
+private:
+    struct Entry
+    {
+        std::uint64_t nDocument = 0;
+        std::uint32_t dwIndex = 0;
+    };
+
+    /// What is kept from earlier documents must not take a place from this one.
+    static constexpr std::size_t kMostIds = CFIVocabulary::kMaxEntries + kMostKept;
+
+    CIndexMap m_ids{kMostIds};
+    std::vector<Entry> m_entries;
+    std::uint64_t m_nDocument = 0;
+    std::uint32_t m_dwLast = 0;
+};
+
 struct CFastInfosetWriter::KnownName
 {
     static constexpr std::size_t kMostOctets = 4;
 
-    /// The document whose tables hold the name.
-    std::uint64_t nDocument = 0;
-    unsigned char abyIndex[kMostOctets] = {};
+    /// Whether the numbers tell the name. Those of prefix and namespace may be 0, for none.
+    bool bWhole = false;
+    std::uint32_t nId = 0;
+    std::uint32_t nPrefix = 0;
+    std::uint32_t nNamespace = 0;
+    std::uint32_t nLocalName = 0;
+    /// The index in a document, as octets with no other bits set.
     std::uint32_t nOctets = 0;
+    unsigned char abyIndex[kMostOctets] = {};
+    std::uint64_t nDocument = 0;
+
+    void SetIndex(FINameForm const & form, std::uint32_t dwIndex, std::uint64_t nInDocument) noexcept
+    {
+        unsigned char const * const pEnd = &form == &kElementName ? PutNumberAt<kIntegerOnBit3>(abyIndex, 0, dwIndex)
+                                                                  : PutNumberAt<kIntegerOnBit2>(abyIndex, 0, dwIndex);
+        nOctets = static_cast<std::uint32_t>(pEnd - abyIndex);
+        nDocument = nInDocument;
+    }
 };
 
 /// Kept by the thread from one writer to the next: documents of one kind follow each other.
 struct CFastInfosetWriter::Tables
 {
-    using CNames = CNameCache<KnownName>;
-
-    CNames elements;
-    CNames attributes;
-    CFIVocabulary vocabulary;
-    /// Raised for each writer.
+    /// By the names that callers use.
+    CNameCache<KnownName> knownElements;
+    CNameCache<KnownName> knownAttributes;
+    CNames elementNames;
+    CNames attributeNames;
+    CNames prefixes;
+    CNames namespaceNames;
+    CNames localNames;
+    CIndexMap attributeValues;
+    CIndexMap characterChunks;
     std::uint64_t nDocument = 0;
     /// The declarations of the last root, with their version.
     std::u16string strDefaultNamespace;
@@ -85,7 +162,6 @@ struct CFastInfosetWriter::Tables
     std::uint64_t nVersion = 0;
     unsigned char abyOctets[kBlock];
 
-    static constexpr std::size_t kMostKept = 512;
     static thread_local Tables * t_pSpare;
     static thread_local bool t_bThreadEnds;
 
@@ -96,7 +172,6 @@ struct CFastInfosetWriter::Tables
         std::unique_ptr<Tables> spTables(std::exchange(t_pSpare, nullptr));
         if (spTables == nullptr)
             spTables.reset(new Tables);
-        ++spTables->nDocument;
         return spTables;
     }
     static void GiveBack(std::unique_ptr<Tables> spTables)
@@ -109,24 +184,36 @@ struct CFastInfosetWriter::Tables
                 delete std::exchange(t_pSpare, nullptr);
             }
         };
-        if (t_bThreadEnds || t_pSpare != nullptr || spTables->elements.GetSize() > kMostKept ||
-            spTables->attributes.GetSize() > kMostKept)
+        if (t_bThreadEnds || t_pSpare != nullptr || spTables->IsLarge())
             return;
         static thread_local Cleaner const t_cleaner;
         t_pSpare = spTables.release();
     }
-
-    void Remember(CNames & names, std::uint64_t nNamesVersion, std::u16string const & strName,
-        std::u16string const & strUri, FIForms const & forms, std::uint32_t dwIndex)
+    bool IsLarge() const noexcept
     {
-        KnownName * pName = names.Find(nNamesVersion, strName, strUri);
-        if (pName == nullptr)
-            pName = &names.Keep(nNamesVersion, strName, strUri);
-        unsigned char * const p = pName->abyIndex;
-        unsigned char const * const pEnd = &forms == &kIntegerOnBit3 ? PutNumberAt<kIntegerOnBit3>(p, 0, dwIndex)
-                                                                     : PutNumberAt<kIntegerOnBit2>(p, 0, dwIndex);
-        pName->nOctets = static_cast<std::uint32_t>(pEnd - p);
-        pName->nDocument = nDocument;
+        return knownElements.GetSize() > CNames::kMostKept || knownAttributes.GetSize() > CNames::kMostKept ||
+               elementNames.IsLarge() || attributeNames.IsLarge() || prefixes.IsLarge() || namespaceNames.IsLarge() ||
+               localNames.IsLarge();
+    }
+
+    /// A new document.
+    void Begin(CFIVocabulary const & vocabulary)
+    {
+        ++nDocument;
+        elementNames.Begin(vocabulary.m_mapElementNames);
+        attributeNames.Begin(vocabulary.m_mapAttributeNames);
+        prefixes.Begin(vocabulary.m_mapPrefixNames);
+        namespaceNames.Begin(vocabulary.m_mapNamespaceNames);
+        localNames.Begin(vocabulary.m_mapLocalNames);
+        BeginValues(attributeValues, vocabulary.m_mapAttributeValues);
+        BeginValues(characterChunks, vocabulary.m_mapCharacterChunks);
+    }
+    static void BeginValues(CIndexMap & map, CIndexMap const & first)
+    {
+        if (first.Size() != 0)
+            map = first;
+        else
+            map.Clear();
     }
 };
 
@@ -135,12 +222,11 @@ thread_local bool CFastInfosetWriter::Tables::t_bThreadEnds = false;
 
 CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream)
     : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context), m_spTables(Tables::Take()),
-      m_spGenerated(context.GetUseGeneratedVocabulary() ? new CFIVocabulary(*context.GetVocabulary()) : nullptr),
-      m_pVocabulary(m_spGenerated != nullptr ? m_spGenerated.get() : &m_spTables->vocabulary),
       m_pOctets(m_spTables->abyOctets)
 {
-    if (m_spGenerated == nullptr)
-        m_pVocabulary->ClearMaps();
+    static CFIVocabulary const s_empty;
+    m_pVocabulary = context.GetUseGeneratedVocabulary() ? context.GetVocabulary() : &s_empty;
+    m_spTables->Begin(*m_pVocabulary);
 }
 
 CFastInfosetWriter::~CFastInfosetWriter()
@@ -261,7 +347,7 @@ void CFastInfosetWriter::WriteStartElement(std::u16string const & strName, std::
     m_pPendingContext = &PushContext(strName, strUri);
     m_pContext = pParent;
     m_nPendingVersion = m_pPendingContext->GetDeclarationsVersion();
-    m_pPendingName = m_spTables->elements.Find(m_nPendingVersion, strName, strUri);
+    m_pPendingName = m_spTables->knownElements.Find(m_nPendingVersion, strName, strUri);
 }
 
 void CFastInfosetWriter::WriteText(std::u16string const & strText, ItemType eType)
@@ -279,7 +365,7 @@ void CFastInfosetWriter::WriteTextView(std::u16string_view text, ItemType eType)
         return;
     if (WritePlainValue<true>(text, eType))
         return;
-    CIndexMap & map = m_pVocabulary->m_mapCharacterChunks;
+    CIndexMap & map = m_spTables->characterChunks;
     if (text.size() >= m_pFIContext->GetElementMaxAddLength())
     {
         WriteEncodedString(kStringOnBit5, kChunk, text, eType);
@@ -300,7 +386,7 @@ void CFastInfosetWriter::WriteTextView(std::u16string_view text, ItemType eType)
 template <bool bChunk>
 unsigned char * CFastInfosetWriter::PutPlainValue(unsigned char * p, std::u16string_view text, ItemType eType)
 {
-    CIndexMap & map = bChunk ? m_pVocabulary->m_mapCharacterChunks : m_pVocabulary->m_mapAttributeValues;
+    CIndexMap & map = bChunk ? m_spTables->characterChunks : m_spTables->attributeValues;
     bool const bAdd =
         text.size() < (bChunk ? m_pFIContext->GetElementMaxAddLength() : m_pFIContext->GetAttributeMaxAddLength());
     unsigned dwLead = bChunk ? kChunk : 0;
@@ -338,8 +424,8 @@ inline bool CFastInfosetWriter::WritePlainValue(std::u16string_view text, ItemTy
     return true;
 }
 
-/// Writes an element that holds a text in one piece. False if it is not of the usual kind; nothing has been done then
-/// that starting the element would not do.
+/// Writes an element that holds a text, in one piece if it is of the usual kind. False if its name is not known or the
+/// text is of another kind; nothing has been done then that starting the element would not do.
 bool CFastInfosetWriter::WriteShortElement(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
 {
@@ -349,9 +435,26 @@ bool CFastInfosetWriter::WriteShortElement(
     if (m_pContext == nullptr)
         return false;
     CXmlWriterContext & parent = *m_pContext;
-    KnownName const * const pName = m_spTables->elements.Find(parent.GetDeclarationsVersion(), strName, strUri);
-    if (!IsKnown(pName))
+    KnownName * const pName = m_spTables->knownElements.Find(parent.GetDeclarationsVersion(), strName, strUri);
+    if (pName == nullptr)
         return false;
+    if (!IsKnown(*pName))
+    {
+        ++parent.m_nChildCount;
+        ClosePendingTerminator();
+        CloseAttributeList(parent);
+        WriteFirst(kElementName, 0, *pName);
+        if (text.empty() || WritePlainValue<true>(text, eType))
+        {
+            m_bPendingTerminator = true;
+            CountPassingContext();
+            return true;
+        }
+        PushContext(strName, strUri);
+        WriteTextView(text, eType);
+        WriteEndElement();
+        return true;
+    }
     unsigned char * p = Room(2 + KnownName::kMostOctets + kLongestNumber + text.size());
     if (m_bPendingTerminator)
         *p++ = kTerminator;
@@ -401,19 +504,18 @@ void CFastInfosetWriter::WriteAttributeView(
 {
     CXmlWriterContext & context = RequireAttributes();
     Tables & tables = *m_spTables;
-    KnownName const * const pName = tables.attributes.Find(context.GetDeclarationsVersion(), strName, strUri);
-    if (IsKnown(pName))
+    if (KnownName * const pName = tables.knownAttributes.Find(context.GetDeclarationsVersion(), strName, strUri))
     {
-        PutKnownName(*pName, 0);
+        WriteKnownName(kAttributeName, 0, *pName);
     }
     else
     {
         std::u16string_view prefix;
         if (!strUri.empty())
             prefix = *FindPrefix(context, strUri).pAlias;
-        if (std::uint32_t const dwIndex = WriteName(kAttributeName, 0, prefix, strUri, strName))
-            tables.Remember(
-                tables.attributes, context.GetDeclarationsVersion(), strName, strUri, kAttributeName.indexes, dwIndex);
+        KnownName const name = WriteName(kAttributeName, 0, prefix, strUri, strName);
+        if (name.bWhole)
+            tables.knownAttributes.Keep(context.GetDeclarationsVersion(), strName, strUri) = name;
     }
     WriteAttributeValue(value, eType);
 }
@@ -452,9 +554,9 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
         WriteRootNamespaces(dwLead);
         dwLead = 0;
     }
-    if (IsKnown(m_pPendingName) && context.GetDeclarationsVersion() == m_nPendingVersion)
+    if (m_pPendingName != nullptr && context.GetDeclarationsVersion() == m_nPendingVersion)
     {
-        PutKnownName(*m_pPendingName, dwLead);
+        WriteKnownName(kElementName, dwLead, *m_pPendingName);
     }
     else
     {
@@ -463,11 +565,11 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
             prefix = *FindPrefix(context, context.m_strNamespace).pAlias;
         if (m_pContext == nullptr)
             KnowDeclarations(context);
-        Tables & tables = *m_spTables;
-        if (std::uint32_t const dwIndex =
-                WriteName(kElementName, dwLead, prefix, context.m_strNamespace, context.m_strName))
-            tables.Remember(tables.elements, context.GetDeclarationsVersion(), context.m_strName,
-                context.m_strNamespace, kElementName.indexes, dwIndex);
+        KnownName const name = WriteName(kElementName, dwLead, prefix, context.m_strNamespace, context.m_strName);
+        CNameCache<KnownName> & known = m_spTables->knownElements;
+        std::uint64_t const nVersion = context.GetDeclarationsVersion();
+        if (name.bWhole && known.Find(nVersion, context.m_strName, context.m_strNamespace) == nullptr)
+            known.Keep(nVersion, context.m_strName, context.m_strNamespace) = name;
     }
     m_pContext = m_pPendingContext;
     m_pPendingContext = nullptr;
@@ -489,17 +591,47 @@ void CFastInfosetWriter::KnowDeclarations(CXmlWriterContext & root)
     tables.nVersion = root.GetDeclarationsVersion();
 }
 
-inline bool CFastInfosetWriter::IsKnown(KnownName const * pName) const noexcept
+inline bool CFastInfosetWriter::IsKnown(KnownName const & name) const noexcept
 {
-    return pName != nullptr && pName->nDocument == m_spTables->nDocument;
+    return name.nDocument == m_spTables->nDocument;
 }
 
-inline void CFastInfosetWriter::PutKnownName(KnownName const & name, unsigned dwLead)
+inline void CFastInfosetWriter::WriteKnownName(FINameForm const & form, unsigned dwLead, KnownName & name)
 {
+    if (!IsKnown(name))
+    {
+        WriteFirst(form, dwLead, name);
+        return;
+    }
     unsigned char * const p = Room(KnownName::kMostOctets);
     std::memcpy(p, name.abyIndex, KnownName::kMostOctets);
     *p = static_cast<unsigned char>(*p | dwLead);
     m_nUsed += name.nOctets;
+}
+
+/// Writes a known name that this document has not had from the same place.
+void CFastInfosetWriter::WriteFirst(FINameForm const & form, unsigned dwLead, KnownName & name)
+{
+    Tables & tables = *m_spTables;
+    CNames & names = &form == &kElementName ? tables.elementNames : tables.attributeNames;
+    std::uint32_t dwIndex = names.Index(name.nId);
+    if (dwIndex != 0)
+    {
+        PutNumber(form.indexes, dwLead, dwIndex);
+    }
+    else
+    {
+        unsigned const dwParts = (name.nPrefix == 0 ? 0 : kNamePrefix) | (name.nNamespace == 0 ? 0 : kNameNamespace);
+        Put(dwLead | form.dwLiteral | dwParts);
+        if (name.nPrefix != 0)
+            WriteNamePart(tables.prefixes, tables.prefixes.Name(name.nPrefix), name.nPrefix);
+        if (name.nNamespace != 0)
+            WriteNamePart(tables.namespaceNames, tables.namespaceNames.Name(name.nNamespace), name.nNamespace);
+        WriteNamePart(tables.localNames, tables.localNames.Name(name.nLocalName), name.nLocalName);
+        dwIndex = names.Enter(name.nId);
+    }
+    if (dwIndex != 0)
+        name.SetIndex(form, dwIndex, tables.nDocument);
 }
 
 /// Declarations stand on the root only. An alias made up further down lives in the names that carry it.
@@ -509,15 +641,15 @@ void CFastInfosetWriter::WriteRootNamespaces(unsigned dwLead)
     if (!m_strDefaultNamespace.empty())
     {
         Put(kDefaultNamespaceAttribute);
-        WriteNamePart(m_pVocabulary->m_mapNamespaceNames, m_strDefaultNamespace);
+        WriteNamePart(m_spTables->namespaceNames, m_strDefaultNamespace);
     }
     for (auto const & [strUri, strAlias] : m_mapNamespaces)
     {
         if (BeginsWithXmlNamespace(strUri))
             continue;
         Put(kNamespaceAttribute);
-        WriteNamePart(m_pVocabulary->m_mapPrefixNames, strAlias);
-        WriteNamePart(m_pVocabulary->m_mapNamespaceNames, strUri);
+        WriteNamePart(m_spTables->prefixes, strAlias);
+        WriteNamePart(m_spTables->namespaceNames, strUri);
     }
     Put(kTerminator);
 }
@@ -532,44 +664,69 @@ CXmlWriter::CXmlWriterContext & CFastInfosetWriter::RequireAttributes()
     return context;
 }
 
-/// Gives the index that the name has from now on, or 0 if the table is full.
-std::uint32_t CFastInfosetWriter::WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix,
-    std::u16string_view uri, std::u16string_view localName)
+/// Gives what is known of the name from now on.
+CFastInfosetWriter::KnownName CFastInfosetWriter::WriteName(FINameForm const & form, unsigned dwLead,
+    std::u16string_view prefix, std::u16string_view uri, std::u16string_view localName)
 {
-    CIndexMap & map = &form == &kElementName ? m_pVocabulary->m_mapElementNames : m_pVocabulary->m_mapAttributeNames;
+    Tables & tables = *m_spTables;
+    CNames & names = &form == &kElementName ? tables.elementNames : tables.attributeNames;
     CFIVocabulary::NameKey(prefix, uri, localName, m_strKey);
-    CIndexMap::Spot spot;
-    if (std::uint32_t const dwIndex = map.Find(m_strKey, spot))
+    KnownName name;
+    name.nId = names.Number(m_strKey);
+    name.nPrefix = prefix.empty() ? 0 : tables.prefixes.Number(prefix);
+    name.nNamespace = uri.empty() ? 0 : tables.namespaceNames.Number(uri);
+    name.nLocalName = tables.localNames.Number(localName);
+    name.bWhole = name.nId != 0 && name.nLocalName != 0 && (name.nPrefix == 0) == prefix.empty() &&
+                  (name.nNamespace == 0) == uri.empty();
+    if (name.bWhole)
+    {
+        WriteFirst(form, dwLead, name);
+        return name;
+    }
+    if (std::uint32_t const dwIndex = names.Index(name.nId))
     {
         PutNumber(form.indexes, dwLead, dwIndex);
-        return dwIndex;
+        return name;
     }
     unsigned const dwParts = (prefix.empty() ? 0 : kNamePrefix) | (uri.empty() ? 0 : kNameNamespace);
     Put(dwLead | form.dwLiteral | dwParts);
     if (!prefix.empty())
-        WriteNamePart(m_pVocabulary->m_mapPrefixNames, prefix);
+        WriteNamePart(tables.prefixes, prefix, name.nPrefix);
     if (!uri.empty())
-        WriteNamePart(m_pVocabulary->m_mapNamespaceNames, uri);
-    WriteNamePart(m_pVocabulary->m_mapLocalNames, localName);
-    std::uint32_t const dwNext = map.Size() + 1;
-    map.Add(m_strKey, spot);
-    return map.Size() == dwNext ? dwNext : 0;
+        WriteNamePart(tables.namespaceNames, uri, name.nNamespace);
+    WriteNamePart(tables.localNames, localName, name.nLocalName);
+    names.Enter(name.nId);
+    return name;
 }
 
-void CFastInfosetWriter::WriteNamePart(CIndexMap & map, std::u16string_view name)
+void CFastInfosetWriter::WriteNamePart(CNames & names, std::u16string_view name)
 {
-    CIndexMap::Spot spot;
-    if (std::uint32_t const dwIndex = map.Find(name, spot))
+    WriteNamePart(names, name, names.Number(name));
+}
+
+void CFastInfosetWriter::WriteNamePart(CNames & names, std::u16string_view name, std::uint32_t nId)
+{
+    if (std::uint32_t const dwIndex = names.Index(nId))
     {
         PutNumber(kIntegerOnBit2, kIndexOnBit1, dwIndex);
         return;
     }
     WriteLiteralName(name);
-    map.Add(name, spot);
+    names.Enter(nId);
 }
 
 void CFastInfosetWriter::WriteLiteralName(std::u16string_view name)
 {
+    if (!name.empty() && name.size() <= kLongestInOnePiece)
+    {
+        unsigned char * const p =
+            PutNumberAt<kLengthOnBit2>(Room(kLongestNumber + name.size()), 0, static_cast<std::uint32_t>(name.size()));
+        if (CopyAscii(p, name))
+        {
+            m_nUsed = static_cast<std::size_t>(p - m_pOctets) + name.size();
+            return;
+        }
+    }
     // A length of 0 has no form.
     std::u16string_view const written = UpToZero(name);
     if (written.empty())
@@ -591,7 +748,7 @@ void CFastInfosetWriter::WriteAttributeValue(std::u16string_view value, ItemType
         WriteEncodedString(kStringOnBit3, 0, value, eType);
         return;
     }
-    CIndexMap & map = m_pVocabulary->m_mapAttributeValues;
+    CIndexMap & map = m_spTables->attributeValues;
     CIndexMap::Spot spot;
     if (std::uint32_t const dwIndex = map.Find(value, spot))
     {

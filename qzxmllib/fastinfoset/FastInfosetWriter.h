@@ -55,6 +55,7 @@ private:
     /// What is known of a name.
     struct KnownName;
     struct Tables;
+    class CNames;
     using CIndexMap = CFIVocabulary::CIndexMap;
 
     void FlushStartElement(bool bHasAttributes);
@@ -63,17 +64,19 @@ private:
     void CloseAttributeList(CXmlWriterContext & context);
     CXmlWriterContext & RequireAttributes();
     void KnowDeclarations(CXmlWriterContext & root);
-    bool IsKnown(KnownName const * pName) const noexcept;
-    void PutKnownName(KnownName const & name, unsigned dwLead);
-    std::uint32_t WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix,
-        std::u16string_view uri, std::u16string_view localName);
+    bool IsKnown(KnownName const & name) const noexcept;
+    void WriteKnownName(FINameForm const & form, unsigned dwLead, KnownName & name);
+    void WriteFirst(FINameForm const & form, unsigned dwLead, KnownName & name);
+    KnownName WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix, std::u16string_view uri,
+        std::u16string_view localName);
     bool WriteShortElement(
         std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType);
     template <bool bChunk>
     unsigned char * PutPlainValue(unsigned char * p, std::u16string_view text, ItemType eType);
     template <bool bChunk>
     bool WritePlainValue(std::u16string_view text, ItemType eType);
-    void WriteNamePart(CIndexMap & map, std::u16string_view name);
+    void WriteNamePart(CNames & names, std::u16string_view name);
+    void WriteNamePart(CNames & names, std::u16string_view name, std::uint32_t nId);
     void WriteLiteralName(std::u16string_view name);
     void WriteAttributeValue(std::u16string_view value, ItemType eType);
     void WriteEncodedString(FIStringForm const & form, unsigned dwLead, std::u16string_view text, ItemType eType);
@@ -92,15 +95,15 @@ private:
     /// An element whose lead octets wait until it is known whether attributes follow. Becomes the innermost record.
     CXmlWriterContext * m_pPendingContext = nullptr;
     /// What was known of its name under the declarations of that version, or null.
-    KnownName const * m_pPendingName = nullptr;
+    KnownName * m_pPendingName = nullptr;
     std::uint64_t m_nPendingVersion = 0;
     /// The end of an element that may merge with the next end into one octet.
     bool m_bPendingTerminator = false;
     /// No class derived from this one may have other ideas of what an element is made of.
     bool m_bWholeElements = false;
     std::unique_ptr<Tables> m_spTables;
-    std::unique_ptr<CFIVocabulary> m_spGenerated; ///< null unless the context tells to begin with one
-    CFIVocabulary * m_pVocabulary;
+    /// What the tables begin with.
+    CFIVocabulary const * m_pVocabulary;
 
     std::u16string m_strKey; ///< of a name
     /// The octets of one value.
