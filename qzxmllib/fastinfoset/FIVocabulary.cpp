@@ -192,6 +192,12 @@ CFIVocabulary::CFIVocabulary(CFIVocabulary const & other) = default;
 CFIVocabulary & CFIVocabulary::operator=(CFIVocabulary const & other) = default;
 CFIVocabulary::~CFIVocabulary() = default;
 
+CFIVocabulary const & CFIVocabulary::Smallest()
+{
+    static auto const * const s_pSmallest = new CFIVocabulary;
+    return *s_pSmallest;
+}
+
 void CFIVocabulary::AddPrefixName(std::u16string const & strPrefix)
 {
     AddValue(strPrefix, m_mapPrefixNames, m_prefixNames);

@@ -168,6 +168,8 @@ private:
 
     CFIVocabulary(CFIVocabulary const & other);
 
+    /// One that nobody has added to. It is never destroyed.
+    static CFIVocabulary const & Smallest();
     /// Key of a qualified name in the maps. No part of a name holds the separator, which XML does not allow.
     static void NameKey(std::u16string_view prefix, std::u16string_view namespaceName, std::u16string_view localName,
         std::u16string & strKey);

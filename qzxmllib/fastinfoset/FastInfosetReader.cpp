@@ -101,8 +101,8 @@ bool CFastInfosetReader::ReadDocument(unsigned char const * pOctets, std::size_t
     m_nMaxNamedUnits = limits.nMaxAmplification != 0 && limits.nMaxAmplifiedUnits != 0
                            ? std::max(limits.nMaxAmplifiedUnits, std::uint64_t(nOctets) * limits.nMaxAmplification)
                            : std::numeric_limits<std::uint64_t>::max();
-    static CFIVocabulary const s_empty;
-    m_pVocabulary = m_pFIContext->GetUseGeneratedVocabulary() ? m_pFIContext->GetVocabulary() : &s_empty;
+    m_pVocabulary =
+        m_pFIContext->GetUseGeneratedVocabulary() ? m_pFIContext->GetVocabulary() : &CFIVocabulary::Smallest();
     auto const beginWith = [](CStringTable & table, CFIVocabulary::CFIStringTable const & first)
     {
         table.clear();

@@ -224,8 +224,7 @@ CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBin
     : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context), m_spTables(Tables::Take()),
       m_pOctets(m_spTables->abyOctets)
 {
-    static CFIVocabulary const s_empty;
-    m_pVocabulary = context.GetUseGeneratedVocabulary() ? context.GetVocabulary() : &s_empty;
+    m_pVocabulary = context.GetUseGeneratedVocabulary() ? context.GetVocabulary() : &CFIVocabulary::Smallest();
     m_spTables->Begin(*m_pVocabulary);
 }
 
