@@ -70,6 +70,16 @@ public:
             pLast->pNext = &record;
         return *(m_pLast = &record);
     }
+    /// The same name when its parts are at hand in wide text.
+    CXmlName const & FromParser(
+        std::string_view strRaw, std::u16string_view namespaceURI, std::u16string_view localName)
+    {
+        std::uint64_t const nHash = Hash(strRaw);
+        CXmlNameRecord const * const pRecord = Find(strRaw, nHash);
+        return pRecord != nullptr
+                   ? *pRecord
+                   : Add(std::string(strRaw), nHash, std::u16string(namespaceURI), std::u16string(localName));
+    }
     CXmlName const & FromText(std::u16string_view namespaceURI, std::u16string_view localName);
 
 private:
@@ -188,6 +198,31 @@ public:
     bool MatchRun(CXmlElement & element, char const * pText, std::size_t nOctets);
     /// Appends to the text of an element that has children.
     void AppendRun(CXmlElement & element, char16_t const * pText, std::size_t nUnits);
+    /// Room for so many code units, at most kLongestInBlock, behind all that there is. Nobody has it until it is taken.
+    char16_t * Offer(std::size_t nUnits)
+    {
+        if (Room() < nUnits * sizeof(char16_t))
+            AllocateInNewBlock(0);
+        return reinterpret_cast<char16_t *>(m_pCursor);
+    }
+    /// Takes units of the room that was offered last.
+    void Take(std::size_t nUnits) { m_pCursor += nUnits * sizeof(char16_t); }
+    /// Lets a text that is empty be units that were taken. Any number of texts may be the same units: none of them ever
+    /// changes what it has, and one that goes on does so in room that nobody else has.
+    static void Assign(CXmlText & text, char16_t const * pUnits, std::size_t nUnits)
+    {
+        text.m_pUnits = const_cast<char16_t *>(pUnits);
+        text.m_nUnits = static_cast<std::uint32_t>(nUnits);
+        text.m_nCapacity = text.m_nUnits & kCapacityMask;
+    }
+    static CXmlText & ValueOf(CXmlAttribute & attribute) { return attribute.m_value; }
+    static CXmlText & TextOf(CXmlElement & element) { return element.m_text; }
+    /// Whether an element has neither text nor children yet.
+    static bool IsBare(CXmlElement const & element)
+    {
+        CXmlText const & text = element.m_text;
+        return element.m_pLastChild == nullptr && text.m_nUnits == 0 && !text.m_bRuns && !text.m_bString;
+    }
     /// Takes back the room behind the text if nothing has been created since.
     void Trim(CXmlText & text)
     {
@@ -198,9 +233,10 @@ public:
         }
     }
 
-private:
     /// Longer text lies in a string of its own, whose memory comes back when it grows.
     static constexpr std::size_t kLongestInBlock = 4096;
+
+private:
     static constexpr std::uint32_t kCapacityMask = (std::uint32_t(1) << 29) - 1;
 
     XmlRuns & BeginPiece(CXmlElement & element);

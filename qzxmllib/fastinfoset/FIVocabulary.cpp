@@ -2,6 +2,7 @@
 
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,7 +14,14 @@ namespace QzXmlLib16
 namespace
 {
 
-constexpr std::size_t kFirstSlots = 64;
+constexpr std::size_t kFirstSlots = 32;
+/// Smaller maps grow by more at a time.
+constexpr std::size_t kManySlots = 4096;
+/// What an emptied map keeps for later.
+constexpr std::size_t kMostKeptSlots = 2048;
+constexpr std::size_t kMostKeptUnits = 16384;
+/// Code units of a key that needs no place but its slot.
+constexpr std::size_t kInSlot = 6;
 constexpr char16_t kSeparator = u'\x1';
 
 std::uint64_t Mix(std::uint64_t nHash, std::uint64_t nBits) noexcept
@@ -22,10 +30,9 @@ std::uint64_t Mix(std::uint64_t nHash, std::uint64_t nBits) noexcept
     return nHash ^ (nHash >> 32);
 }
 
-/// Four code units.
-std::uint64_t Load(char16_t const * p) noexcept
+std::uint32_t LoadTwo(char16_t const * p) noexcept
 {
-    std::uint64_t n;
+    std::uint32_t n;
     std::memcpy(&n, p, sizeof n);
     return n;
 }
@@ -55,64 +62,124 @@ CFIVocabulary::CFIStringTable::~CFIStringTable() = default;
 CFIVocabulary::CFIQNameTable::~CFIQNameTable() = default;
 
 /// The hash starts from an address, so that strings which collide cannot be prepared beforehand.
-CFIVocabulary::CIndexMap::CIndexMap() : m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)), m_slots(kFirstSlots) {}
-
-std::uint32_t CFIVocabulary::CIndexMap::Hash(std::u16string_view key) const noexcept
+CFIVocabulary::CIndexMap::CIndexMap(std::size_t nMost)
+    : m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)), m_nMost(nMost)
 {
+}
+
+inline std::size_t CFIVocabulary::CIndexMap::FirstSlot(Spot const & spot) const noexcept
+{
+    std::uint64_t const nHash = Mix(Mix(m_nSeed, spot.nHead), std::uint64_t(spot.nKind) << 32 | spot.nTail);
+    return static_cast<std::size_t>(nHash) & (m_slots.size() - 1);
+}
+
+std::uint32_t CFIVocabulary::CIndexMap::Find(std::u16string_view key, Spot & spot) const noexcept
+{
+    char16_t const * const p = key.data();
     std::size_t const n = key.size();
-    std::uint64_t nHash = m_nSeed + n;
-    std::uint64_t nLast = 0;
-    if (n >= 4)
+    spot.nTail = 0;
+    spot.nKind = static_cast<std::uint32_t>(std::min(n, kInSlot + 1));
+    if (n > kInSlot)
     {
+        std::uint64_t nHash = m_nSeed;
         for (std::size_t i = 0; i + 4 < n; i += 4)
-            nHash = Mix(nHash, Load(key.data() + i));
-        nLast = Load(key.data() + n - 4);
+            nHash = Mix(nHash, LoadUnits(p + i));
+        spot.nHead = Mix(nHash, LoadUnits(p + n - 4));
+        spot.nTail = static_cast<std::uint32_t>(n);
+    }
+    else if (n >= 4)
+    {
+        spot.nHead = LoadUnits(p);
+        spot.nTail = LoadTwo(p + n - 2);
+    }
+    else if (n >= 2)
+    {
+        spot.nHead = std::uint64_t(LoadTwo(p)) << 32 | LoadTwo(p + n - 2);
     }
     else
     {
-        for (char16_t const c : key)
-            nLast = nLast << 16 | c;
+        spot.nHead = n != 0 ? *p : 0;
     }
-    return static_cast<std::uint32_t>(Mix(nHash, nLast));
+    if (m_slots.empty())
+        return 0;
+    std::size_t const nMask = m_slots.size() - 1;
+    for (spot.nSlot = FirstSlot(spot);; spot.nSlot = (spot.nSlot + 1) & nMask)
+    {
+        Slot const & slot = m_slots[spot.nSlot];
+        if (slot.dwIndex == 0)
+            return 0;
+        if (slot.nHead == spot.nHead && slot.nTail == spot.nTail && slot.nKind == spot.nKind &&
+            (n <= kInSlot || EqualText(Key(slot.dwIndex), key)))
+            return slot.dwIndex;
+    }
 }
 
 bool CFIVocabulary::CIndexMap::Find(std::u16string_view key, std::uint32_t & dwIndex) const noexcept
 {
-    std::uint32_t const dwHash = Hash(key);
-    std::size_t const nMask = m_slots.size() - 1;
-    for (std::size_t i = dwHash & nMask; m_slots[i].dwIndex != 0; i = (i + 1) & nMask)
-    {
-        if (m_slots[i].dwHash != dwHash || Key(m_slots[i].dwIndex) != key)
-            continue;
-        dwIndex = m_slots[i].dwIndex;
-        return true;
-    }
-    return false;
+    Spot spot;
+    std::uint32_t const dwFound = Find(key, spot);
+    if (dwFound != 0)
+        dwIndex = dwFound;
+    return dwFound != 0;
 }
 
 void CFIVocabulary::CIndexMap::Add(std::u16string_view key)
 {
-    if (m_keys.size() >= kMaxEntries)
-        return;
-    if (m_keys.size() >= m_slots.size() / 2)
-    {
-        std::vector<Slot> slots(m_slots.size() * 2);
-        slots.swap(m_slots);
-        for (Slot const & slot : slots)
-            if (slot.dwIndex != 0)
-                Place(slot);
-    }
-    m_keys.emplace_back(key);
-    Place({Hash(key), Size()});
+    Spot spot;
+    static_cast<void>(Find(key, spot));
+    Add(key, spot);
 }
 
-void CFIVocabulary::CIndexMap::Place(Slot slot) noexcept
+void CFIVocabulary::CIndexMap::Add(std::u16string_view key, Spot spot)
 {
+    if (m_ends.size() >= m_nMost)
+        return;
+    if (m_ends.size() >= m_slots.size() / 2)
+    {
+        Grow();
+        static_cast<void>(Find(key, spot));
+    }
+    m_ends.reserve(m_slots.size() / 2);
+    m_strKeys.append(key);
+    m_ends.push_back(m_strKeys.size());
+    Slot & slot = m_slots[spot.nSlot];
+    slot.nHead = spot.nHead;
+    slot.nTail = spot.nTail;
+    slot.dwIndex = Size() & 0xFFFFFF;
+    slot.nKind = spot.nKind & 0xFF;
+}
+
+void CFIVocabulary::CIndexMap::Grow()
+{
+    std::size_t const nMore = m_slots.size() < kManySlots ? 4 : 2;
+    std::vector<Slot> slots(m_slots.empty() ? kFirstSlots : m_slots.size() * nMore);
+    slots.swap(m_slots);
     std::size_t const nMask = m_slots.size() - 1;
-    std::size_t i = slot.dwHash & nMask;
-    while (m_slots[i].dwIndex != 0)
-        i = (i + 1) & nMask;
-    m_slots[i] = slot;
+    for (Slot const & slot : slots)
+    {
+        if (slot.dwIndex == 0)
+            continue;
+        std::size_t i = FirstSlot({slot.nHead, slot.nTail, slot.nKind, 0});
+        while (m_slots[i].dwIndex != 0)
+            i = (i + 1) & nMask;
+        m_slots[i] = slot;
+    }
+}
+
+void CFIVocabulary::CIndexMap::Clear() noexcept
+{
+    if (m_ends.empty())
+        return;
+    if (m_slots.size() > kMostKeptSlots || m_strKeys.capacity() > kMostKeptUnits)
+    {
+        std::u16string().swap(m_strKeys);
+        std::vector<std::size_t>().swap(m_ends);
+        std::vector<Slot>().swap(m_slots);
+        return;
+    }
+    m_strKeys.clear();
+    m_ends.clear();
+    std::fill(m_slots.begin(), m_slots.end(), Slot());
 }
 
 CFIVocabulary::CFIVocabulary() : m_restrictedAlphabets{u"0123456789-+.e ", u"0123456789-:TZ "}
@@ -124,6 +191,12 @@ CFIVocabulary::CFIVocabulary() : m_restrictedAlphabets{u"0123456789-+.e ", u"012
 CFIVocabulary::CFIVocabulary(CFIVocabulary const & other) = default;
 CFIVocabulary & CFIVocabulary::operator=(CFIVocabulary const & other) = default;
 CFIVocabulary::~CFIVocabulary() = default;
+
+CFIVocabulary const & CFIVocabulary::Smallest()
+{
+    static auto const * const s_pSmallest = new CFIVocabulary;
+    return *s_pSmallest;
+}
 
 void CFIVocabulary::AddPrefixName(std::u16string const & strPrefix)
 {
@@ -162,13 +235,11 @@ void CFIVocabulary::AddElement(
     AddQName(strPrefix, strNamespace, strLocalName, m_mapElementNames, m_elementNames);
 }
 
-std::u16string CFIVocabulary::NameKey(
-    std::u16string_view prefix, std::u16string_view namespaceName, std::u16string_view localName)
+void CFIVocabulary::NameKey(std::u16string_view prefix, std::u16string_view namespaceName,
+    std::u16string_view localName, std::u16string & strKey)
 {
-    std::u16string strKey;
-    strKey.reserve(localName.size() + namespaceName.size() + prefix.size() + 2);
+    strKey.clear();
     strKey.append(localName).append(1, kSeparator).append(namespaceName).append(1, kSeparator).append(prefix);
-    return strKey;
 }
 
 void CFIVocabulary::AddValueToVector(std::u16string_view value, std::vector<std::u16string> & table)
@@ -211,7 +282,8 @@ std::uint32_t CFIVocabulary::AddPart(std::u16string const & strValue, CIndexMap 
 void CFIVocabulary::AddQName(std::u16string const & strPrefix, std::u16string const & strNamespace,
     std::u16string const & strLocalName, CIndexMap & map, CFIQNameTable & table)
 {
-    std::u16string const strKey = NameKey(strPrefix, strNamespace, strLocalName);
+    std::u16string strKey;
+    NameKey(strPrefix, strNamespace, strLocalName, strKey);
     std::uint32_t dwIndex = 0;
     bool const bRoom = (strPrefix.empty() || CanAdd(strPrefix, m_mapPrefixNames, m_prefixNames)) &&
                        (strNamespace.empty() || CanAdd(strNamespace, m_mapNamespaceNames, m_namespaceNames)) &&

@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -113,28 +112,55 @@ private:
     class CIndexMap
     {
     public:
-        CIndexMap();
+        /// For so many keys.
+        explicit CIndexMap(std::size_t nMost = kMaxEntries);
 
-        /// True with the index of the key; false with dwIndex untouched if the key is absent.
-        bool Find(std::u16string_view key, std::uint32_t & dwIndex) const noexcept;
-        std::uint32_t Size() const noexcept { return static_cast<std::uint32_t>(m_keys.size()); }
-        /// The key of an index.
-        std::u16string const & Key(std::uint32_t dwIndex) const { return m_keys[dwIndex - 1]; }
-        /// Requires that the key is absent. Does nothing when the map is full.
-        void Add(std::u16string_view key);
-
-    private:
-        struct Slot
+        /// What is looked for, and where it belongs. Holds until the map changes.
+        struct Spot
         {
-            std::uint32_t dwHash = 0;
-            std::uint32_t dwIndex = 0;
+            std::uint64_t nHead = 0;
+            std::uint32_t nTail = 0;
+            std::uint32_t nKind = 0;
+            std::size_t nSlot = 0;
         };
 
-        std::uint32_t Hash(std::u16string_view key) const noexcept;
-        void Place(Slot slot) noexcept;
+        /// The index of the key, or 0 if it is absent.
+        std::uint32_t Find(std::u16string_view key, Spot & spot) const noexcept;
+        /// True with the index of the key; false with dwIndex untouched if the key is absent.
+        bool Find(std::u16string_view key, std::uint32_t & dwIndex) const noexcept;
+        std::uint32_t Size() const noexcept { return static_cast<std::uint32_t>(m_ends.size()); }
+        /// The key of an index.
+        std::u16string_view Key(std::uint32_t dwIndex) const noexcept
+        {
+            std::size_t const nFirst = dwIndex > 1 ? m_ends[dwIndex - 2] : 0;
+            return std::u16string_view(m_strKeys.data() + nFirst, m_ends[dwIndex - 1] - nFirst);
+        }
+        /// Requires that the key is absent. Does nothing when the map is full.
+        void Add(std::u16string_view key);
+        /// The same for a key that was not found at the spot.
+        void Add(std::u16string_view key, Spot spot);
+        void Clear() noexcept;
+
+    private:
+        /// A key of up to six code units lies in its slot; of a longer one there is a hash.
+        struct Slot
+        {
+            std::uint64_t nHead = 0;
+            std::uint32_t nTail = 0;
+            std::uint32_t dwIndex : 24;
+            std::uint32_t nKind : 8;
+
+            Slot() noexcept : dwIndex(0), nKind(0) {}
+        };
+
+        std::size_t FirstSlot(Spot const & spot) const noexcept;
+        void Grow();
 
         std::uint64_t m_nSeed;
-        std::deque<std::u16string> m_keys;
+        std::size_t m_nMost;
+        /// All keys, one behind the other, and where each ends.
+        std::u16string m_strKeys;
+        std::vector<std::size_t> m_ends;
         std::vector<Slot> m_slots;
     };
 
@@ -142,9 +168,11 @@ private:
 
     CFIVocabulary(CFIVocabulary const & other);
 
+    /// One that nobody has added to. It is never destroyed.
+    static CFIVocabulary const & Smallest();
     /// Key of a qualified name in the maps. No part of a name holds the separator, which XML does not allow.
-    static std::u16string NameKey(
-        std::u16string_view prefix, std::u16string_view namespaceName, std::u16string_view localName);
+    static void NameKey(std::u16string_view prefix, std::u16string_view namespaceName, std::u16string_view localName,
+        std::u16string & strKey);
     static void AddValueToVector(std::u16string_view value, std::vector<std::u16string> & table);
     static void AddQNameToVector(CQNameParts const & parts, std::vector<CQNameParts> & table);
     static void AddValue(std::u16string const & strValue, CIndexMap & map, CFIStringTable & table);

@@ -60,11 +60,6 @@ CFastInfosetContext::CFastInfosetContext() = default;
 CFastInfosetContext & CFastInfosetContext::operator=(CFastInfosetContext const & other) = default;
 CFastInfosetContext::~CFastInfosetContext() = default;
 
-CFastInfosetContext::EncodedCharacterString CFastInfosetContext::GetEncoding(unsigned long nItemType) const
-{
-    return nItemType < kItemTypes ? m_encodings[nItemType] : EncodedCharacterString();
-}
-
 void CFastInfosetContext::SetEncoding(unsigned long nItemType, EncodedCharacterString const & encoding)
 {
     if (nItemType >= kItemTypes)

@@ -35,7 +35,10 @@ public:
     ~CFastInfosetContext();
 
     /// The row of an ItemType. Numbers of 29 and above give the default encoding.
-    EncodedCharacterString GetEncoding(unsigned long nItemType) const;
+    EncodedCharacterString GetEncoding(unsigned long nItemType) const
+    {
+        return nItemType < kItemTypes ? m_encodings[nItemType] : EncodedCharacterString();
+    }
     /// Throws CQzInvalidParamException for numbers of 29 and above.
     void SetEncoding(unsigned long nItemType, EncodedCharacterString const & encoding);
     /// Sets the short forms for all kinds but text: numbers and binary data through algorithms, dates and decimals

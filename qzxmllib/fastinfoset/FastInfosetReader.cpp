@@ -2,9 +2,11 @@
 
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/document/Encoder.h"
+#include "qzxmllib/document/XmlTreeInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetContext.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
+#include "qzxmllib/fastinfoset/PlainTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
@@ -18,6 +20,8 @@ namespace
 {
 
 constexpr std::uint32_t kCdata = 10;
+/// Room that each table begins with.
+constexpr std::size_t kFirstEntries = 64;
 
 // Octets, or their upper six bits, that begin something other than an element or text.
 constexpr unsigned char kInstruction = 0xE1;
@@ -63,26 +67,13 @@ auto & At(Table & table, std::uint32_t dwIndex, char16_t const * pszTable)
     return table[dwIndex - 1];
 }
 
-/// Whether the octets are ASCII without the octet 0, so that text in UTF-8 needs no further test.
-bool IsPlainAscii(unsigned char const * pOctets, std::size_t nOctets) noexcept
+/// Appends a part of a name in the form of the parser. False if it has characters that mean something else there.
+bool AppendRaw(std::string & strRaw, std::u16string_view part)
 {
-    static constexpr std::uint64_t kOnes = 0x0101010101010101u;
-    static constexpr std::uint64_t kHighs = 0x8080808080808080u;
-    std::uint64_t nFound = 0;
-    std::size_t nAt = 0;
-    for (; nAt + sizeof(std::uint64_t) <= nOctets; nAt += sizeof(std::uint64_t))
-    {
-        std::uint64_t nEight;
-        std::memcpy(&nEight, pOctets + nAt, sizeof nEight);
-        // The subtraction borrows from the high bit of an octet 0.
-        nFound |= nEight | (nEight - kOnes);
-    }
-    if ((nFound & kHighs) != 0)
-        return false;
-    unsigned dwFound = 0;
-    for (; nAt < nOctets; ++nAt)
-        dwFound |= pOctets[nAt] | (pOctets[nAt] - 1u);
-    return (dwFound & 0x80) == 0;
+    std::size_t const nOld = strRaw.size();
+    strRaw.resize(nOld + part.size());
+    return CopyAscii(reinterpret_cast<unsigned char *>(&strRaw[nOld]), part) &&
+           std::memchr(&strRaw[nOld], '|', part.size()) == nullptr;
 }
 
 } // namespace
@@ -110,10 +101,29 @@ bool CFastInfosetReader::ReadDocument(unsigned char const * pOctets, std::size_t
     m_nMaxNamedUnits = limits.nMaxAmplification != 0 && limits.nMaxAmplifiedUnits != 0
                            ? std::max(limits.nMaxAmplifiedUnits, std::uint64_t(nOctets) * limits.nMaxAmplification)
                            : std::numeric_limits<std::uint64_t>::max();
-    m_pVocabulary.reset(m_pFIContext->GetUseGeneratedVocabulary() ? new CFIVocabulary(*m_pFIContext->GetVocabulary())
-                                                                  : new CFIVocabulary());
+    m_pVocabulary =
+        m_pFIContext->GetUseGeneratedVocabulary() ? m_pFIContext->GetVocabulary() : &CFIVocabulary::Smallest();
+    auto const beginWith = [](CStringTable & table, CFIVocabulary::CFIStringTable const & first)
+    {
+        table.clear();
+        table.reserve(kFirstEntries);
+        for (std::u16string const & strText : first)
+            table.push_back(std::u16string_view(strText));
+    };
+    beginWith(m_prefixes, m_pVocabulary->m_prefixNames);
+    beginWith(m_namespaceNames, m_pVocabulary->m_namespaceNames);
+    beginWith(m_localNames, m_pVocabulary->m_localNames);
+    beginWith(m_attributeValues, m_pVocabulary->m_attributeValues);
+    beginWith(m_characterChunks, m_pVocabulary->m_characterChunks);
     m_elementNames.assign(m_pVocabulary->m_elementNames.m_table.size(), nullptr);
     m_attributeNames.assign(m_pVocabulary->m_attributeNames.m_table.size(), nullptr);
+    m_elementNames.reserve(kFirstEntries);
+    m_attributeNames.reserve(kFirstEntries);
+    m_longTexts.clear();
+    m_dwRawNamespace = 0;
+    m_pTree = m_doc.m_pTree.get();
+    m_pElement = nullptr;
+    m_nDepth = 0;
     SkipHeader();
     ReadChildren();
     if (m_doc.m_pDocumentElement == nullptr)
@@ -265,13 +275,47 @@ inline CFastInfosetReader::CString CFastInfosetReader::ReadEncodedString(
     return string;
 }
 
+/// The text of a literal string in the tree, or null if it is not of the usual kind.
+inline char16_t const * CFastInfosetReader::TakePlain(CString const & string)
+{
+    if (string.eKind != FIStringKind_Utf8 || string.nOctets > CXmlTree::kLongestInBlock)
+        return nullptr;
+    char16_t * const pUnits = m_pTree->Offer(string.nOctets);
+    if (!WidenPlain(string.pOctets, string.nOctets, pUnits))
+        return nullptr;
+    m_pTree->Take(string.nOctets);
+    return pUnits;
+}
+
+/// Adds a literal string.
+void CFastInfosetReader::AddToTable(CStringTable & table, CString const & string)
+{
+    if (char16_t const * const pPlain = TakePlain(string))
+    {
+        table.push_back(std::u16string_view(pPlain, string.nOctets));
+        table.back().bShared = true;
+        return;
+    }
+    std::u16string strText = Decode(string);
+    if (strText.size() > CXmlTree::kLongestInBlock)
+    {
+        m_longTexts.push_back(std::move(strText));
+        table.push_back(std::u16string_view(m_longTexts.back()));
+        return;
+    }
+    char16_t * const pUnits = m_pTree->Offer(strText.size());
+    std::copy(strText.begin(), strText.end(), pUnits);
+    m_pTree->Take(strText.size());
+    table.push_back(std::u16string_view(pUnits, strText.size()));
+    table.back().bShared =
+        std::none_of(strText.begin(), strText.end(), [](char16_t c) { return c == u'\0' || c == u'\r'; });
+}
+
 std::u16string CFastInfosetReader::Decode(CString const & string) const
 {
     switch (string.eKind)
     {
     case FIStringKind_Utf8:
-        if (IsPlainAscii(string.pOctets, string.nOctets))
-            return std::u16string(string.pOctets, string.pOctets + string.nOctets);
         return DecodeUtf8(string.pOctets, string.nOctets);
     case FIStringKind_Utf16:
     {
@@ -452,35 +496,33 @@ void CFastInfosetReader::ReadChildren()
     }
 }
 
-/// The root and all below it. The stack of the document tells where the reading is, so no depth is too deep for the
-/// native stack.
+/// The root and all below it. The tree tells where the reading is, so no depth is too deep for the native stack.
 void CFastInfosetReader::ReadElements(unsigned char byLead)
 {
-    std::vector<CXmlElement *> & stack = m_doc.m_pElementStack;
     if (ReadElementStart(byLead))
-        stack.pop_back();
-    while (!stack.empty())
+        EndElement();
+    while (m_pElement != nullptr)
     {
         byLead = ReadOctet();
         if (byLead < 0x80)
         {
             if (ReadElementStart(byLead))
-                stack.pop_back();
+                EndElement();
         }
         else if (byLead < 0xC0)
         {
-            ReadText(stack.back(), byLead);
+            ReadText(m_pElement, byLead);
         }
         else if (byLead == kTerminator)
         {
-            stack.pop_back();
+            EndElement();
         }
         else if (byLead == kDoubleTerminator)
         {
             // Ends the parent as well; behind the root it is the document that ends.
-            stack.pop_back();
-            if (!stack.empty())
-                stack.pop_back();
+            EndElement();
+            if (m_pElement != nullptr)
+                EndElement();
         }
         else if (byLead == kInstruction)
         {
@@ -501,6 +543,12 @@ void CFastInfosetReader::ReadElements(unsigned char byLead)
     }
 }
 
+inline void CFastInfosetReader::EndElement()
+{
+    m_pElement = m_pElement->GetParentElm();
+    --m_nDepth;
+}
+
 /// X.891 clause C.3. True if the element has ended together with its attributes.
 bool CFastInfosetReader::ReadElementStart(unsigned char byLead)
 {
@@ -511,11 +559,14 @@ bool CFastInfosetReader::ReadElementStart(unsigned char byLead)
         byLead = ReadOctet();
     }
     CXmlName const & name = ReadName(kElementName, byLead);
-    if (m_doc.m_pElementStack.size() >= m_nMaxDepth)
+    if (m_nDepth >= m_nMaxDepth)
         throw CQzException(FormatString(u"Failed to parse FastInfoset. Elements are nested deeper than %d levels.",
             static_cast<std::uint64_t>(m_nMaxDepth)));
-    CXmlElement * const pElement =
-        m_doc.m_pDocumentElement == nullptr ? m_doc.AddDocElement(name) : m_doc.AddChildElement(name);
+    CXmlElement * const pElement = m_pTree->CreateElement(name, m_pElement);
+    if (m_pElement == nullptr)
+        m_doc.m_pDocumentElement = pElement;
+    m_pElement = pElement;
+    ++m_nDepth;
     return bAttributes && ReadAttributes(pElement);
 }
 
@@ -536,14 +587,13 @@ void CFastInfosetReader::ReadNamespaceAttributes()
     auto const readPart = [this](bool bPresent, CStringTable & table, char16_t const * pszTable)
     {
         std::uint32_t const dwIndex = bPresent ? ReadNamePart(table, pszTable) : 0;
-        return dwIndex != 0 ? table[dwIndex - 1] : std::u16string();
+        return dwIndex != 0 ? std::u16string(table[dwIndex - 1]) : std::u16string();
     };
     for (unsigned char byLead = ReadOctet(); byLead >> 2 == kNamespaceAttribute; byLead = ReadOctet())
     {
-        std::u16string strAlias =
-            readPart((byLead & kNamePrefix) != 0, m_pVocabulary->m_prefixNames.m_table, kPrefixes);
+        std::u16string strAlias = readPart((byLead & kNamePrefix) != 0, m_prefixes, kPrefixes);
         m_doc.m_mapNamespaces[std::move(strAlias)] =
-            readPart((byLead & kNameNamespace) != 0, m_pVocabulary->m_namespaceNames.m_table, kNamespaceNames);
+            readPart((byLead & kNameNamespace) != 0, m_namespaceNames, kNamespaceNames);
     }
 }
 
@@ -552,75 +602,137 @@ void CFastInfosetReader::ReadAttribute(CXmlElement * pElement, unsigned char byL
 {
     CXmlName const & name = ReadName(kAttributeName, byLead);
     CString const value = ReadValue();
-    CStringTable & table = m_pVocabulary->m_attributeValues.m_table;
+    CText text{std::u16string_view()};
     if (value.bIndex)
     {
-        std::u16string_view text;
         if (value.dwIndex != 0)
-            text = At(table, value.dwIndex, kAttributeValues);
-        CountNamed(text.size());
-        CXmlDocument::AddElementAttribute(pElement, name, text);
+            text = At(m_attributeValues, value.dwIndex, kAttributeValues);
+        CountNamed(text.nUnits);
     }
     else if (value.bAddToTable)
     {
-        table.push_back(Decode(value));
-        CXmlDocument::AddElementAttribute(pElement, name, table.back());
+        AddToTable(m_attributeValues, value);
+        text = m_attributeValues.back();
     }
-    else if (value.eKind == FIStringKind_Utf8 && IsPlainAscii(value.pOctets, value.nOctets))
+    else if (char16_t const * const pPlain = TakePlain(value))
     {
-        CXmlDocument::AddElementAttributeUtf8(
-            pElement, name, reinterpret_cast<char const *>(value.pOctets), value.nOctets);
+        text = std::u16string_view(pPlain, value.nOctets);
+        text.bShared = true;
     }
     else
     {
         CXmlDocument::AddElementAttribute(pElement, name, Decode(value));
+        return;
     }
+    if (text.bShared)
+        CXmlTree::Assign(CXmlTree::ValueOf(*m_pTree->CreateAttribute(*pElement, name)), text.pUnits, text.nUnits);
+    else
+        CXmlDocument::AddElementAttribute(pElement, name, text);
+}
+
+/// Reads the usual forms of a chunk into a text that has nothing yet: UTF-8 in one of the two shorter forms, and an
+/// index in one of those. False, and nothing done, if it is anything else or the limits are reached.
+inline bool CFastInfosetReader::ReadShortText(CXmlText & text, unsigned char byLead)
+{
+    unsigned char const * p = m_pCurrent;
+    auto const nLeft = static_cast<std::size_t>(m_pEnd - p);
+    if ((byLead & 0x20) != 0)
+    {
+        std::size_t nEntry = byLead & 0x0F;
+        if ((byLead & 0x10) != 0)
+        {
+            if ((byLead & 0x0C) != 0 || nLeft == 0)
+                return false;
+            nEntry = 0x10 + (nEntry << 8 | *p++);
+        }
+        if (nEntry >= m_characterChunks.size())
+            return false;
+        CText const & entry = m_characterChunks[nEntry];
+        if (!entry.bShared || m_nNamedUnits + entry.nUnits > m_nMaxNamedUnits)
+            return false;
+        m_nNamedUnits += entry.nUnits;
+        CXmlTree::Assign(text, entry.pUnits, entry.nUnits);
+        m_pCurrent = p;
+        return true;
+    }
+    std::size_t nOctets = (byLead & 0x01) + 1u;
+    if ((byLead & 0x02) != 0)
+    {
+        if ((byLead & 0x01) != 0 || nLeft == 0)
+            return false;
+        nOctets = *p++ + std::size_t(3);
+    }
+    if ((byLead & 0x0C) != 0 || nOctets > static_cast<std::size_t>(m_pEnd - p))
+        return false;
+    char16_t * const pUnits = m_pTree->Offer(nOctets);
+    if (!WidenPlain(p, nOctets, pUnits))
+        return false;
+    m_pTree->Take(nOctets);
+    CXmlTree::Assign(text, pUnits, nOctets);
+    m_pCurrent = p + nOctets;
+    if ((byLead & 0x10) != 0)
+    {
+        m_characterChunks.push_back(std::u16string_view(pUnits, nOctets));
+        m_characterChunks.back().bShared = true;
+    }
+    return true;
 }
 
 /// X.891 clause C.7. A table keeps carriage returns, the text of an element does not.
 void CFastInfosetReader::ReadText(CXmlElement * pElement, unsigned char byLead)
 {
+    if (CXmlTree::IsBare(*pElement) && ReadShortText(CXmlTree::TextOf(*pElement), byLead))
+        return;
     CString const chunk = ReadChunk(byLead);
-    CStringTable & table = m_pVocabulary->m_characterChunks.m_table;
+    CText text{std::u16string_view()};
     if (chunk.bIndex)
     {
-        std::u16string const & strText = At(table, chunk.dwIndex, kCharacterChunks);
-        CountNamed(strText.size());
-        CXmlDocument::AppendTextExcludingCR(pElement, strText.data(), strText.size());
+        text = At(m_characterChunks, chunk.dwIndex, kCharacterChunks);
+        CountNamed(text.nUnits);
     }
     else if (chunk.bAddToTable)
     {
-        table.push_back(Decode(chunk));
-        CXmlDocument::AppendTextExcludingCR(pElement, table.back().data(), table.back().size());
+        AddToTable(m_characterChunks, chunk);
+        text = m_characterChunks.back();
     }
-    else if (chunk.eKind == FIStringKind_Utf8 && IsPlainAscii(chunk.pOctets, chunk.nOctets))
+    if (text.bShared && CXmlTree::IsBare(*pElement))
     {
-        CXmlDocument::AppendUtf8ExcludingCR(pElement, reinterpret_cast<char const *>(chunk.pOctets), chunk.nOctets);
+        CXmlTree::Assign(CXmlTree::TextOf(*pElement), text.pUnits, text.nUnits);
+        return;
     }
-    else
+    if (!chunk.bIndex && !chunk.bAddToTable)
     {
-        std::u16string const strText = Decode(chunk);
-        CXmlDocument::AppendTextExcludingCR(pElement, strText.data(), strText.size());
+        m_strText.resize(chunk.nOctets);
+        if (chunk.eKind != FIStringKind_Utf8 || !WidenPlain(chunk.pOctets, chunk.nOctets, &m_strText[0]))
+            m_strText = Decode(chunk);
+        text = std::u16string_view(m_strText);
     }
+    CXmlDocument::AppendTextExcludingCR(pElement, text.pUnits, text.nUnits);
 }
 
 /// X.891 clauses C.17 and C.18.
 inline CXmlName const & CFastInfosetReader::ReadName(FINameForm const & form, unsigned char byLead)
 {
     bool const bElement = &form == &kElementName;
-    CFIVocabulary::CFIQNameTable & table = bElement ? m_pVocabulary->m_elementNames : m_pVocabulary->m_attributeNames;
     CNameCache & names = bElement ? m_elementNames : m_attributeNames;
+    FIForm const & shortest = *form.indexes.begin();
+    if ((byLead & shortest.dwMask) == shortest.dwLead)
+    {
+        std::size_t const nEntry = byLead & shortest.dwData;
+        if (nEntry < names.size() && names[nEntry] != nullptr)
+            return *names[nEntry];
+    }
     if ((byLead & form.dwLiteral) == form.dwLiteral)
-        return ReadLiteralName(byLead, table, names);
+        return ReadLiteralName(byLead, names);
     std::uint32_t const dwIndex = ReadNumber(form.indexes, byLead, kBadIntegerOnBit3);
     CXmlName const *& pName = At(names, dwIndex, bElement ? kElementNames : kAttributeNames);
     if (pName == nullptr)
-        pName = &FindName(table.m_table[dwIndex - 1]);
+        pName = &FindName(
+            (bElement ? m_pVocabulary->m_elementNames : m_pVocabulary->m_attributeNames).m_table[dwIndex - 1]);
     return *pName;
 }
 
-CXmlName const & CFastInfosetReader::ReadLiteralName(
-    unsigned char byLead, CFIVocabulary::CFIQNameTable & table, CNameCache & names)
+CXmlName const & CFastInfosetReader::ReadLiteralName(unsigned char byLead, CNameCache & names)
 {
     bool const bPrefix = (byLead & kNamePrefix) != 0;
     bool const bNamespace = (byLead & kNameNamespace) != 0;
@@ -628,13 +740,12 @@ CXmlName const & CFastInfosetReader::ReadLiteralName(
         throw CQzException(u"Failed to parse FastInfoset. Invalid QName type Prefix without Namespace.");
     CFIVocabulary::CQNameParts parts(0, 0, 0);
     if (bPrefix)
-        parts.m_dwPrefixIndex = ReadNamePart(m_pVocabulary->m_prefixNames.m_table, kPrefixes);
+        parts.m_dwPrefixIndex = ReadNamePart(m_prefixes, kPrefixes);
     if (bNamespace)
-        parts.m_dwNamespaceIndex = ReadNamePart(m_pVocabulary->m_namespaceNames.m_table, kNamespaceNames);
-    parts.m_dwLocalNameIndex = ReadNamePart(m_pVocabulary->m_localNames.m_table, kLocalNames);
+        parts.m_dwNamespaceIndex = ReadNamePart(m_namespaceNames, kNamespaceNames);
+    parts.m_dwLocalNameIndex = ReadNamePart(m_localNames, kLocalNames);
     CXmlName const & name = FindName(parts);
-    CFIVocabulary::AddQNameToVector(parts, table.m_table);
-    if (names.size() < table.m_table.size())
+    if (names.size() < CFIVocabulary::kMaxEntries)
         names.push_back(&name);
     return name;
 }
@@ -644,9 +755,26 @@ CXmlName const & CFastInfosetReader::FindName(CFIVocabulary::CQNameParts const &
 {
     std::u16string_view namespaceURI;
     if (parts.m_dwNamespaceIndex != 0)
-        namespaceURI = At(m_pVocabulary->m_namespaceNames.m_table, parts.m_dwNamespaceIndex, kNamespaceNames);
-    std::u16string_view const localName =
-        At(m_pVocabulary->m_localNames.m_table, parts.m_dwLocalNameIndex, kLocalNames);
+        namespaceURI = At(m_namespaceNames, parts.m_dwNamespaceIndex, kNamespaceNames);
+    std::u16string_view const localName = At(m_localNames, parts.m_dwLocalNameIndex, kLocalNames);
+    if (namespaceURI.empty())
+    {
+        m_strRawLocalName.clear();
+        if (AppendRaw(m_strRawLocalName, localName))
+            return m_pTree->Names().FromParser(m_strRawLocalName, namespaceURI, localName);
+        return m_doc.InternName(namespaceURI, localName);
+    }
+    if (m_dwRawNamespace != parts.m_dwNamespaceIndex)
+    {
+        m_strRawName.clear();
+        m_bRawNamespace = AppendRaw(m_strRawName, namespaceURI);
+        m_strRawName += '|';
+        m_nRawNamespace = m_strRawName.size();
+        m_dwRawNamespace = parts.m_dwNamespaceIndex;
+    }
+    m_strRawName.resize(m_nRawNamespace);
+    if (m_bRawNamespace && AppendRaw(m_strRawName, localName))
+        return m_pTree->Names().FromParser(m_strRawName, namespaceURI, localName);
     return m_doc.InternName(namespaceURI, localName);
 }
 
@@ -656,10 +784,10 @@ std::uint32_t CFastInfosetReader::ReadNamePart(CStringTable & table, char16_t co
     CString const string = ReadIdentifyingString();
     if (string.bIndex)
     {
-        CountNamed(At(table, string.dwIndex, pszTable).size());
+        CountNamed(At(table, string.dwIndex, pszTable).nUnits);
         return string.dwIndex;
     }
-    table.push_back(Decode(string));
+    AddToTable(table, string);
     return static_cast<std::uint32_t>(table.size());
 }
 

@@ -8,7 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,7 +51,21 @@ private:
         unsigned char const * pOctets = nullptr;
         std::size_t nOctets = 0;
     };
-    using CStringTable = std::vector<std::u16string>;
+    /// An entry of a table.
+    struct CText
+    {
+        CText(std::u16string_view text) noexcept
+            : pUnits(text.data()), nUnits(text.size() & (SIZE_MAX >> 1)), bShared(false)
+        {
+        }
+        operator std::u16string_view() const noexcept { return std::u16string_view(pUnits, nUnits); }
+
+        char16_t const * pUnits;
+        std::size_t nUnits : 8 * sizeof(std::size_t) - 1;
+        /// The units lie in the tree, and neither 0 nor a carriage return is among them.
+        std::size_t bShared : 1;
+    };
+    using CStringTable = std::vector<CText>;
     /// The names that a table of qualified names stands for, null until one is needed.
     using CNameCache = std::vector<CXmlName const *>;
 
@@ -71,6 +85,8 @@ private:
     CString ReadValue();
     CString ReadChunk(unsigned char byLead);
     CString ReadEncodedString(FIStringForm const & form, unsigned char byLead);
+    char16_t const * TakePlain(CString const & string);
+    void AddToTable(CStringTable & table, CString const & string);
     std::u16string Decode(CString const & string) const;
     std::u16string DecodeAlphabet(CString const & string) const;
 
@@ -90,11 +106,13 @@ private:
     void ReadElements(unsigned char byLead);
     bool ReadElementStart(unsigned char byLead);
     bool ReadAttributes(CXmlElement * pElement);
+    void EndElement();
     void ReadNamespaceAttributes();
     void ReadAttribute(CXmlElement * pElement, unsigned char byLead);
+    bool ReadShortText(CXmlText & text, unsigned char byLead);
     void ReadText(CXmlElement * pElement, unsigned char byLead);
     CXmlName const & ReadName(FINameForm const & form, unsigned char byLead);
-    CXmlName const & ReadLiteralName(unsigned char byLead, CFIVocabulary::CFIQNameTable & table, CNameCache & names);
+    CXmlName const & ReadLiteralName(unsigned char byLead, CNameCache & names);
     CXmlName const & FindName(CFIVocabulary::CQNameParts const & parts);
     std::uint32_t ReadNamePart(CStringTable & table, char16_t const * pszTable);
     void CountNamed(std::size_t nUnits);
@@ -103,9 +121,28 @@ private:
     CXmlDocument & m_doc;
     unsigned char const * m_pCurrent = nullptr;
     unsigned char const * m_pEnd = nullptr;
-    std::unique_ptr<CFIVocabulary> m_pVocabulary;
+    CXmlTree * m_pTree = nullptr;
+    /// The innermost open element, and how many are open.
+    CXmlElement * m_pElement = nullptr;
+    std::size_t m_nDepth = 0;
+    /// What the tables begin with.
+    CFIVocabulary const * m_pVocabulary = nullptr;
+    CStringTable m_prefixes;
+    CStringTable m_namespaceNames;
+    CStringTable m_localNames;
+    CStringTable m_attributeValues;
+    CStringTable m_characterChunks;
     CNameCache m_elementNames;
     CNameCache m_attributeNames;
+    /// Entries that are too long for the tree.
+    std::deque<std::u16string> m_longTexts;
+    /// A name in the form of the parser. Its namespace stays for the next one that has the same.
+    std::string m_strRawName;
+    std::string m_strRawLocalName;
+    std::size_t m_nRawNamespace = 0;
+    std::uint32_t m_dwRawNamespace = 0;
+    bool m_bRawNamespace = false;
+    std::u16string m_strText; ///< of a chunk that has no place yet
     /// UTF-16 code units of the strings that indexes have named, and the number that is allowed.
     std::uint64_t m_nNamedUnits = 0;
     std::uint64_t m_nMaxNamedUnits = 0;

@@ -2,14 +2,18 @@
 
 #include "qzxmllib/document/BinaryStream.h"
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
+#include "qzxmllib/fastinfoset/PlainTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/support/Utf8Internal.h"
 
 #include <algorithm>
 #include <cstring>
+#include <typeinfo>
+#include <utility>
 
 namespace QzXmlLib16
 {
@@ -22,7 +26,8 @@ constexpr std::size_t kBlock = 32768;
 constexpr std::size_t kMaxUnitsAtOnce = 4096;
 /// The longest lead octets of a number.
 constexpr std::size_t kLongestNumber = 5;
-constexpr std::size_t kLastNames = 256;
+/// Text up to this length is written in one piece with what stands in front of it.
+constexpr std::size_t kLongestInOnePiece = 1024;
 
 constexpr unsigned kAttributesPresent = 0x40;
 constexpr unsigned kNamespacesPresent = 0x38;
@@ -36,64 +41,191 @@ constexpr unsigned kValueAdd = 0x40;
 
 constexpr std::u16string_view kVocabularyUri = u"http://qzxmllib.example/fastinfoset/vocabulary/1";
 
-/// Four code units.
-std::uint64_t Load(char16_t const * p) noexcept
+/// Puts a number. Needs room for kLongestNumber octets.
+template <FIForms const & forms, std::size_t nRow = 0>
+inline unsigned char * PutNumberAt(unsigned char * p, unsigned dwLead, std::uint32_t dwNumber) noexcept
 {
-    std::uint64_t n;
-    std::memcpy(&n, p, sizeof n);
-    return n;
-}
-
-/// Names are too short for a call.
-bool SameUnits(char16_t const * pA, std::u16string_view b) noexcept
-{
-    std::size_t const n = b.size();
-    char16_t const * const pB = b.data();
-    if (n < 4)
-    {
-        for (std::size_t i = 0; i < n; ++i)
-            if (pA[i] != pB[i])
-                return false;
-        return true;
-    }
-    for (std::size_t i = 0; i + 4 < n; i += 4)
-        if (Load(pA + i) != Load(pB + i))
-            return false;
-    return Load(pA + n - 4) == Load(pB + n - 4);
-}
-
-/// Whether the parts make the key. The two code units between them have their place whatever they are.
-bool IsKeyOf(std::u16string const & strKey, std::u16string_view prefix, std::u16string_view uri,
-    std::u16string_view localName) noexcept
-{
-    char16_t const * const pKey = strKey.data();
-    return strKey.size() == prefix.size() + uri.size() + localName.size() + 2 && SameUnits(pKey, localName) &&
-           pKey[localName.size()] == 1 && SameUnits(pKey + localName.size() + 1, uri) &&
-           pKey[localName.size() + 1 + uri.size()] == 1 && SameUnits(pKey + localName.size() + uri.size() + 2, prefix);
-}
-
-/// Names of one document differ mostly in the local name.
-std::size_t LastNameSlot(std::u16string_view uri, std::u16string_view localName) noexcept
-{
-    std::size_t const n = localName.size();
-    std::uint64_t nHash = uri.size() << 8 | n;
-    if (n >= 4)
-        nHash ^= Load(localName.data()) * 3 + Load(localName.data() + n - 4);
-    else
-        for (char16_t const c : localName)
-            nHash = nHash << 16 ^ c;
-    return (nHash * 0x9E3779B97F4A7C15u >> 32) % kLastNames;
+    constexpr FIForm form = forms.pRows[nRow];
+    if constexpr (nRow + 1 < forms.nRows)
+        if (dwNumber - form.dwBase >= form.Count())
+            return PutNumberAt<forms, nRow + 1>(p, dwLead, dwNumber);
+    std::uint64_t const nRest = dwNumber - form.dwBase;
+    *p++ = static_cast<unsigned char>(dwLead | form.dwLead | nRest >> (8 * form.nOctets));
+    for (std::uint32_t n = form.nOctets; n-- > 0;)
+        *p++ = static_cast<unsigned char>(nRest >> (8 * n));
+    return p;
 }
 
 } // namespace
 
-CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream)
-    : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context),
-      m_pVocabulary(
-          context.GetUseGeneratedVocabulary() ? new CFIVocabulary(*context.GetVocabulary()) : new CFIVocabulary()),
-      m_lastElementNames(kLastNames), m_lastAttributeNames(kLastNames), m_spOctets(new unsigned char[kBlock]),
-      m_nSize(kBlock)
+/// Strings that the thread has written lately. A number, from 1 on, tells for good where each one lies; it has an index
+/// in a document from when it is entered there.
+class CFastInfosetWriter::CNames
 {
+public:
+    /// The number, or 0 if there is no room.
+    std::uint32_t Number(std::u16string_view name)
+    {
+        CIndexMap::Spot spot;
+        if (std::uint32_t const nId = m_ids.Find(name, spot))
+            return nId;
+        if (m_ids.Size() == kMostIds)
+            return 0;
+        if (m_entries.size() == m_ids.Size())
+            m_entries.emplace_back();
+        m_ids.Add(name, spot);
+        return m_ids.Size();
+    }
+    std::u16string_view Name(std::uint32_t nId) const noexcept { return m_ids.Key(nId); }
+    /// 0 if there is none.
+    std::uint32_t Index(std::uint32_t nId) const noexcept
+    {
+        return nId != 0 && m_entries[nId - 1].nDocument == m_nDocument ? m_entries[nId - 1].dwIndex : 0;
+    }
+    /// Gives the next index of the document, or 0 if its table is full.
+    std::uint32_t Enter(std::uint32_t nId) noexcept
+    {
+        if (nId == 0 || m_dwLast == CFIVocabulary::kMaxEntries)
+            return 0;
+        m_entries[nId - 1] = {m_nDocument, ++m_dwLast};
+        return m_dwLast;
+    }
+    /// A new document, whose table begins as the one of a vocabulary.
+    void Begin(CIndexMap const & first)
+    {
+        ++m_nDocument;
+        m_dwLast = 0;
+        for (std::uint32_t dwIndex = 1; dwIndex <= first.Size(); ++dwIndex)
+            Enter(Number(first.Key(dwIndex)));
+    }
+    bool IsLarge() const noexcept { return m_ids.Size() > kMostKept; }
+
+    static constexpr std::size_t kMostKept = 512;
+
+private:
+    struct Entry
+    {
+        std::uint64_t nDocument = 0;
+        std::uint32_t dwIndex = 0;
+    };
+
+    /// What is kept from earlier documents must not take a place from this one.
+    static constexpr std::size_t kMostIds = CFIVocabulary::kMaxEntries + kMostKept;
+
+    CIndexMap m_ids{kMostIds};
+    std::vector<Entry> m_entries;
+    std::uint64_t m_nDocument = 0;
+    std::uint32_t m_dwLast = 0;
+};
+
+struct CFastInfosetWriter::KnownName
+{
+    static constexpr std::size_t kMostOctets = 4;
+
+    /// Whether the numbers tell the name. Those of prefix and namespace may be 0, for none.
+    bool bWhole = false;
+    std::uint32_t nId = 0;
+    std::uint32_t nPrefix = 0;
+    std::uint32_t nNamespace = 0;
+    std::uint32_t nLocalName = 0;
+    /// The index in a document, as octets with no other bits set.
+    std::uint32_t nOctets = 0;
+    unsigned char abyIndex[kMostOctets] = {};
+    std::uint64_t nDocument = 0;
+
+    void SetIndex(FINameForm const & form, std::uint32_t dwIndex, std::uint64_t nInDocument) noexcept
+    {
+        unsigned char const * const pEnd = &form == &kElementName ? PutNumberAt<kIntegerOnBit3>(abyIndex, 0, dwIndex)
+                                                                  : PutNumberAt<kIntegerOnBit2>(abyIndex, 0, dwIndex);
+        nOctets = static_cast<std::uint32_t>(pEnd - abyIndex);
+        nDocument = nInDocument;
+    }
+};
+
+/// Kept by the thread from one writer to the next: documents of one kind follow each other.
+struct CFastInfosetWriter::Tables
+{
+    /// By the names that callers use.
+    CNameCache<KnownName> knownElements;
+    CNameCache<KnownName> knownAttributes;
+    CNames elementNames;
+    CNames attributeNames;
+    CNames prefixes;
+    CNames namespaceNames;
+    CNames localNames;
+    CIndexMap attributeValues;
+    CIndexMap characterChunks;
+    std::uint64_t nDocument = 0;
+    /// The declarations of the last root, with their version.
+    std::u16string strDefaultNamespace;
+    CNamespaceMap namespaces;
+    std::uint64_t nVersion = 0;
+    unsigned char abyOctets[kBlock];
+
+    static thread_local Tables * t_pSpare;
+    static thread_local bool t_bThreadEnds;
+
+    Tables() {} // leaves the octets as they are
+
+    static std::unique_ptr<Tables> Take()
+    {
+        std::unique_ptr<Tables> spTables(std::exchange(t_pSpare, nullptr));
+        if (spTables == nullptr)
+            spTables.reset(new Tables);
+        return spTables;
+    }
+    static void GiveBack(std::unique_ptr<Tables> spTables)
+    {
+        struct Cleaner
+        {
+            ~Cleaner()
+            {
+                t_bThreadEnds = true;
+                delete std::exchange(t_pSpare, nullptr);
+            }
+        };
+        if (t_bThreadEnds || t_pSpare != nullptr || spTables->IsLarge())
+            return;
+        static thread_local Cleaner const t_cleaner;
+        t_pSpare = spTables.release();
+    }
+    bool IsLarge() const noexcept
+    {
+        return knownElements.GetSize() > CNames::kMostKept || knownAttributes.GetSize() > CNames::kMostKept ||
+               elementNames.IsLarge() || attributeNames.IsLarge() || prefixes.IsLarge() || namespaceNames.IsLarge() ||
+               localNames.IsLarge();
+    }
+
+    /// A new document.
+    void Begin(CFIVocabulary const & vocabulary)
+    {
+        ++nDocument;
+        elementNames.Begin(vocabulary.m_mapElementNames);
+        attributeNames.Begin(vocabulary.m_mapAttributeNames);
+        prefixes.Begin(vocabulary.m_mapPrefixNames);
+        namespaceNames.Begin(vocabulary.m_mapNamespaceNames);
+        localNames.Begin(vocabulary.m_mapLocalNames);
+        BeginValues(attributeValues, vocabulary.m_mapAttributeValues);
+        BeginValues(characterChunks, vocabulary.m_mapCharacterChunks);
+    }
+    static void BeginValues(CIndexMap & map, CIndexMap const & first)
+    {
+        if (first.Size() != 0)
+            map = first;
+        else
+            map.Clear();
+    }
+};
+
+thread_local CFastInfosetWriter::Tables * CFastInfosetWriter::Tables::t_pSpare = nullptr;
+thread_local bool CFastInfosetWriter::Tables::t_bThreadEnds = false;
+
+CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream)
+    : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context), m_spTables(Tables::Take()),
+      m_pOctets(m_spTables->abyOctets)
+{
+    m_pVocabulary = context.GetUseGeneratedVocabulary() ? context.GetVocabulary() : &CFIVocabulary::Smallest();
+    m_spTables->Begin(*m_pVocabulary);
 }
 
 CFastInfosetWriter::~CFastInfosetWriter()
@@ -101,21 +233,15 @@ CFastInfosetWriter::~CFastInfosetWriter()
     // The base frees the records from the innermost one on, and the pending one owns all others.
     if (m_pPendingContext != nullptr)
         m_pContext = m_pPendingContext;
+    Tables::GiveBack(std::move(m_spTables));
 }
 
-/// Makes room for so many octets and gives it. The octets count when m_nUsed is raised.
+/// Makes room for so many octets, at most kBlock, and gives it. The octets count when m_nUsed is raised.
 inline unsigned char * CFastInfosetWriter::Room(std::size_t nOctets)
 {
-    if (m_nSize - m_nUsed < nOctets)
-    {
+    if (kBlock - m_nUsed < nOctets)
         FlushOctets();
-        if (m_nSize < nOctets)
-        {
-            m_spOctets.reset(new unsigned char[nOctets]);
-            m_nSize = nOctets;
-        }
-    }
-    return m_spOctets.get() + m_nUsed;
+    return m_pOctets + m_nUsed;
 }
 
 inline void CFastInfosetWriter::Put(unsigned dwOctet)
@@ -212,9 +338,15 @@ void CFastInfosetWriter::WriteStartElement(std::u16string const & strName, std::
         ++m_pContext->m_nChildCount;
         CloseAttributeList(*m_pContext);
     }
+    else
+    {
+        m_bWholeElements = typeid(*this) == typeid(CFastInfosetWriter);
+    }
     CXmlWriterContext * const pParent = m_pContext;
     m_pPendingContext = &PushContext(strName, strUri);
     m_pContext = pParent;
+    m_nPendingVersion = m_pPendingContext->GetDeclarationsVersion();
+    m_pPendingName = m_spTables->knownElements.Find(m_nPendingVersion, strName, strUri);
 }
 
 void CFastInfosetWriter::WriteText(std::u16string const & strText, ItemType eType)
@@ -230,20 +362,124 @@ void CFastInfosetWriter::WriteTextView(std::u16string_view text, ItemType eType)
     CloseAttributeList(context);
     if (text.empty())
         return;
-    CIndexMap & map = m_pVocabulary->m_mapCharacterChunks;
+    if (WritePlainValue<true>(text, eType))
+        return;
+    CIndexMap & map = m_spTables->characterChunks;
     if (text.size() >= m_pFIContext->GetElementMaxAddLength())
     {
         WriteEncodedString(kStringOnBit5, kChunk, text, eType);
         return;
     }
-    std::uint32_t dwIndex = 0;
-    if (map.Find(text, dwIndex))
+    CIndexMap::Spot spot;
+    if (std::uint32_t const dwIndex = map.Find(text, spot))
     {
         PutNumber(kIntegerOnBit4, kChunk | kChunkIndex, dwIndex);
         return;
     }
     WriteEncodedString(kStringOnBit5, kChunk | kChunkAdd, text, eType);
-    map.Add(text);
+    map.Add(text, spot);
+}
+
+/// Puts a value that is not empty and not longer than kLongestInOnePiece: an index, or text if it is ASCII and goes out
+/// literally. Null, and nothing changed, if it is anything else.
+template <bool bChunk>
+unsigned char * CFastInfosetWriter::PutPlainValue(unsigned char * p, std::u16string_view text, ItemType eType)
+{
+    CIndexMap & map = bChunk ? m_spTables->characterChunks : m_spTables->attributeValues;
+    bool const bAdd =
+        text.size() < (bChunk ? m_pFIContext->GetElementMaxAddLength() : m_pFIContext->GetAttributeMaxAddLength());
+    unsigned dwLead = bChunk ? kChunk : 0;
+    CIndexMap::Spot spot;
+    if (bAdd)
+    {
+        if (std::uint32_t const dwIndex = map.Find(text, spot))
+            return bChunk ? PutNumberAt<kIntegerOnBit4>(p, kChunk | kChunkIndex, dwIndex)
+                          : PutNumberAt<kIntegerOnBit2>(p, kIndexOnBit1, dwIndex);
+        dwLead |= bChunk ? kChunkAdd : kValueAdd;
+    }
+    if (m_pFIContext->GetEncoding(static_cast<unsigned long>(eType)).m_eKind !=
+            CFastInfosetContext::ECS_DefaultEncoding ||
+        m_pFIContext->GetDefaultStringEncoding() != 0)
+        return nullptr;
+    auto const nUnits = static_cast<std::uint32_t>(text.size());
+    p = bChunk ? PutNumberAt<kLengthOnBit7>(p, dwLead, nUnits) : PutNumberAt<kLengthOnBit5>(p, dwLead, nUnits);
+    if (!CopyAscii(p, text))
+        return nullptr;
+    if (bAdd)
+        map.Add(text, spot);
+    return p + nUnits;
+}
+
+/// As PutPlainValue, for any length. False if the value is left to others.
+template <bool bChunk>
+inline bool CFastInfosetWriter::WritePlainValue(std::u16string_view text, ItemType eType)
+{
+    if (text.size() > kLongestInOnePiece)
+        return false;
+    unsigned char const * const pEnd = PutPlainValue<bChunk>(Room(kLongestNumber + text.size()), text, eType);
+    if (pEnd == nullptr)
+        return false;
+    m_nUsed = static_cast<std::size_t>(pEnd - m_pOctets);
+    return true;
+}
+
+/// Writes an element that holds a text, in one piece if it is of the usual kind. False if its name is not known or the
+/// text is of another kind; nothing has been done then that starting the element would not do.
+bool CFastInfosetWriter::WriteShortElement(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
+{
+    if (!m_bWholeElements || text.size() > kLongestInOnePiece)
+        return false;
+    FlushStartElement(false);
+    if (m_pContext == nullptr)
+        return false;
+    CXmlWriterContext & parent = *m_pContext;
+    KnownName * const pName = m_spTables->knownElements.Find(parent.GetDeclarationsVersion(), strName, strUri);
+    if (pName == nullptr)
+        return false;
+    if (!IsKnown(*pName))
+    {
+        ++parent.m_nChildCount;
+        ClosePendingTerminator();
+        CloseAttributeList(parent);
+        WriteFirst(kElementName, 0, *pName);
+        if (text.empty() || WritePlainValue<true>(text, eType))
+        {
+            m_bPendingTerminator = true;
+            CountPassingContext();
+            return true;
+        }
+        PushContext(strName, strUri);
+        WriteTextView(text, eType);
+        WriteEndElement();
+        return true;
+    }
+    unsigned char * p = Room(2 + KnownName::kMostOctets + kLongestNumber + text.size());
+    if (m_bPendingTerminator)
+        *p++ = kTerminator;
+    if (parent.m_bStartTagOpen && parent.m_bContentFlag)
+        *p++ = kTerminator;
+    std::memcpy(p, pName->abyIndex, KnownName::kMostOctets);
+    p += pName->nOctets;
+    if (!text.empty())
+    {
+        p = PutPlainValue<true>(p, text, eType);
+        if (p == nullptr)
+            return false;
+    }
+    m_nUsed = static_cast<std::size_t>(p - m_pOctets);
+    m_bPendingTerminator = true;
+    parent.m_bStartTagOpen = false;
+    ++parent.m_nChildCount;
+    CountPassingContext();
+    return true;
+}
+
+void CFastInfosetWriter::WriteElementView(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
+{
+    if (!WriteShortElement(strName, strUri, text, eType))
+        CXmlWriter::WriteElementView(strName, strUri, text, eType);
 }
 
 void CFastInfosetWriter::WriteEndElement()
@@ -266,10 +502,20 @@ void CFastInfosetWriter::WriteAttributeView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
     CXmlWriterContext & context = RequireAttributes();
-    std::u16string_view prefix;
-    if (!strUri.empty())
-        prefix = *FindPrefix(context, strUri).pAlias;
-    WriteName(kAttributeName, 0, prefix, strUri, strName);
+    Tables & tables = *m_spTables;
+    if (KnownName * const pName = tables.knownAttributes.Find(context.GetDeclarationsVersion(), strName, strUri))
+    {
+        WriteKnownName(kAttributeName, 0, *pName);
+    }
+    else
+    {
+        std::u16string_view prefix;
+        if (!strUri.empty())
+            prefix = *FindPrefix(context, strUri).pAlias;
+        KnownName const name = WriteName(kAttributeName, 0, prefix, strUri, strName);
+        if (name.bWhole)
+            tables.knownAttributes.Keep(context.GetDeclarationsVersion(), strName, strUri) = name;
+    }
     WriteAttributeValue(value, eType);
 }
 
@@ -307,12 +553,84 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
         WriteRootNamespaces(dwLead);
         dwLead = 0;
     }
-    std::u16string_view prefix;
-    if (!NeedsNoPrefix(context, context.m_strNamespace))
-        prefix = *FindPrefix(context, context.m_strNamespace).pAlias;
-    WriteName(kElementName, dwLead, prefix, context.m_strNamespace, context.m_strName);
+    if (m_pPendingName != nullptr && context.GetDeclarationsVersion() == m_nPendingVersion)
+    {
+        WriteKnownName(kElementName, dwLead, *m_pPendingName);
+    }
+    else
+    {
+        std::u16string_view prefix;
+        if (!NeedsNoPrefix(context, context.m_strNamespace))
+            prefix = *FindPrefix(context, context.m_strNamespace).pAlias;
+        if (m_pContext == nullptr)
+            KnowDeclarations(context);
+        KnownName const name = WriteName(kElementName, dwLead, prefix, context.m_strNamespace, context.m_strName);
+        CNameCache<KnownName> & known = m_spTables->knownElements;
+        std::uint64_t const nVersion = context.GetDeclarationsVersion();
+        if (name.bWhole && known.Find(nVersion, context.m_strName, context.m_strNamespace) == nullptr)
+            known.Keep(nVersion, context.m_strName, context.m_strNamespace) = name;
+    }
     m_pContext = m_pPendingContext;
     m_pPendingContext = nullptr;
+}
+
+/// Gives declarations that are the same as those of the last root their version, so that what was made of names holds.
+void CFastInfosetWriter::KnowDeclarations(CXmlWriterContext & root)
+{
+    Tables & tables = *m_spTables;
+    if (tables.nVersion != 0 && tables.strDefaultNamespace == root.GetDefaultNamespace() &&
+        tables.namespaces == root.GetNamespaces())
+    {
+        SetDeclarationsVersion(root, tables.nVersion);
+        return;
+    }
+    tables.nVersion = 0;
+    tables.strDefaultNamespace = root.GetDefaultNamespace();
+    tables.namespaces = root.GetNamespaces();
+    tables.nVersion = root.GetDeclarationsVersion();
+}
+
+inline bool CFastInfosetWriter::IsKnown(KnownName const & name) const noexcept
+{
+    return name.nDocument == m_spTables->nDocument;
+}
+
+inline void CFastInfosetWriter::WriteKnownName(FINameForm const & form, unsigned dwLead, KnownName & name)
+{
+    if (!IsKnown(name))
+    {
+        WriteFirst(form, dwLead, name);
+        return;
+    }
+    unsigned char * const p = Room(KnownName::kMostOctets);
+    std::memcpy(p, name.abyIndex, KnownName::kMostOctets);
+    *p = static_cast<unsigned char>(*p | dwLead);
+    m_nUsed += name.nOctets;
+}
+
+/// Writes a known name that this document has not had from the same place.
+void CFastInfosetWriter::WriteFirst(FINameForm const & form, unsigned dwLead, KnownName & name)
+{
+    Tables & tables = *m_spTables;
+    CNames & names = &form == &kElementName ? tables.elementNames : tables.attributeNames;
+    std::uint32_t dwIndex = names.Index(name.nId);
+    if (dwIndex != 0)
+    {
+        PutNumber(form.indexes, dwLead, dwIndex);
+    }
+    else
+    {
+        unsigned const dwParts = (name.nPrefix == 0 ? 0 : kNamePrefix) | (name.nNamespace == 0 ? 0 : kNameNamespace);
+        Put(dwLead | form.dwLiteral | dwParts);
+        if (name.nPrefix != 0)
+            WriteNamePart(tables.prefixes, tables.prefixes.Name(name.nPrefix), name.nPrefix);
+        if (name.nNamespace != 0)
+            WriteNamePart(tables.namespaceNames, tables.namespaceNames.Name(name.nNamespace), name.nNamespace);
+        WriteNamePart(tables.localNames, tables.localNames.Name(name.nLocalName), name.nLocalName);
+        dwIndex = names.Enter(name.nId);
+    }
+    if (dwIndex != 0)
+        name.SetIndex(form, dwIndex, tables.nDocument);
 }
 
 /// Declarations stand on the root only. An alias made up further down lives in the names that carry it.
@@ -322,15 +640,15 @@ void CFastInfosetWriter::WriteRootNamespaces(unsigned dwLead)
     if (!m_strDefaultNamespace.empty())
     {
         Put(kDefaultNamespaceAttribute);
-        WriteNamePart(m_pVocabulary->m_mapNamespaceNames, m_strDefaultNamespace);
+        WriteNamePart(m_spTables->namespaceNames, m_strDefaultNamespace);
     }
     for (auto const & [strUri, strAlias] : m_mapNamespaces)
     {
         if (BeginsWithXmlNamespace(strUri))
             continue;
         Put(kNamespaceAttribute);
-        WriteNamePart(m_pVocabulary->m_mapPrefixNames, strAlias);
-        WriteNamePart(m_pVocabulary->m_mapNamespaceNames, strUri);
+        WriteNamePart(m_spTables->prefixes, strAlias);
+        WriteNamePart(m_spTables->namespaceNames, strUri);
     }
     Put(kTerminator);
 }
@@ -345,55 +663,69 @@ CXmlWriter::CXmlWriterContext & CFastInfosetWriter::RequireAttributes()
     return context;
 }
 
-void CFastInfosetWriter::WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix,
-    std::u16string_view uri, std::u16string_view localName)
+/// Gives what is known of the name from now on.
+CFastInfosetWriter::KnownName CFastInfosetWriter::WriteName(FINameForm const & form, unsigned dwLead,
+    std::u16string_view prefix, std::u16string_view uri, std::u16string_view localName)
 {
-    bool const bElement = &form == &kElementName;
-    LastName & last = (bElement ? m_lastElementNames : m_lastAttributeNames)[LastNameSlot(uri, localName)];
-    if (IsKeyOf(last.strKey, prefix, uri, localName))
+    Tables & tables = *m_spTables;
+    CNames & names = &form == &kElementName ? tables.elementNames : tables.attributeNames;
+    CFIVocabulary::NameKey(prefix, uri, localName, m_strKey);
+    KnownName name;
+    name.nId = names.Number(m_strKey);
+    name.nPrefix = prefix.empty() ? 0 : tables.prefixes.Number(prefix);
+    name.nNamespace = uri.empty() ? 0 : tables.namespaceNames.Number(uri);
+    name.nLocalName = tables.localNames.Number(localName);
+    name.bWhole = name.nId != 0 && name.nLocalName != 0 && (name.nPrefix == 0) == prefix.empty() &&
+                  (name.nNamespace == 0) == uri.empty();
+    if (name.bWhole)
     {
-        PutNumber(form.indexes, dwLead, last.dwIndex);
-        return;
+        WriteFirst(form, dwLead, name);
+        return name;
     }
-    CIndexMap & map = bElement ? m_pVocabulary->m_mapElementNames : m_pVocabulary->m_mapAttributeNames;
-    std::u16string strKey = CFIVocabulary::NameKey(prefix, uri, localName);
-    std::uint32_t dwIndex = 0;
-    if (map.Find(strKey, dwIndex))
+    if (std::uint32_t const dwIndex = names.Index(name.nId))
     {
         PutNumber(form.indexes, dwLead, dwIndex);
+        return name;
     }
-    else
-    {
-        unsigned const dwParts = (prefix.empty() ? 0 : kNamePrefix) | (uri.empty() ? 0 : kNameNamespace);
-        Put(dwLead | form.dwLiteral | dwParts);
-        if (!prefix.empty())
-            WriteNamePart(m_pVocabulary->m_mapPrefixNames, prefix);
-        if (!uri.empty())
-            WriteNamePart(m_pVocabulary->m_mapNamespaceNames, uri);
-        WriteNamePart(m_pVocabulary->m_mapLocalNames, localName);
-        dwIndex = map.Size() + 1;
-        map.Add(strKey);
-        if (map.Size() < dwIndex)
-            return;
-    }
-    last.strKey = std::move(strKey);
-    last.dwIndex = dwIndex;
+    unsigned const dwParts = (prefix.empty() ? 0 : kNamePrefix) | (uri.empty() ? 0 : kNameNamespace);
+    Put(dwLead | form.dwLiteral | dwParts);
+    if (!prefix.empty())
+        WriteNamePart(tables.prefixes, prefix, name.nPrefix);
+    if (!uri.empty())
+        WriteNamePart(tables.namespaceNames, uri, name.nNamespace);
+    WriteNamePart(tables.localNames, localName, name.nLocalName);
+    names.Enter(name.nId);
+    return name;
 }
 
-void CFastInfosetWriter::WriteNamePart(CIndexMap & map, std::u16string_view name)
+void CFastInfosetWriter::WriteNamePart(CNames & names, std::u16string_view name)
 {
-    std::uint32_t dwIndex = 0;
-    if (map.Find(name, dwIndex))
+    WriteNamePart(names, name, names.Number(name));
+}
+
+void CFastInfosetWriter::WriteNamePart(CNames & names, std::u16string_view name, std::uint32_t nId)
+{
+    if (std::uint32_t const dwIndex = names.Index(nId))
     {
         PutNumber(kIntegerOnBit2, kIndexOnBit1, dwIndex);
         return;
     }
     WriteLiteralName(name);
-    map.Add(name);
+    names.Enter(nId);
 }
 
 void CFastInfosetWriter::WriteLiteralName(std::u16string_view name)
 {
+    if (!name.empty() && name.size() <= kLongestInOnePiece)
+    {
+        unsigned char * const p =
+            PutNumberAt<kLengthOnBit2>(Room(kLongestNumber + name.size()), 0, static_cast<std::uint32_t>(name.size()));
+        if (CopyAscii(p, name))
+        {
+            m_nUsed = static_cast<std::size_t>(p - m_pOctets) + name.size();
+            return;
+        }
+    }
     // A length of 0 has no form.
     std::u16string_view const written = UpToZero(name);
     if (written.empty())
@@ -408,20 +740,22 @@ void CFastInfosetWriter::WriteAttributeValue(std::u16string_view value, ItemType
         Put(kEmptyValue);
         return;
     }
+    if (WritePlainValue<false>(value, eType))
+        return;
     if (value.size() >= m_pFIContext->GetAttributeMaxAddLength())
     {
         WriteEncodedString(kStringOnBit3, 0, value, eType);
         return;
     }
-    CIndexMap & map = m_pVocabulary->m_mapAttributeValues;
-    std::uint32_t dwIndex = 0;
-    if (map.Find(value, dwIndex))
+    CIndexMap & map = m_spTables->attributeValues;
+    CIndexMap::Spot spot;
+    if (std::uint32_t const dwIndex = map.Find(value, spot))
     {
         PutNumber(kIntegerOnBit2, kIndexOnBit1, dwIndex);
         return;
     }
     WriteEncodedString(kStringOnBit3, kValueAdd, value, eType);
-    map.Add(value);
+    map.Add(value, spot);
 }
 
 void CFastInfosetWriter::WriteEncodedString(
@@ -476,7 +810,7 @@ void CFastInfosetWriter::WriteUtf8(FIForms const & lengths, unsigned dwLead, std
         Room(kLongestNumber + 3 * text.size());
         std::size_t const nStart = m_nUsed;
         PutNumber(lengths, dwLead, static_cast<std::uint32_t>(text.size()));
-        NarrowResult const result = NarrowUtf8(text.data(), text.size(), m_spOctets.get() + m_nUsed);
+        NarrowResult const result = NarrowUtf8(text.data(), text.size(), m_pOctets + m_nUsed);
         m_nUsed += result.nOctets;
         if (result.nOctets == text.size() && result.nUnits == text.size())
             return;
@@ -540,7 +874,7 @@ void CFastInfosetWriter::Put(unsigned char const * pOctets, std::size_t nOctets)
 
 void CFastInfosetWriter::FlushOctets()
 {
-    m_pStream->Append(m_spOctets.get(), m_nUsed);
+    m_pStream->Append(m_pOctets, m_nUsed);
     m_nUsed = 0;
 }
 

@@ -48,25 +48,35 @@ public:
     void WriteTextView(std::u16string_view text, ItemType eType) override;
     void WriteAttributeView(std::u16string const & strName, std::u16string const & strUri, std::u16string_view value,
         ItemType eType) override;
+    void WriteElementView(std::u16string const & strName, std::u16string const & strUri, std::u16string_view text,
+        ItemType eType) override;
 
 private:
-    /// A name written lately, as its key in the map, with its index. Saves putting the key together.
-    struct LastName
-    {
-        std::u16string strKey;
-        std::uint32_t dwIndex = 0;
-    };
+    /// What is known of a name.
+    struct KnownName;
+    struct Tables;
+    class CNames;
     using CIndexMap = CFIVocabulary::CIndexMap;
 
     void FlushStartElement(bool bHasAttributes);
     void WriteRootNamespaces(unsigned dwLead);
-    void WriteNamespaceAttribute(unsigned char byLead, std::u16string const & strAlias, std::u16string const & strUri);
     void ClosePendingTerminator();
     void CloseAttributeList(CXmlWriterContext & context);
     CXmlWriterContext & RequireAttributes();
-    void WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix, std::u16string_view uri,
+    void KnowDeclarations(CXmlWriterContext & root);
+    bool IsKnown(KnownName const & name) const noexcept;
+    void WriteKnownName(FINameForm const & form, unsigned dwLead, KnownName & name);
+    void WriteFirst(FINameForm const & form, unsigned dwLead, KnownName & name);
+    KnownName WriteName(FINameForm const & form, unsigned dwLead, std::u16string_view prefix, std::u16string_view uri,
         std::u16string_view localName);
-    void WriteNamePart(CIndexMap & map, std::u16string_view name);
+    bool WriteShortElement(
+        std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType);
+    template <bool bChunk>
+    unsigned char * PutPlainValue(unsigned char * p, std::u16string_view text, ItemType eType);
+    template <bool bChunk>
+    bool WritePlainValue(std::u16string_view text, ItemType eType);
+    void WriteNamePart(CNames & names, std::u16string_view name);
+    void WriteNamePart(CNames & names, std::u16string_view name, std::uint32_t nId);
     void WriteLiteralName(std::u16string_view name);
     void WriteAttributeValue(std::u16string_view value, ItemType eType);
     void WriteEncodedString(FIStringForm const & form, unsigned dwLead, std::u16string_view text, ItemType eType);
@@ -84,18 +94,23 @@ private:
     CFastInfosetContext const * m_pFIContext;
     /// An element whose lead octets wait until it is known whether attributes follow. Becomes the innermost record.
     CXmlWriterContext * m_pPendingContext = nullptr;
+    /// What was known of its name under the declarations of that version, or null.
+    KnownName * m_pPendingName = nullptr;
+    std::uint64_t m_nPendingVersion = 0;
     /// The end of an element that may merge with the next end into one octet.
     bool m_bPendingTerminator = false;
-    std::unique_ptr<CFIVocabulary> m_pVocabulary;
+    /// No class derived from this one may have other ideas of what an element is made of.
+    bool m_bWholeElements = false;
+    std::unique_ptr<Tables> m_spTables;
+    /// What the tables begin with.
+    CFIVocabulary const * m_pVocabulary;
 
-    std::vector<LastName> m_lastElementNames;
-    std::vector<LastName> m_lastAttributeNames;
+    std::u16string m_strKey; ///< of a name
     /// The octets of one value.
     std::vector<unsigned char> m_value;
     /// Octets on their way to the stream.
-    std::unique_ptr<unsigned char[]> m_spOctets;
+    unsigned char * m_pOctets;
     std::size_t m_nUsed = 0;
-    std::size_t m_nSize = 0;
 };
 
 } // namespace QzXmlLib16
