@@ -314,8 +314,8 @@ inline bool CJsonTextWriter::OpensArray(CXmlWriterContext const & holder) const
 
 /// Writes a property in one piece. False, and nothing done, if it is not of the usual kind.
 template <bool bAttribute>
-inline bool CJsonTextWriter::WriteShortProperty(CXmlWriterContext & holder, std::u16string const & strName,
-    std::u16string const & strUri, std::u16string_view value, ItemType eType)
+[[gnu::always_inline]] inline bool CJsonTextWriter::WriteShortProperty(CXmlWriterContext & holder,
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
     if (value.size() > kLongestInOnePiece || OpensArray(holder))
         return false;
