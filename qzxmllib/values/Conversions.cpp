@@ -339,10 +339,15 @@ std::u16string Printed(void (*pfnPrint)(Value const &, std::u16string_view, std:
 
 void PrintDigits(std::uint64_t nMagnitude, bool bMinus, std::u16string & strOut)
 {
-    char aText[24];
-    aText[0] = '-';
-    auto const result = std::to_chars(aText + 1, aText + sizeof(aText), nMagnitude);
-    Widen(bMinus ? aText : aText + 1, result.ptr, strOut);
+    char16_t aText[24];
+    char16_t * const pLast = std::end(aText);
+    char16_t * p = pLast;
+    do
+        *--p = static_cast<char16_t>(u'0' + nMagnitude % 10);
+    while ((nMagnitude /= 10) != 0);
+    if (bMinus)
+        *--p = u'-';
+    strOut.assign(p, static_cast<std::size_t>(pLast - p));
 }
 
 void PrintR4(float const & fValue, std::u16string_view format, std::u16string & strOut)
@@ -377,7 +382,7 @@ void PrintString(std::u16string const & strValue, std::u16string_view, std::u16s
 
 void PrintBoolean(bool const & bValue, std::u16string_view, std::u16string & strOut)
 {
-    strOut = bValue ? u"true" : u"false";
+    strOut.assign(bValue ? u"true" : u"false", bValue ? 4 : 5);
 }
 
 void PrintDecimal(CDecimal const & value, std::u16string_view format, std::u16string & strOut)
