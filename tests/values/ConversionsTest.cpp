@@ -195,12 +195,16 @@ TEST(ConversionsTest, RoundTripsDoublesOfAllSizes)
         nSeed ^= nSeed << 13;
         nSeed ^= nSeed >> 7;
         nSeed ^= nSeed << 17;
-        double const dValue = std::ldexp(static_cast<double>(nSeed >> 11), static_cast<int>(nSeed % 1900) - 950);
-        char aExpected[40];
-        std::snprintf(aExpected, sizeof(aExpected), "%.16g", dValue);
-        std::u16string const strText = CConversions::r8ToString(dValue);
-        ASSERT_EQ(Utf8(strText), aExpected);
-        ASSERT_EQ(CConversions::r8FromString(strText, kNone), std::strtod(aExpected, nullptr));
+        double const dDecimal = static_cast<double>(nSeed % 100000000000) / std::pow(10, nSeed >> 60);
+        for (double const dValue : {std::ldexp(static_cast<double>(nSeed >> 11), static_cast<int>(nSeed % 1900) - 950),
+                 dDecimal, std::nextafter(dDecimal, 0)})
+        {
+            char aExpected[40];
+            std::snprintf(aExpected, sizeof(aExpected), "%.16g", dValue);
+            std::u16string const strText = CConversions::r8ToString(dValue);
+            ASSERT_EQ(Utf8(strText), aExpected);
+            ASSERT_EQ(CConversions::r8FromString(strText, kNone), std::strtod(aExpected, nullptr));
+        }
     }
 }
 
