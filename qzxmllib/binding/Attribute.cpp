@@ -2,6 +2,7 @@
 
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlWriter.h"
+#include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 
@@ -12,6 +13,9 @@ namespace QzXmlLib16
 
 namespace
 {
+
+CInstanceName g_attributeName(u"CAttribute");
+CInstanceName g_attributeColName(u"CAttributeCol");
 
 std::u16string TextOrEmpty(char16_t const * pText)
 {
@@ -30,13 +34,13 @@ std::u16string FirstUri(std::u16string const & strList)
 } // namespace
 
 CAttribute::CAttribute(char16_t const * name, char16_t const * value, char16_t const * namespaceUri)
-    : CInstanceMonitor(u"CAttribute"), m_strValue(TextOrEmpty(value)), m_strNamespace(TextOrEmpty(namespaceUri))
+    : CInstanceMonitor(g_attributeName), m_strValue(TextOrEmpty(value)), m_strNamespace(TextOrEmpty(namespaceUri))
 {
     m_strElementName = TextOrEmpty(name);
 }
 
 CAttribute::CAttribute(std::u16string_view name, std::u16string_view value, CSharedText strNamespace)
-    : CInstanceMonitor(u"CAttribute"), m_strValue(value), m_strNamespace(std::move(strNamespace))
+    : CInstanceMonitor(g_attributeName), m_strValue(value), m_strNamespace(std::move(strNamespace))
 {
     m_strElementName = name;
 }
@@ -77,7 +81,7 @@ CXmlElement * CAttribute::FromXml_Int(CXmlElement *, CXmlElement *, CSerializati
 
 CAttributeCol::CAttributeCol(
     char16_t const * namespaceUri, char16_t const * restriction, char16_t const * targetNamespace)
-    : CInstanceMonitor(u"CAttributeCol"), m_strNamespaceRestriction(TextOrEmpty(restriction)),
+    : CInstanceMonitor(g_attributeColName), m_strNamespaceRestriction(TextOrEmpty(restriction)),
       m_strTargetNamespace(TextOrEmpty(targetNamespace))
 {
     m_strNamespace = TextOrEmpty(namespaceUri);
@@ -86,7 +90,7 @@ CAttributeCol::CAttributeCol(
 }
 
 CAttributeCol::CAttributeCol(CSharedText const & strNamespace, CSharedText strTargetNamespace)
-    : CInstanceMonitor(u"CAttributeCol"), m_strNamespaceRestriction(CSharedText::Any()),
+    : CInstanceMonitor(g_attributeColName), m_strNamespaceRestriction(CSharedText::Any()),
       m_strTargetNamespace(std::move(strTargetNamespace))
 {
     m_strNamespace = strNamespace.String();

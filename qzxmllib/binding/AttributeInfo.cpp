@@ -134,7 +134,7 @@ void CAttributeInfoPrimitive::AttributeToXml(
     std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), lease.Text());
     if (IsDefaultLeftOut(ctx, text))
         return;
-    CheckPrimitiveVariant(m_strAttributeName.c_str(), value, m_eItemType, m_restrictions);
+    CheckPrimitive(m_strAttributeName.c_str(), value, m_eItemType, m_restrictions);
     pWriter->WriteAttributeView(m_strAttributeName, m_strAttributeNamespace, text, value.GetTypeAsEnum());
 }
 

@@ -4,6 +4,7 @@
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlTextWriter.h"
+#include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 
@@ -19,6 +20,9 @@ namespace QzXmlLib16
 
 namespace
 {
+
+CInstanceName g_elementName(u"CElement");
+CInstanceName g_elementColName(u"CElementCol");
 
 /// Levels of a tree that are written, cloned and checked.
 constexpr std::int32_t kMaxLevels = 10000;
@@ -158,12 +162,12 @@ private:
     std::vector<CElement *> m_parents;
 };
 
-CElement::CElement(char16_t const * name) : CInstanceMonitor(u"CElement")
+CElement::CElement(char16_t const * name) : CInstanceMonitor(g_elementName)
 {
     Init(name, u"", u"##any", u"");
 }
 
-CElement::CElement(char16_t const * name, char16_t const * namespaceUri) : CInstanceMonitor(u"CElement")
+CElement::CElement(char16_t const * name, char16_t const * namespaceUri) : CInstanceMonitor(g_elementName)
 {
     if (name != nullptr && namespaceUri != nullptr)
         for (std::u16string_view keyword : kKeywords)
@@ -175,12 +179,12 @@ CElement::CElement(char16_t const * name, char16_t const * namespaceUri) : CInst
 
 CElement::CElement(char16_t const * name, char16_t const * namespaceUri, char16_t const * restriction,
     char16_t const * targetNamespace)
-    : CInstanceMonitor(u"CElement")
+    : CInstanceMonitor(g_elementName)
 {
     Init(name, namespaceUri, restriction, targetNamespace);
 }
 
-CElement::CElement(CXmlObjectBase * pObject, char16_t const * defaultNamespace) : CInstanceMonitor(u"CElement")
+CElement::CElement(CXmlObjectBase * pObject, char16_t const * defaultNamespace) : CInstanceMonitor(g_elementName)
 {
     Init(u"", u"", u"##any", u"");
     m_strContentNamespace = CSharedText(TextOrEmpty(defaultNamespace));
@@ -195,7 +199,7 @@ CElement::CElement(CXmlObjectBase * pObject, char16_t const * defaultNamespace) 
 
 CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CSharedText strTargetNamespace,
     bool bCollectionsTakeNamespace)
-    : CInstanceMonitor(u"CElement"), m_strText(source.GetTextView()), m_strNamespace(std::move(strNamespace)),
+    : CInstanceMonitor(g_elementName), m_strText(source.CopyText()), m_strNamespace(std::move(strNamespace)),
       m_strNamespaceRestriction(CSharedText::Any()), m_strTargetNamespace(std::move(strTargetNamespace)),
       m_bCollectionsTakeNamespace(bCollectionsTakeNamespace)
 {
@@ -203,7 +207,7 @@ CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CShared
 }
 
 CElement::CElement(CElement const * pOriginal)
-    : CXmlObjectBase(*pOriginal), CInstanceMonitor(u"CElement"), m_strText(pOriginal->m_strText),
+    : CXmlObjectBase(*pOriginal), CInstanceMonitor(g_elementName), m_strText(pOriginal->m_strText),
       m_strNamespace(pOriginal->m_strNamespace), m_strNamespaceRestriction(pOriginal->m_strNamespaceRestriction),
       m_strTargetNamespace(pOriginal->m_strTargetNamespace),
       m_bCollectionsTakeNamespace(pOriginal->m_bCollectionsTakeNamespace)
@@ -288,7 +292,7 @@ void CElement::CopyXmlElement(CXmlElement * pSource)
     CElementCol & children = ChildElements();
     m_strElementName = pSource->GetLocalName();
     m_strNamespace = CSharedText(pSource->GetNamespaceURI());
-    m_strText = pSource->GetTextView();
+    m_strText = pSource->CopyText();
     attributes.Clear();
     children.Clear();
     CTreeReader reader;
@@ -322,7 +326,7 @@ CXmlElement * CElement::FromXml_Int(CXmlElement *, CXmlElement * pChild, CSerial
     if (CXmlObjectBase::FromXml_Int(&ChildElements(), pChild, pChild->GetFirstElement(), ctx) != nullptr)
         throw CQzValidationException(
             FormatString(u"Invalid Element [%s] found.", pChild->GetLocalName()), pChild->GetXPath());
-    m_strText = pChild->GetTextView();
+    m_strText = pChild->CopyText();
     m_strElementName = pChild->GetLocalName();
     m_strNamespace = CSharedText(pChild->GetNamespaceURI());
     return pChild->GetNextSiblingElement();
@@ -342,10 +346,17 @@ void CElement::ToXml_Int(CXmlWriter * pWriter, bool, char16_t const *, CSerializ
 
 void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & ctx) const
 {
+    bool const bAttributes = m_spAttributes != nullptr && m_spAttributes->GetCount() != 0;
+    bool const bChildren = m_spChildElements != nullptr && m_spChildElements->GetCount() != 0;
+    if (!bAttributes && !bChildren)
+    {
+        pWriter->WriteElementView(m_strElementName, m_strNamespace.String(), m_strText, ItemType_string);
+        return;
+    }
     pWriter->WriteStartElement(m_strElementName, m_strNamespace.String());
-    if (m_spAttributes != nullptr)
+    if (bAttributes)
         CXmlObjectBase::ToXml_Int(m_spAttributes, pWriter, false, u"", ctx, false);
-    if (m_spChildElements != nullptr)
+    if (bChildren)
         CXmlObjectBase::ToXml_Int(m_spChildElements, pWriter, false, u"", ctx, false);
     pWriter->WriteText(m_strText, ItemType_string);
     pWriter->WriteEndElement();
@@ -450,14 +461,14 @@ void CElement::SetNamespaceRestrictions(char16_t const * restriction, char16_t c
 
 CElementCol::CElementCol(
     char16_t const * namespaceUri, char16_t const * restriction, char16_t const * targetNamespace, int, int)
-    : CInstanceMonitor(u"CElementCol"), m_strElementNamespace(TextOrEmpty(namespaceUri)),
+    : CInstanceMonitor(g_elementColName), m_strElementNamespace(TextOrEmpty(namespaceUri)),
       m_strTargetNamespace(TextOrEmpty(targetNamespace))
 {
     TestNamespace(namespaceUri, restriction, targetNamespace);
 }
 
 CElementCol::CElementCol(CSharedText strElementNamespace, CSharedText strTargetNamespace)
-    : CInstanceMonitor(u"CElementCol"), m_strElementNamespace(std::move(strElementNamespace)),
+    : CInstanceMonitor(g_elementColName), m_strElementNamespace(std::move(strElementNamespace)),
       m_strTargetNamespace(std::move(strTargetNamespace))
 {
 }

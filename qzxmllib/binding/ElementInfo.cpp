@@ -90,7 +90,7 @@ void CElementInfo::CheckRestriction(QzVariant const & value) const
 {
     if (!m_bIsPrimitive)
         throw CQzException(u"Cannot CheckRestriction for type: " + std::u16string(value.GetType()));
-    CheckPrimitiveVariant(m_strElementName.c_str(), value, m_eItemType, m_restrictions);
+    CheckPrimitive(m_strElementName.c_str(), value, m_eItemType, m_restrictions);
 }
 
 CSmartPtr<CXmlObjectBase> CElementInfo::ObjectOf(QzVariant const & value)

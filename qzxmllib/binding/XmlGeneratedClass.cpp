@@ -249,7 +249,10 @@ void CXmlGeneratedClass::WriteStartTag(
 {
     if (isRoot)
         WriteRootDeclarations(pWriter, ctx);
-    pWriter->WriteStartElement(m_strElementName, OrEmpty(namespaceUri));
+    {
+        CWriteLease const lease(*pWriter);
+        pWriter->WriteStartElement(m_strElementName, lease.Text().assign(OrEmpty(namespaceUri)));
+    }
     if (isRoot)
         if (CAttributeCol const * const pAttributes = ctx.FindAdditionalRootAttributes())
             CXmlObjectBase::ToXml_Int(pAttributes, pWriter, false, namespaceUri, ctx, false);

@@ -104,6 +104,11 @@ public:
     /// Reads a file of JSON in UTF-8, plain, gzip or zlib.
     virtual void FromJsonFile(
         char16_t const * fileName, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
+    // CElement hides these on purpose; g++ tells it here.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Woverloaded-virtual"
+#endif
     /// Reads wide XML text. A declaration that names another encoding than UTF-16 is refused, and so is a byte order
     /// mark.
     virtual void FromXml(
@@ -111,6 +116,9 @@ public:
     /// Reads XML text in the encoding that its declaration names, UTF-8 without one.
     virtual void FromXml(
         char const * text, CSerializationContext const & ctx = CSerializationContext::GetDefaultContext());
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
     /// Reads JSON text. When JSON is well-formed but does not fit the class, the message holds the XML that was made of
     /// it, and the path stands in the inner failure.
     virtual void FromJson(

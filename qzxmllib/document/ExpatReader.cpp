@@ -41,6 +41,7 @@ void CExpatReader::Init()
 {
     FreeParser();
     m_pFailure = nullptr;
+    m_nHeld = 0;
     m_nMaxDepth = m_doc.GetContext().GetReadLimits().nMaxDepth;
     m_parser = m_doc.m_eSchemaType == SchemaType_NoNamespaces ? XML_ParserCreate(nullptr)
                                                               : XML_ParserCreateNS(nullptr, kSeparator);
@@ -109,6 +110,39 @@ void CExpatReader::Guard(F const & handle)
     }
 }
 
+/// Puts text behind what is held. False if there is no room for it.
+inline bool CExpatReader::HoldText(char const * pText, std::size_t nOctets) noexcept
+{
+    if (nOctets > kMostHeld - m_nHeld)
+        return false;
+    char * const pTo = m_aHeld + m_nHeld;
+    m_nHeld += nOctets;
+    if (nOctets >= 8 && nOctets <= 32)
+    {
+        // The last step may overlap the one before it.
+        for (std::size_t n = 0; n + 8 < nOctets; n += 8)
+            std::memcpy(pTo + n, pText + n, 8);
+        std::memcpy(pTo + nOctets - 8, pText + nOctets - 8, 8);
+    }
+    else if (nOctets < 8)
+    {
+        for (std::size_t n = 0; n < nOctets; ++n)
+            pTo[n] = pText[n];
+    }
+    else
+    {
+        std::memcpy(pTo, pText, nOctets);
+    }
+    return true;
+}
+
+/// Appends what is held to the open element.
+inline void CExpatReader::FlushText()
+{
+    if (std::size_t const nHeld = std::exchange(m_nHeld, 0))
+        CXmlDocument::AppendUtf8ExcludingCR(m_doc.m_pElementStack.back(), m_aHeld, nHeld);
+}
+
 void CExpatReader::CheckDepth() const
 {
     if (m_nMaxDepth != 0 && m_doc.m_pElementStack.size() >= m_nMaxDepth)
@@ -122,6 +156,7 @@ void CExpatReader::StartElementHandler(void * pThis, char const * pszName, char 
     reader.Guard(
         [&]
         {
+            reader.FlushText();
             reader.CheckDepth();
             CXmlDocument & doc = reader.m_doc;
             CXmlNameTable & names = doc.m_pTree->Names();
@@ -137,7 +172,12 @@ void CExpatReader::StartElementHandler(void * pThis, char const * pszName, char 
 void CExpatReader::EndElementHandler(void * pThis, char const *)
 {
     auto & reader = *static_cast<CExpatReader *>(pThis);
-    reader.Guard([&reader] { reader.m_doc.EndElement(); });
+    reader.Guard(
+        [&reader]
+        {
+            reader.FlushText();
+            reader.m_doc.EndElement();
+        });
 }
 
 void CExpatReader::StartNamespaceHandler(void * pThis, char const * pszPrefix, char const * pszUri)
@@ -154,24 +194,34 @@ void CExpatReader::EndNamespaceHandler(void *, char const *)
 void CExpatReader::CharacterDataHandler(void * pThis, char const * pText, int nOctets)
 {
     auto & reader = *static_cast<CExpatReader *>(pThis);
+    auto const nText = static_cast<std::size_t>(nOctets);
+    if (reader.HoldText(pText, nText))
+        return;
     reader.Guard(
         [&]
         {
-            CXmlDocument::AppendUtf8ExcludingCR(
-                reader.m_doc.m_pElementStack.back(), pText, static_cast<std::size_t>(nOctets));
+            reader.FlushText();
+            if (!reader.HoldText(pText, nText))
+                CXmlDocument::AppendUtf8ExcludingCR(reader.m_doc.m_pElementStack.back(), pText, nText);
         });
+}
+
+void CExpatReader::AppendMark(char16_t const * pMark)
+{
+    FlushText();
+    CXmlDocument::AppendTextExcludingCR(m_doc.m_pElementStack.back(), pMark);
 }
 
 void CExpatReader::StartCdataHandler(void * pThis)
 {
     auto & reader = *static_cast<CExpatReader *>(pThis);
-    reader.Guard([&reader] { CXmlDocument::AppendTextExcludingCR(reader.m_doc.m_pElementStack.back(), u"<![CDATA["); });
+    reader.Guard([&reader] { reader.AppendMark(u"<![CDATA["); });
 }
 
 void CExpatReader::EndCdataHandler(void * pThis)
 {
     auto & reader = *static_cast<CExpatReader *>(pThis);
-    reader.Guard([&reader] { CXmlDocument::AppendTextExcludingCR(reader.m_doc.m_pElementStack.back(), u"]]>"); });
+    reader.Guard([&reader] { reader.AppendMark(u"]]>"); });
 }
 
 } // namespace QzXmlLib16

@@ -40,6 +40,9 @@ private:
     void Guard(F const & handle);
     void Fail();
     void CheckDepth() const;
+    bool HoldText(char const * pText, std::size_t nOctets) noexcept;
+    void FlushText();
+    void AppendMark(char16_t const * pMark);
     void FreeParser();
 
     CXmlDocument & m_doc;
@@ -47,6 +50,11 @@ private:
     std::size_t m_nMaxDepth = 0;
     /// What a handler has thrown. No exception passes through the frames of the parser.
     std::exception_ptr m_pFailure;
+
+    /// Text of the open element that is still to be appended. The parser gives text in small pieces.
+    static constexpr std::size_t kMostHeld = 256;
+    std::size_t m_nHeld = 0;
+    char m_aHeld[kMostHeld];
 };
 
 } // namespace QzXmlLib16

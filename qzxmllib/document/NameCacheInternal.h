@@ -23,19 +23,25 @@ public:
     /// What is kept for the name, or null.
     Value * Find(std::uint64_t nVersion, std::u16string const & strName, std::u16string const & strUri) noexcept
     {
-        // A name mostly lies where it lay before.
-        Latest & latest = m_latest[reinterpret_cast<std::uintptr_t>(&strName) * kFactor >> (64 - kLatestBits)];
-        if (latest.nVersion == nVersion && latest.pEntry->Is(strName, strUri))
-            return &latest.pEntry->value;
+        std::uint32_t const nHash = Hash(strName, strUri);
+        Latest & latest = m_latest[nHash % m_latest.size()];
+        if (latest.nVersion == nVersion && latest.Is(strName, strUri))
+            return latest.pValue;
         if (m_slots.empty())
             return nullptr;
-        std::uint32_t const nHash = Hash(strName, strUri);
         for (std::size_t i = nHash; Slot const * const pSlot = InUse(i); ++i)
-            if (pSlot->nHash == nHash && pSlot->nVersion == nVersion && m_entries[pSlot->nEntry].Is(strName, strUri))
+        {
+            if (pSlot->nHash != nHash || pSlot->nVersion != nVersion)
+                continue;
+            Entry & entry = m_entries[pSlot->nEntry];
+            std::u16string_view const key = entry.strKey;
+            Latest const found = {{key.data(), entry.nName, key.size() - entry.nName}, nVersion, &entry.value};
+            if (found.Is(strName, strUri))
             {
-                latest = {nVersion, &m_entries[pSlot->nEntry]};
-                return &latest.pEntry->value;
+                latest = found;
+                return found.pValue;
             }
+        }
         return nullptr;
     }
     /// Keeps a name that is not there, and gives what is to be filled for it.
@@ -79,28 +85,32 @@ private:
         std::uint32_t nEntry = 0;
     };
 
-    struct Entry
+    /// A name and, right behind it, its URI.
+    struct Key
     {
         bool Is(std::u16string_view name, std::u16string_view uri) const noexcept
         {
-            char16_t const * const pKey = strKey.data();
-            return nName == name.size() && strKey.size() - nName == uri.size() && EqualUnits(pKey, name) &&
+            return nName == name.size() && nUri == uri.size() && EqualUnits(pKey, name) &&
                    EqualUnits(pKey + nName, uri);
         }
 
+        char16_t const * pKey = nullptr;
+        std::size_t nName = 0;
+        std::size_t nUri = 0;
+    };
+
+    struct Entry
+    {
         std::size_t nName = 0;
         std::u16string strKey; ///< name and URI
         Value value{};
     };
 
-    static constexpr unsigned kLatestBits = 7;
-    static constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
-
-    /// By the address of the name.
-    struct Latest
+    /// By the hash of the name, which finds most names at once.
+    struct Latest : Key
     {
         std::uint64_t nVersion = 0; ///< 0 for none
-        Entry * pEntry = nullptr;
+        Value * pValue = nullptr;
     };
 
     Slot const * InUse(std::size_t i) const noexcept
@@ -111,6 +121,7 @@ private:
     /// Names of one document differ mostly in the local name.
     static std::uint32_t Hash(std::u16string_view name, std::u16string_view uri) noexcept
     {
+        constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
         std::size_t const n = name.size();
         std::uint64_t nHash = uri.size() << 8 | n;
         if (n >= 4)
@@ -122,7 +133,7 @@ private:
         return static_cast<std::uint32_t>(nHash >> 32 ^ nHash >> 52);
     }
 
-    std::array<Latest, std::size_t(1) << kLatestBits> m_latest{};
+    std::array<Latest, 256> m_latest{};
     std::vector<Slot> m_slots; ///< at most half full
     std::deque<Entry> m_entries;
 };

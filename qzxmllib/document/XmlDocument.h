@@ -60,6 +60,7 @@ public:
     }
     /// The text as a string object, made at the first call.
     std::u16string & String();
+    std::u16string Copy() const;
 
 private:
     friend class CXmlDocument;
@@ -137,6 +138,8 @@ public:
     /// The text where it lies; that of an element with children is joined at the first call. Valid until the document
     /// is loaded again or destroyed, or GetText is called.
     std::u16string_view GetTextView() const { return m_text.View(); }
+    /// A copy of the text, for those who keep it: nothing is made or joined in the document.
+    std::u16string CopyText() const { return m_text.Copy(); }
     CXmlName const * GetName() const { return m_pName; }
     CXmlDocument * GetDocument() const { return m_pName->pDocument; }
     /// Null for the root.

@@ -23,26 +23,32 @@ std::u16string & CXmlText::String()
 {
     if (m_bString)
         return *m_pString;
-    auto strText = std::make_unique<std::u16string>();
-    if (m_bRuns)
-    {
-        strText->reserve(m_nUnits);
-        for (XmlRun const * pRun = &m_pRuns->first; pRun != nullptr; pRun = pRun->pNext)
-            for (std::uint32_t i = 0; i < pRun->nRepeat; ++i)
-                strText->append(pRun->pUnits, pRun->nUnits);
-        if (m_pRuns->bMatching)
-            strText->append(m_pRuns->pLast->pUnits, m_pRuns->nMatched);
-    }
-    else if (m_nUnits != 0)
-    {
-        strText->assign(m_pUnits, m_nUnits);
-    }
-    m_pString = strText.release();
+    m_pString = new std::u16string(Copy());
     m_bString = 1;
     m_bRuns = 0;
     m_nUnits = 0;
     m_nCapacity = 0;
     return *m_pString;
+}
+
+std::u16string CXmlText::Copy() const
+{
+    if (m_bString)
+        return *m_pString;
+    std::u16string strText;
+    if (!m_bRuns)
+    {
+        if (m_nUnits != 0)
+            strText.assign(m_pUnits, m_nUnits);
+        return strText;
+    }
+    strText.reserve(m_nUnits);
+    for (XmlRun const * pRun = &m_pRuns->first; pRun != nullptr; pRun = pRun->pNext)
+        for (std::uint32_t i = 0; i < pRun->nRepeat; ++i)
+            strText.append(pRun->pUnits, pRun->nUnits);
+    if (m_pRuns->bMatching)
+        strText.append(m_pRuns->pLast->pUnits, m_pRuns->nMatched);
+    return strText;
 }
 
 CXmlAttribute::CXmlAttribute(CXmlElement * pElement, CXmlName const & name)

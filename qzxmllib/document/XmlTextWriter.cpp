@@ -386,6 +386,16 @@ void CXmlTextWriter::WriteInLineSchema(std::u16string const & strText)
     FlushIfFull();
 }
 
+/// The tags of an element, or null if its namespace has no prefix yet.
+inline CXmlTextWriter::TagText const * CXmlTextWriter::FindTags(
+    CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri)
+{
+    if (m_bTagsFit)
+        if (TagText const * const pTags = m_spNames->elements.Find(context.GetDeclarationsVersion(), strName, strUri))
+            return pTags;
+    return MakeTags(context, strName, strUri);
+}
+
 /// Gives declarations that are the same as those of the last root their version, so that what was made of names holds.
 void CXmlTextWriter::KnowDeclarations(CXmlWriterContext & root)
 {
@@ -553,20 +563,22 @@ void CXmlTextWriter::WriteAttributeView(
     FlushIfFull();
 }
 
-/// The tags of an element, or null if its namespace has no prefix yet.
-CXmlTextWriter::TagText const * CXmlTextWriter::FindTags(
+[[gnu::noinline]] CXmlTextWriter::TagText const * CXmlTextWriter::MakeTags(
     CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri)
 {
     std::u16string_view const eol = m_bFormat ? std::u16string_view(m_strEOL) : std::u16string_view();
-    if (!m_bTagsFit && m_spNames->strTagEnd != eol)
-    {
-        m_spNames->elements.Clear();
-        m_spNames->strTagEnd = eol;
-    }
-    m_bTagsFit = true;
     std::uint64_t const nVersion = context.GetDeclarationsVersion();
-    if (TagText const * const pTags = m_spNames->elements.Find(nVersion, strName, strUri))
-        return pTags;
+    if (!m_bTagsFit)
+    {
+        if (m_spNames->strTagEnd != eol)
+        {
+            m_spNames->elements.Clear();
+            m_spNames->strTagEnd = eol;
+        }
+        m_bTagsFit = true;
+        if (TagText const * const pTags = m_spNames->elements.Find(nVersion, strName, strUri))
+            return pTags;
+    }
     std::u16string_view alias;
     if (!NeedsNoPrefix(context, strUri))
     {

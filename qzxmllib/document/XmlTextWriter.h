@@ -83,6 +83,8 @@ private:
     void KnowDeclarations(CXmlWriterContext & root);
     TagText const * FindTags(
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
+    TagText const * MakeTags(
+        CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
     bool WriteShortAttribute(CXmlWriterContext const & context, std::u16string const & strName,
         std::u16string const & strUri, std::u16string_view value);
     bool WriteShortElement(std::u16string const & strName, std::u16string const & strUri, std::u16string_view text);

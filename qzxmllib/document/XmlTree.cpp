@@ -127,7 +127,7 @@ CXmlNameTable::CXmlNameTable(CXmlDocument & doc)
 {
 }
 
-CXmlName const & CXmlNameTable::AddFromParser(std::string_view strKey, std::uint64_t nHash)
+CXmlNameRecord const & CXmlNameTable::AddFromParser(std::string_view strKey, std::uint64_t nHash)
 {
     std::size_t const nBar = strKey.find('|');
     if (nBar == std::string_view::npos)
@@ -149,7 +149,7 @@ CXmlName const & CXmlNameTable::FromText(std::u16string_view namespaceURI, std::
     return Add(std::move(strKey), nHash, std::u16string(namespaceURI), std::u16string(localName));
 }
 
-CXmlName const & CXmlNameTable::Add(
+CXmlNameRecord const & CXmlNameTable::Add(
     std::string strKey, std::uint64_t nHash, std::u16string strNamespaceURI, std::u16string strLocalName)
 {
     if (m_records.size() >= m_slots.size() / 2)

@@ -46,6 +46,8 @@ struct XmlRuns
 struct CXmlNameRecord : CXmlName
 {
     std::string strKey;
+    /// The name that the parser gave behind this one when it last did.
+    mutable CXmlNameRecord const * pNext = nullptr;
 };
 
 /// The names of one document, each kept once.
@@ -59,10 +61,14 @@ public:
     /// A name as the parser gives it in UTF-8: the namespace URI and "|" in front of the local name, or that alone.
     CXmlName const & FromParser(char const * pszRaw)
     {
-        std::string_view const strKey(pszRaw);
-        std::uint64_t const nHash = Hash(strKey);
-        CXmlNameRecord const * const pRecord = Find(strKey, nHash);
-        return pRecord != nullptr ? *pRecord : AddFromParser(strKey, nHash);
+        // Documents repeat themselves, so the name that followed the last one before is a good guess.
+        CXmlNameRecord const * const pLast = m_pLast;
+        if (pLast != nullptr && pLast->pNext != nullptr && std::strcmp(pLast->pNext->strKey.c_str(), pszRaw) == 0)
+            return *(m_pLast = pLast->pNext);
+        CXmlNameRecord const & record = FindFromParser(pszRaw);
+        if (pLast != nullptr)
+            pLast->pNext = &record;
+        return *(m_pLast = &record);
     }
     /// The same name when its parts are at hand in wide text.
     CXmlName const & FromParser(
@@ -77,6 +83,14 @@ public:
     CXmlName const & FromText(std::u16string_view namespaceURI, std::u16string_view localName);
 
 private:
+    CXmlNameRecord const & FindFromParser(char const * pszRaw)
+    {
+        std::string_view const strKey(pszRaw);
+        std::uint64_t const nHash = Hash(strKey);
+        CXmlNameRecord const * const pRecord = Find(strKey, nHash);
+        return pRecord != nullptr ? *pRecord : AddFromParser(strKey, nHash);
+    }
+
     struct Slot
     {
         std::uint64_t nHash = 0;
@@ -130,8 +144,8 @@ private:
         }
         return nullptr;
     }
-    CXmlName const & AddFromParser(std::string_view strKey, std::uint64_t nHash);
-    CXmlName const & Add(
+    CXmlNameRecord const & AddFromParser(std::string_view strKey, std::uint64_t nHash);
+    CXmlNameRecord const & Add(
         std::string strKey, std::uint64_t nHash, std::u16string strNamespaceURI, std::u16string strLocalName);
     void Place(CXmlNameRecord const & record, std::uint64_t nHash);
 
@@ -139,6 +153,7 @@ private:
     std::uint64_t m_nSeed;
     std::deque<CXmlNameRecord> m_records;
     std::vector<Slot> m_slots;
+    CXmlNameRecord const * m_pLast = nullptr;
 };
 
 /// Memory for the nodes and the text of a document: blocks that are filled from front to back. What lies behind a node

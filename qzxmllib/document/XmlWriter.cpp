@@ -34,6 +34,13 @@ std::size_t HashUri(std::u16string const & strUri) noexcept
     return nHash;
 }
 
+/// The names of elements at one level are often those of the last one there.
+void KeepText(std::u16string & strKept, std::u16string const & strText)
+{
+    if (!EqualText(strKept, strText))
+        strKept.assign(strText);
+}
+
 /// The number of a text of nLetters capital letters among all of that length, or nNone for any other text.
 std::size_t AliasNumber(std::u16string const & strAlias, std::size_t nLetters, std::size_t nNone) noexcept
 {
@@ -264,8 +271,8 @@ CXmlWriter::CXmlWriterContext & CXmlWriter::PushContext(std::u16string const & s
     if (m_nSlotsUsed == m_slots.size())
         m_slots.push_back(std::make_unique<Slot>());
     Slot & slot = *m_slots[m_nSlotsUsed];
-    slot.texts.strName.assign(strName);
-    slot.texts.strNamespace.assign(strUri);
+    KeepText(slot.texts.strName, strName);
+    KeepText(slot.texts.strNamespace, strUri);
     slot.texts.strWrittenAlias.clear();
     CXmlWriterContext * const pRecord =
         m_pContext != nullptr ? new (slot.abyRecord) CXmlWriterContext(slot.texts, m_pContext)

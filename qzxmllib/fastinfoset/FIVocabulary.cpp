@@ -109,7 +109,7 @@ std::uint32_t CFIVocabulary::CIndexMap::Find(std::u16string_view key, Spot & spo
         if (slot.dwIndex == 0)
             return 0;
         if (slot.nHead == spot.nHead && slot.nTail == spot.nTail && slot.nKind == spot.nKind &&
-            (n <= kInSlot || EqualName(Key(slot.dwIndex), key)))
+            (n <= kInSlot || EqualText(Key(slot.dwIndex), key)))
             return slot.dwIndex;
     }
 }

@@ -11,10 +11,10 @@ namespace QzXmlLib16
 namespace
 {
 
-constexpr std::size_t kSpareBlocks = 24;
+constexpr std::size_t kSpareBlocks = 48;
 constexpr std::size_t kLargeOctets = 2 * 1024 * 1024; // the size of a large page as well
-constexpr std::size_t kLargestSpareBlock = kLargeOctets;
-constexpr std::size_t kMostSpareOctets = 2 * kLargeOctets;
+constexpr std::size_t kLargestSpareBlock = 2 * kLargeOctets;
+constexpr std::size_t kMostSpareOctets = 16 * kLargeOctets;
 
 constexpr std::uintptr_t kPage = 4096;
 

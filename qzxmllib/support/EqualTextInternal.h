@@ -13,12 +13,6 @@
 namespace QzXmlLib16
 {
 
-/// Equality of wide text by octets, which is faster than the comparison by units of the standard library.
-inline bool EqualText(std::u16string_view a, std::u16string_view b) noexcept
-{
-    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
-}
-
 /// Four code units.
 inline std::uint64_t LoadUnits(char16_t const * p) noexcept
 {
@@ -60,9 +54,14 @@ inline bool EqualUnits(char16_t const * pA, std::u16string_view b) noexcept
     return nDifferent == 0;
 }
 
-inline bool EqualName(std::u16string_view a, std::u16string_view b) noexcept
+/// Equality of wide text by octets, which is faster than the comparison by units of the standard library.
+inline bool EqualText(std::u16string_view a, std::u16string_view b) noexcept
 {
-    return a.size() == b.size() && EqualUnits(a.data(), b);
+    constexpr std::size_t kShort = 64;
+    if (a.size() != b.size())
+        return false;
+    return a.size() <= kShort ? EqualUnits(a.data(), b)
+                              : std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
 }
 
 /// A text that may be null, which counts as empty.

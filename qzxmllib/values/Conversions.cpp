@@ -152,8 +152,8 @@ double ParseDouble(std::u16string_view given, CConversions::WhitespaceRule eRule
 
 void Widen(char const * pFirst, char const * pLast, std::u16string & strOut)
 {
-    strOut.resize(static_cast<std::size_t>(pLast - pFirst));
-    std::copy(pFirst, pLast, strOut.begin());
+    char16_t aWide[64];
+    strOut.assign(aWide, static_cast<std::size_t>(std::copy(pFirst, pLast, aWide) - aWide));
 }
 
 /// Where the one conversion of a caller's format for a double lies, and the text around it.
@@ -220,6 +220,27 @@ void PrintFormatted(double dValue, std::u16string_view format, std::u16string & 
     strOut.append(parts.strAfter);
 }
 
+/// Prints the shortest text that reads back as the value, which has no exponent. Values that are a number of millionths
+/// as near as they can be are common, and need no search.
+std::to_chars_result PrintMillionths(double dValue, char * pFirst, char * pLast)
+{
+    constexpr double kMillion = 1e6;
+    double const dMagnitude = std::fabs(dValue);
+    // Below 10^14 both the number of millionths and its text are exact.
+    auto const nMillionths = dMagnitude < 1e8 ? static_cast<std::int64_t>(dMagnitude * kMillion + 0.5) : 0;
+    if (nMillionths == 0 || static_cast<double>(nMillionths) / kMillion != dMagnitude)
+        return std::to_chars(pFirst, pLast, dValue, std::chars_format::fixed);
+    if (dValue < 0)
+        *pFirst++ = '-';
+    char * p = std::to_chars(pFirst, pLast, nMillionths / 1000000).ptr;
+    auto nRest = static_cast<std::uint32_t>(nMillionths % 1000000);
+    if (nRest != 0)
+        *p++ = '.';
+    for (std::uint32_t nPlace = 100000; nRest != 0; nRest %= nPlace, nPlace /= 10)
+        *p++ = static_cast<char>('0' + nRest / nPlace);
+    return {p, std::errc()};
+}
+
 /// Prints the shortest text that reads back as the value if that is sure to be what %.16g gives: a value without an
 /// exponent, of at most 15 digits that begin below 4.5. The value is then off its text by at most 2^-53 of itself,
 /// which is less than half a unit of the sixteenth digit. Null otherwise.
@@ -228,7 +249,7 @@ char * PrintShortest(double dValue, char * pFirst, char * pLast)
     double const dMagnitude = std::fabs(dValue);
     if (!(dMagnitude >= 1e-4 && dMagnitude < 1e15))
         return nullptr;
-    auto const result = std::to_chars(pFirst, pLast, dValue, std::chars_format::fixed);
+    auto const result = PrintMillionths(dValue, pFirst, pLast);
     char const * p = pFirst;
     while (p != result.ptr && (*p == '-' || *p == '0' || *p == '.'))
         ++p;

@@ -2,17 +2,32 @@
 
 #include "qzxmllib/values/Functions.h"
 #include "qzxmllib/values/ItemType.h"
+#include "qzxmllib/values/QzVariant.h"
 
 #include <string>
 
 namespace QzXmlLib16
 {
 
-class QzVariant;
+/// Whether any facet is set.
+inline bool HasFacets(CPrimitiveRestrictions const & r) noexcept
+{
+    return (r.m_minLength & r.m_maxLength & r.m_length & r.m_totalDigits & r.m_fractionDigits) != -1 ||
+           (r.m_minInclusive.size() | r.m_maxInclusive.size() | r.m_minExclusive.size() | r.m_maxExclusive.size() |
+               r.m_pattern.size()) != 0;
+}
 
 /// Throws when the value in the variant lies outside the facets. pszName stands in the message.
 void CheckPrimitiveVariant(
     char16_t const * pszName, QzVariant const & value, ItemType eType, CPrimitiveRestrictions const & restrictions);
+
+/// The same, and quick for a value of the right kind without a facet.
+inline void CheckPrimitive(
+    char16_t const * pszName, QzVariant const & value, ItemType eType, CPrimitiveRestrictions const & restrictions)
+{
+    if (value.GetTypeAsEnum() != eType || eType == ItemType_char || HasFacets(restrictions))
+        CheckPrimitiveVariant(pszName, value, eType, restrictions);
+}
 
 /// Tests a namespace against the list of an XML Schema wildcard, whose entries white space separates. strTarget is the
 /// namespace that "##targetNamespace" and "##other" refer to.

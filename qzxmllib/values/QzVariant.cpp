@@ -16,9 +16,6 @@ namespace
 template <class Value>
 constexpr bool kIsInline = std::is_arithmetic_v<Value>;
 
-/// Room that a variant keeps for the next text when it is used again.
-constexpr std::size_t kMostRoomKept = 4096;
-
 template <class Value>
 std::uint64_t ToBits(Value value) noexcept
 {
@@ -88,14 +85,9 @@ void QzVariant::Clear()
     m_value = std::monostate();
 }
 
-void CVariantText::Reuse(QzVariant & value) noexcept
+void CVariantText::Drop(QzVariant & value) noexcept
 {
-    value.m_isNil = false;
-    value.m_type = ItemType_Invalid;
-    if (value.m_strText.capacity() > kMostRoomKept)
-        value.m_strText = std::u16string();
-    if (value.m_value.index() > 1)
-        value.m_value = std::monostate();
+    value.m_value = std::monostate();
 }
 
 void QzVariant::SetInvalid()
@@ -150,8 +142,8 @@ template <class Text>
 void QzVariant::SetText(Text && strValue)
 {
     m_strText = std::forward<Text>(strValue);
-    if (m_value.index() > 1)
-        m_value = std::monostate();
+    if (m_value.index() > 2)
+        CVariantText::Drop(*this);
     SetHeld(ItemType_string);
 }
 

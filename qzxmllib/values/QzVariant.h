@@ -137,7 +137,7 @@ private:
     ItemType m_type = ItemType_Invalid;
     /// The text of a string; for any other kind it has no meaning.
     std::u16string m_strText;
-    std::variant<std::monostate, Inline, CBinaryData, CDateTime, CDateTimeSpan, CDecimal, CBigInteger,
+    std::variant<std::monostate, Inline, CDateTime, CBinaryData, CDateTimeSpan, CDecimal, CBigInteger,
         CSmartPtr<CXmlObjectBase>>
         m_value;
 };

@@ -17,7 +17,19 @@ struct CVariantText
         QzVariant & value, std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule);
 
     /// Drops value, kind and nil mark, and keeps the room of a text for the next one.
-    static void Reuse(QzVariant & value) noexcept;
+    static void Reuse(QzVariant & value) noexcept
+    {
+        constexpr std::size_t kMostRoomKept = 4096;
+        value.m_isNil = false;
+        value.m_type = ItemType_Invalid;
+        if (value.m_strText.capacity() > kMostRoomKept)
+            value.m_strText = std::u16string();
+        // Numbers and dates hold nothing.
+        if (value.m_value.index() > 2)
+            Drop(value);
+    }
+    /// Drops what is no string and leaves all marks as they are.
+    static void Drop(QzVariant & value) noexcept;
 
     /// A nil of the kind.
     static void AssignNil(QzVariant & value, ItemType eType)
