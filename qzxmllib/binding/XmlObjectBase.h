@@ -165,7 +165,10 @@ protected:
     CXmlObjectBase();
 
     /// The local name under which the object is written.
-    std::u16string GetElementName() const { return m_strElementName; }
+    std::u16string GetElementName() const
+    {
+        return m_strElementName;
+    }
     void SetElementName(char16_t const * name);
 
     // The virtual operations of another object of the family.
@@ -223,7 +226,10 @@ private:
     /// Fills this object from the XML text that was made of JSON. Without full round trip the names alone decide.
     void FromJson_Int(CBinaryData const & xml, CSerializationContext const & ctx);
     /// The operations that write are constant although the questions they ask of the object are not.
-    CXmlObjectBase * Mutable() const { return const_cast<CXmlObjectBase *>(this); }
+    CXmlObjectBase * Mutable() const
+    {
+        return const_cast<CXmlObjectBase *>(this);
+    }
 
     std::atomic<std::int32_t> m_nRefCount{0};
 };

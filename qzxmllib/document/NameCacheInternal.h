@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 
 #include <algorithm>
@@ -7,8 +8,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace QzXmlLib16
@@ -21,28 +24,13 @@ class CNameCache
 {
 public:
     /// What is kept for the name, or null.
-    Value * Find(std::uint64_t nVersion, std::u16string const & strName, std::u16string const & strUri) noexcept
+    Value * Find(std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri) noexcept
     {
-        std::uint32_t const nHash = Hash(strName, strUri);
+        std::uint32_t const nHash = Hash(name, uri);
         Latest & latest = m_latest[nHash % m_latest.size()];
-        if (latest.nVersion == nVersion && latest.Is(strName, strUri))
+        if (latest.nVersion == nVersion && latest.Is(name, uri))
             return latest.pValue;
-        if (m_slots.empty())
-            return nullptr;
-        for (std::size_t i = nHash; Slot const * const pSlot = InUse(i); ++i)
-        {
-            if (pSlot->nHash != nHash || pSlot->nVersion != nVersion)
-                continue;
-            Entry & entry = m_entries[pSlot->nEntry];
-            std::u16string_view const key = entry.strKey;
-            Latest const found = {{key.data(), entry.nName, key.size() - entry.nName}, nVersion, &entry.value};
-            if (found.Is(strName, strUri))
-            {
-                latest = found;
-                return found.pValue;
-            }
-        }
-        return nullptr;
+        return FindSlot(nVersion, name, uri, nHash, latest);
     }
     /// Keeps a name that is not there, and gives what is to be filled for it.
     Value & Keep(std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri)
@@ -113,6 +101,26 @@ private:
         Value * pValue = nullptr;
     };
 
+    [[gnu::noinline]] Value * FindSlot(std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri,
+        std::uint32_t nHash, Latest & latest) noexcept
+    {
+        if (m_slots.empty())
+            return nullptr;
+        for (std::size_t i = nHash; Slot const * const pSlot = InUse(i); ++i)
+        {
+            if (pSlot->nHash != nHash || pSlot->nVersion != nVersion)
+                continue;
+            Entry & entry = m_entries[pSlot->nEntry];
+            std::u16string_view const key = entry.strKey;
+            Latest const found = {{key.data(), entry.nName, key.size() - entry.nName}, nVersion, &entry.value};
+            if (found.Is(name, uri))
+            {
+                latest = found;
+                return found.pValue;
+            }
+        }
+        return nullptr;
+    }
     Slot const * InUse(std::size_t i) const noexcept
     {
         Slot const & slot = m_slots[i & (m_slots.size() - 1)];
@@ -136,6 +144,62 @@ private:
     std::array<Latest, 256> m_latest{};
     std::vector<Slot> m_slots; ///< at most half full
     std::deque<Entry> m_entries;
+};
+
+/// The declarations of the last root.
+class CKnownDeclarations
+{
+public:
+    /// The version of the root's declarations, or the one under which the same were last met, so that what was made of
+    /// names holds.
+    std::uint64_t VersionOf(CXmlWriter::CXmlWriterContext const & root)
+    {
+        if (m_nVersion != 0 && m_strDefaultNamespace == root.GetDefaultNamespace() &&
+            m_namespaces == root.GetNamespaces())
+            return m_nVersion;
+        m_nVersion = 0;
+        m_strDefaultNamespace = root.GetDefaultNamespace();
+        m_namespaces = root.GetNamespaces();
+        return m_nVersion = root.GetDeclarationsVersion();
+    }
+
+private:
+    std::u16string m_strDefaultNamespace;
+    CXmlWriter::CNamespaceMap m_namespaces;
+    std::uint64_t m_nVersion = 0; ///< 0 for none
+};
+
+/// What a writer has made of names, kept by the thread for the next writer: documents of one kind follow each other.
+/// GetSize of Names tells how much there is.
+template <class Names>
+class CNameSpare
+{
+public:
+    static std::unique_ptr<Names> Take()
+    {
+        Names * const pSpare = std::exchange(t_pSpare, nullptr);
+        return std::unique_ptr<Names>(pSpare != nullptr ? pSpare : new Names);
+    }
+    static void GiveBack(std::unique_ptr<Names> spNames) noexcept
+    {
+        struct Cleaner
+        {
+            ~Cleaner()
+            {
+                t_bThreadEnds = true;
+                delete std::exchange(t_pSpare, nullptr);
+            }
+        };
+        if (t_bThreadEnds || t_pSpare != nullptr || spNames->GetSize() > kMostKept)
+            return;
+        static thread_local Cleaner const t_cleaner;
+        t_pSpare = spNames.release();
+    }
+
+private:
+    static constexpr std::size_t kMostKept = 512;
+    static inline thread_local Names * t_pSpare = nullptr;
+    static inline thread_local bool t_bThreadEnds = false;
 };
 
 } // namespace QzXmlLib16

@@ -3,19 +3,15 @@
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
+#include "qzxmllib/document/TextCopyInternal.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
-#include <cstring>
 #include <typeinfo>
 #include <utility>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace QzXmlLib16
 {
@@ -27,9 +23,6 @@ constexpr std::u16string_view kCDataStart = u"<![CDATA[";
 
 /// Levels of indentation that are written in one piece.
 constexpr std::size_t kIndentLevels = 64; // a power of two
-
-/// Code units that a piece copied by CopyLoose may run over its end.
-constexpr std::size_t kSlack = 8;
 
 /// A code unit of a value that is not written as it stands. Two more are treated apart: 0 ends the text, and in
 /// element text 10 becomes the line end.
@@ -60,96 +53,29 @@ constexpr std::uint64_t CareMask(bool bAttribute)
     return nMask;
 }
 
-#if defined(__SSE2__)
+/// What is not written as it stands.
 template <bool bAttribute>
-unsigned CareBits(__m128i units) noexcept
+struct Care
 {
-    auto const is = [units](short n) { return _mm_cmpeq_epi16(units, _mm_set1_epi16(n)); };
-    // 60 and 62 differ in one bit, and so do 34 and 38.
-    __m128i const angle = _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(~2)), _mm_set1_epi16(60));
-    __m128i const quote =
-        bAttribute ? _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(~4)), _mm_set1_epi16(34)) : is(38);
-    __m128i const found = _mm_or_si128(_mm_or_si128(angle, quote), _mm_or_si128(is(0), _mm_or_si128(is(10), is(13))));
-    return static_cast<unsigned>(_mm_movemask_epi8(found));
-}
-#endif
-
-/// The position of the first code unit that is not written as it stands, or the length.
-template <bool bAttribute>
-std::size_t FindCare(char16_t const * pText, std::size_t nUnits) noexcept
-{
-    std::size_t nAt = 0;
-#if defined(__SSE2__)
-    auto const at = [pText](std::size_t n) { return reinterpret_cast<__m128i const *>(pText + n); };
-    auto const position = [](unsigned nBits) { return static_cast<std::size_t>(__builtin_ctz(nBits)) / 2; };
-    if (nUnits >= 8)
+    static bool Is(char16_t c) noexcept
     {
-        for (; nUnits - nAt >= 8; nAt += 8)
-            if (unsigned const nBits = CareBits<bAttribute>(_mm_loadu_si128(at(nAt))))
-                return nAt + position(nBits);
-        // The last step overlaps the one before it, where nothing was found.
-        unsigned const nBits = CareBits<bAttribute>(_mm_loadu_si128(at(nUnits - 8)));
-        return nBits != 0 ? nUnits - 8 + position(nBits) : nUnits;
+        constexpr std::uint64_t nMask = CareMask(bAttribute);
+        return c <= 63 && (nMask >> c & 1) != 0;
     }
-    if (nUnits >= 4)
+#if defined(__SSE2__)
+    static unsigned Bits(__m128i units) noexcept
     {
-        // Both halves in one register; they overlap too.
-        __m128i const units = _mm_unpacklo_epi64(_mm_loadl_epi64(at(0)), _mm_loadl_epi64(at(nUnits - 4)));
-        unsigned const nBits = CareBits<bAttribute>(units);
-        if (nBits == 0)
-            return nUnits;
-        std::size_t const nFound = position(nBits);
-        return nFound < 4 ? nFound : nUnits - 8 + nFound;
+        auto const is = [units](short n) { return _mm_cmpeq_epi16(units, _mm_set1_epi16(n)); };
+        // 60 and 62 differ in one bit, and so do 34 and 38.
+        __m128i const angle = _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(~2)), _mm_set1_epi16(60));
+        __m128i const quote =
+            bAttribute ? _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(~4)), _mm_set1_epi16(34)) : is(38);
+        __m128i const found =
+            _mm_or_si128(_mm_or_si128(angle, quote), _mm_or_si128(is(0), _mm_or_si128(is(10), is(13))));
+        return static_cast<unsigned>(_mm_movemask_epi8(found));
     }
 #endif
-    constexpr std::uint64_t nMask = CareMask(bAttribute);
-    while (nAt < nUnits && (pText[nAt] > 63 || (nMask >> pText[nAt] & 1) == 0))
-        ++nAt;
-    return nAt;
-}
-
-/// Copies nUnits code units, eight at a time, so that what lies behind them is read, and the room behind written.
-char16_t * CopyLoose(char16_t * pOut, char16_t const * pIn, std::size_t nUnits) noexcept
-{
-    for (std::size_t nAt = 0; nAt < nUnits; nAt += kSlack)
-        std::memcpy(pOut + nAt, pIn + nAt, kSlack * sizeof(char16_t));
-    return pOut + nUnits;
-}
-
-/// Copies a value. False if a code unit of it is not written as it stands; the copy is of no use then.
-template <bool bAttribute>
-bool CopyPlain(char16_t * pOut, std::u16string_view text) noexcept
-{
-    std::size_t const nUnits = text.size();
-#if defined(__SSE2__)
-    auto const in = [&](std::size_t n) { return reinterpret_cast<__m128i const *>(text.data() + n); };
-    auto const out = [&](std::size_t n) { return reinterpret_cast<__m128i *>(pOut + n); };
-    if (nUnits >= 8)
-    {
-        for (std::size_t nAt = 0;;)
-        {
-            __m128i const units = _mm_loadu_si128(in(nAt));
-            _mm_storeu_si128(out(nAt), units);
-            if (CareBits<bAttribute>(units) != 0)
-                return false;
-            if (nAt == nUnits - 8)
-                return true;
-            // The last step may overlap the one before it.
-            nAt = std::min(nAt + 8, nUnits - 8);
-        }
-    }
-    if (nUnits >= 4)
-    {
-        __m128i const head = _mm_loadl_epi64(in(0));
-        __m128i const tail = _mm_loadl_epi64(in(nUnits - 4));
-        _mm_storel_epi64(out(0), head);
-        _mm_storel_epi64(out(nUnits - 4), tail);
-        return CareBits<bAttribute>(_mm_unpacklo_epi64(head, tail)) == 0;
-    }
-#endif
-    CStringBuffer::CopyUnits(pOut, text.data(), nUnits);
-    return FindCare<bAttribute>(text.data(), nUnits) == nUnits;
-}
+};
 
 /// Text up to this length is written together with its tags.
 constexpr std::size_t kLongestInOnePiece = 1024;
@@ -216,59 +142,29 @@ struct CXmlTextWriter::TagText
     std::u16string_view GetAlias() const { return {strTags.data() + 1, nAlias}; }
 };
 
-/// Kept by the thread from one writer to the next: documents of one kind follow each other.
+/// Kept by CNameSpare.
 struct CXmlTextWriter::NameCaches
 {
+    std::size_t GetSize() const noexcept { return std::max(elements.GetSize(), attributes.GetSize()); }
+
     CNameCache<TagText> elements;
     /// The beginning of an attribute up to the quote in front of its value, and kSlack code units.
     CNameCache<std::u16string> attributes;
     /// What the tags end with.
     std::u16string strTagEnd;
-    /// The declarations of the last root, with their version.
-    std::u16string strDefaultNamespace;
-    CNamespaceMap namespaces;
-    std::uint64_t nVersion = 0;
-
-    static constexpr std::size_t kMostKept = 512;
-    static thread_local NameCaches * t_pSpare;
-    static thread_local bool t_bThreadEnds;
-
-    static std::unique_ptr<NameCaches> Take()
-    {
-        NameCaches * const pSpare = std::exchange(t_pSpare, nullptr);
-        return std::unique_ptr<NameCaches>(pSpare != nullptr ? pSpare : new NameCaches);
-    }
-    static void GiveBack(std::unique_ptr<NameCaches> spNames) noexcept
-    {
-        struct Cleaner
-        {
-            ~Cleaner()
-            {
-                t_bThreadEnds = true;
-                delete std::exchange(t_pSpare, nullptr);
-            }
-        };
-        if (t_bThreadEnds || t_pSpare != nullptr || spNames->elements.GetSize() > kMostKept ||
-            spNames->attributes.GetSize() > kMostKept)
-            return;
-        static thread_local Cleaner const t_cleaner;
-        t_pSpare = spNames.release();
-    }
+    CKnownDeclarations declarations;
 };
-
-thread_local CXmlTextWriter::NameCaches * CXmlTextWriter::NameCaches::t_pSpare = nullptr;
-thread_local bool CXmlTextWriter::NameCaches::t_bThreadEnds = false;
 
 CXmlTextWriter::CXmlTextWriter(CTextStream * pStream)
     : CXmlWriter(u"CXmlTextWriter"), m_strEOL(u"\n"), m_eEOLType(EOLType_LF), m_bFormat(true), m_pStream(pStream),
-      m_spNames(NameCaches::Take())
+      m_spNames(CNameSpare<NameCaches>::Take())
 {
     SetIndentChars(u"\t");
 }
 
 CXmlTextWriter::~CXmlTextWriter()
 {
-    NameCaches::GiveBack(std::move(m_spNames));
+    CNameSpare<NameCaches>::GiveBack(std::move(m_spNames));
 }
 
 inline void CXmlTextWriter::Put(char16_t const * pText, std::size_t nUnits)
@@ -332,8 +228,8 @@ void CXmlTextWriter::WriteEscaped(std::u16string_view text, bool bAttribute)
 {
     for (;;)
     {
-        std::size_t const nPlain =
-            bAttribute ? FindCare<true>(text.data(), text.size()) : FindCare<false>(text.data(), text.size());
+        std::size_t const nPlain = bAttribute ? FindCare<Care<true>>(text.data(), text.size())
+                                              : FindCare<Care<false>>(text.data(), text.size());
         Put(text.data(), nPlain);
         if (nPlain == text.size() || text[nPlain] == 0)
             return;
@@ -396,22 +292,6 @@ inline CXmlTextWriter::TagText const * CXmlTextWriter::FindTags(
     return MakeTags(context, strName, strUri);
 }
 
-/// Gives declarations that are the same as those of the last root their version, so that what was made of names holds.
-void CXmlTextWriter::KnowDeclarations(CXmlWriterContext & root)
-{
-    NameCaches & names = *m_spNames;
-    if (names.nVersion != 0 && names.strDefaultNamespace == root.GetDefaultNamespace() &&
-        names.namespaces == root.GetNamespaces())
-    {
-        SetDeclarationsVersion(root, names.nVersion);
-        return;
-    }
-    names.nVersion = 0;
-    names.strDefaultNamespace = root.GetDefaultNamespace();
-    names.namespaces = root.GetNamespaces();
-    names.nVersion = root.GetDeclarationsVersion();
-}
-
 void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16string const & strUri)
 {
     bool const bNested = m_pContext != nullptr;
@@ -428,7 +308,7 @@ void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16s
     {
         bDeclare = !NeedsNoPrefix(context, strUri) && FindPrefix(context, strUri).bGenerated;
         if (!bNested)
-            KnowDeclarations(context);
+            SetDeclarationsVersion(context, m_spNames->declarations.VersionOf(context));
         pTags = FindTags(context, strName, strUri);
     }
     context.m_strWrittenAlias = pTags->GetAlias();
@@ -623,7 +503,7 @@ bool CXmlTextWriter::WriteShortAttribute(CXmlWriterContext const & context, std:
     if (pRoom == nullptr)
         return false;
     char16_t * const p = CopyLoose(pRoom, pHead->data(), pHead->size() - kSlack);
-    if (!CopyPlain<true>(p, value))
+    if (!CopyPlain<Care<true>>(p, value))
         return false;
     p[value.size()] = u'"';
     m_pStream->Commit(static_cast<std::size_t>(p - pRoom) + value.size() + 1);
@@ -659,7 +539,7 @@ bool CXmlTextWriter::WriteShortElement(
     }
     p = CopyLoose(p, m_strIndentRun.data(), nIndent);
     p = CopyLoose(p, pTags->strTags.data(), pTags->nStartTag);
-    if (!CopyPlain<false>(p, text))
+    if (!CopyPlain<Care<false>>(p, text))
         return false;
     p = CopyLoose(p + text.size(), pTags->strTags.data() + pTags->nStartTag, pTags->nEndTag);
     m_pStream->Commit(static_cast<std::size_t>(p - pRoom));

@@ -80,7 +80,6 @@ private:
     void PutDeclaration(std::u16string const & strAlias, std::u16string const & strUri);
     void WriteEscaped(std::u16string_view text, bool bAttribute);
     void FlushIfFull();
-    void KnowDeclarations(CXmlWriterContext & root);
     TagText const * FindTags(
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
     TagText const * MakeTags(

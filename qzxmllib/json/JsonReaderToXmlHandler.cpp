@@ -4,12 +4,14 @@
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlTextWriter.h"
 #include "qzxmllib/json/JsonTextReader.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BinaryData.h"
 
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <typeinfo>
 
 namespace QzXmlLib16
 {
@@ -29,9 +31,15 @@ bool IsHarmlessName(std::u16string_view name) noexcept
 {
     if (name.empty() || name[0] == u'!' || name[0] == u'?')
         return false;
-    return std::none_of(name.begin(), name.end(),
-        [](char16_t c)
-        { return c < 33 || (c < 64 && std::u16string_view(u"<>&\"'/=").find(c) != std::u16string_view::npos); });
+    constexpr auto harmful = []
+    {
+        std::uint64_t nMask = (std::uint64_t(1) << 33) - 1;
+        for (char16_t const c : std::u16string_view(u"<>&\"'/="))
+            nMask |= std::uint64_t(1) << c;
+        return nMask;
+    };
+    constexpr std::uint64_t nHarmful = harmful();
+    return std::none_of(name.begin(), name.end(), [](char16_t c) { return c < 64 && (nHarmful >> c & 1) != 0; });
 }
 
 } // namespace
@@ -60,6 +68,7 @@ void CJsonReaderToXmlHandler::StartDocument()
     m_eTarget = Target_None;
     m_objects.clear();
     m_nArrays = 0;
+    m_bWholeElements = typeid(*m_pWriter) == typeid(CXmlTextWriter);
     m_pWriter->WriteHeader();
 }
 
@@ -70,31 +79,39 @@ void CJsonReaderToXmlHandler::Name(std::u16string const & strName)
     if (strName.empty())
         FailWithPath(u"JSON item has an empty Name.");
     m_bInArray = false;
-    if (m_eRoundTrip != JsonRoundTrip_None && strName == u"#text")
-    {
-        m_eTarget = Target_Text;
-        m_strCurrentName.assign(strName);
-    }
-    else if (m_eRoundTrip != JsonRoundTrip_None && strName[0] == u'@')
-    {
-        m_eTarget = Target_Attribute;
-        m_strCurrentName.assign(strName, 1, std::u16string::npos);
-    }
-    else
-    {
-        if (!IsHarmlessName(strName))
-            throw CQzInvalidStateException(
-                FormatString(u"Failed to convert name '%s' to Element name in XML.", strName));
-        m_eTarget = Target_Element;
-        m_strCurrentName.assign(strName);
-    }
+    // Few names make up a document, and what becomes of them stays the same.
+    std::uint64_t nHash = strName.size() << 16 ^ strName.front();
+    nHash = nHash << 32 ^ strName[strName.size() / 2] << 16 ^ strName.back();
+    KnownName & known = m_names[nHash * 0x9E3779B97F4A7C15u >> (64 - kNameBits)];
+    if (!EqualText(known.strSource, strName))
+        Learn(known, strName);
+    m_eTarget = known.eTarget;
+    m_pCurrentName = &known;
+}
+
+void CJsonReaderToXmlHandler::Learn(KnownName & known, std::u16string const & strName)
+{
+    bool const bMarks = m_eRoundTrip != JsonRoundTrip_None;
+    bool const bAttribute = bMarks && strName[0] == u'@';
+    known.strSource.clear();
+    known.eTarget = bMarks && strName == u"#text" ? Target_Text : bAttribute ? Target_Attribute : Target_Element;
+    known.strName.assign(strName, bAttribute ? 1 : 0, std::u16string::npos);
+    known.bHarmless = IsHarmlessName(known.strName);
+    if (known.eTarget == Target_Element && !known.bHarmless)
+        throw CQzInvalidStateException(FormatString(u"Failed to convert name '%s' to Element name in XML.", strName));
+    known.strSource.assign(strName);
+}
+
+/// Each array item repeats the name, so a long name and many items of two octets make a text of any size.
+inline void CJsonReaderToXmlHandler::CheckLimit() const
+{
+    if (m_pStream != nullptr && m_pStream->GetLength() > m_nMaxUnits)
+        throw CQzException(u"The input names more text than the limits allow.");
 }
 
 void CJsonReaderToXmlHandler::StartElement(std::u16string const & strName)
 {
-    // Each array item repeats the name, so a long name and many items of two octets make a text of any size.
-    if (m_pStream != nullptr && m_pStream->GetLength() > m_nMaxUnits)
-        throw CQzException(u"The input names more text than the limits allow.");
+    CheckLimit();
     try
     {
         m_pWriter->WriteStartElement(strName, NoNamespace());
@@ -110,15 +127,19 @@ void CJsonReaderToXmlHandler::EndElement()
     m_pWriter->WriteEndElement();
 }
 
-/// Starts the element of a value that is no attribute and no text.
-void CJsonReaderToXmlHandler::StartItem()
+/// The name of the element of a value that is no attribute and no text.
+inline std::u16string const & CJsonReaderToXmlHandler::ItemName()
 {
     if (m_eTarget == Target_Element)
-        StartElement(m_strCurrentName);
-    else if (m_nArrays != 0)
-        StartElement(m_arrays[m_nArrays - 1].strName);
-    else
+        return m_pCurrentName->strName;
+    if (m_nArrays == 0)
         FailWithPath(u"JSON value has no Name.");
+    return m_arrays[m_nArrays - 1].strName;
+}
+
+void CJsonReaderToXmlHandler::StartItem()
+{
+    StartElement(ItemName());
     m_eTarget = Target_None;
 }
 
@@ -140,9 +161,36 @@ void CJsonReaderToXmlHandler::WriteText(std::u16string const & strText)
     }
     catch (CQzException const &)
     {
-        throw CQzInvalidStateException(
-            FormatString(u"Failed to convert value '%s' to Element string value in XML.", strText));
+        FailText(strText);
     }
+}
+
+void CJsonReaderToXmlHandler::FailText(std::u16string const & strText)
+{
+    throw CQzInvalidStateException(
+        FormatString(u"Failed to convert value '%s' to Element string value in XML.", strText));
+}
+
+void CJsonReaderToXmlHandler::WriteItem(std::u16string const & strText)
+{
+    if (!m_bWholeElements)
+    {
+        StartItem();
+        WriteText(strText);
+        EndElement();
+        return;
+    }
+    std::u16string const & strName = ItemName();
+    CheckLimit();
+    try
+    {
+        m_pWriter->WriteElementView(strName, NoNamespace(), strText, ItemType_string);
+    }
+    catch (CQzException const &)
+    {
+        FailText(strText);
+    }
+    m_eTarget = Target_None;
 }
 
 void CJsonReaderToXmlHandler::WriteAttribute(std::u16string const & strText)
@@ -152,11 +200,11 @@ void CJsonReaderToXmlHandler::WriteAttribute(std::u16string const & strText)
         throw CQzInvalidStateException(
             FormatString(u"Failed to convert value '%s' to Attribute string value in XML.", strText));
     };
-    if (!IsHarmlessName(m_strCurrentName))
+    if (!m_pCurrentName->bHarmless)
         fail();
     try
     {
-        m_pWriter->WriteAttributeView(m_strCurrentName, NoNamespace(), strText, ItemType_string);
+        m_pWriter->WriteAttributeView(m_pCurrentName->strName, NoNamespace(), strText, ItemType_string);
     }
     catch (CQzException const &)
     {
@@ -178,9 +226,7 @@ void CJsonReaderToXmlHandler::Value(std::u16string const & strText)
         break;
     case Target_None:
     case Target_Element:
-        StartItem();
-        WriteText(strText);
-        EndElement();
+        WriteItem(strText);
         break;
     }
 }
@@ -226,7 +272,8 @@ void CJsonReaderToXmlHandler::RefuseContainer()
     if (m_eTarget != Target_Attribute && m_eTarget != Target_Text)
         return;
     char16_t const * const pszMark = m_eTarget == Target_Attribute ? u"@" : u"";
-    FailWithPath(FormatString(u"JSON value of [%s%s] must not be an Object or an Array.", pszMark, m_strCurrentName));
+    FailWithPath(
+        FormatString(u"JSON value of [%s%s] must not be an Object or an Array.", pszMark, m_pCurrentName->strName));
 }
 
 void CJsonReaderToXmlHandler::StartObject()
@@ -265,7 +312,7 @@ void CJsonReaderToXmlHandler::StartArray()
     if (m_nArrays == m_arrays.size())
         m_arrays.emplace_back();
     OpenArray & array = m_arrays[m_nArrays++];
-    array.strName.assign(m_strCurrentName);
+    array.strName.assign(m_pCurrentName->strName);
     array.nNested = 0;
 }
 

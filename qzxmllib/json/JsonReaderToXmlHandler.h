@@ -4,6 +4,7 @@
 #include "qzxmllib/json/JsonReaderHandler.h"
 #include "qzxmllib/support/Forward.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -43,9 +44,18 @@ private:
     enum Target
     {
         Target_None,      ///< an item of the innermost array, if there is one
-        Target_Element,   ///< the element m_strCurrentName, which is not started before its value has begun
-        Target_Attribute, ///< the attribute m_strCurrentName
+        Target_Element,   ///< the element m_pCurrentName, which is not started before its value has begun
+        Target_Attribute, ///< the attribute m_pCurrentName
         Target_Text       ///< text of the element of the object
+    };
+
+    /// A name and what the value behind it becomes.
+    struct KnownName
+    {
+        std::u16string strSource;
+        std::u16string strName; ///< without the mark of an attribute
+        Target eTarget = Target_None;
+        bool bHarmless = false;
     };
 
     struct OpenObject
@@ -61,14 +71,19 @@ private:
         std::size_t nNested;
     };
 
+    void Learn(KnownName & known, std::u16string const & strName);
     void Value(std::u16string const & strText);
+    void WriteItem(std::u16string const & strText);
+    std::u16string const & ItemName();
     void StartItem();
+    void CheckLimit() const;
     void StartElement(std::u16string const & strName);
     void EndElement();
     void EndText();
     void WriteText(std::u16string const & strText);
     void WriteAttribute(std::u16string const & strText);
     void RefuseContainer();
+    [[noreturn]] static void FailText(std::u16string const & strText);
     [[noreturn]] void FailWithPath(std::u16string strMessage);
 
     CXmlTextWriter * m_pWriter;
@@ -78,8 +93,13 @@ private:
     std::uint64_t m_nMaxUnits = 0;
 
     Target m_eTarget = Target_None;
-    std::u16string m_strCurrentName;
-    /// Whether m_strCurrentName is on the stack of arrays.
+    KnownName const * m_pCurrentName = nullptr;
+    /// Those met lately, by a hash.
+    static constexpr unsigned kNameBits = 7;
+    std::array<KnownName, 1u << kNameBits> m_names;
+    /// The writer has no ideas of its own of what an element is made of.
+    bool m_bWholeElements = false;
+    /// Whether m_pCurrentName is on the stack of arrays.
     bool m_bInArray = false;
     std::vector<OpenObject> m_objects;
     /// Innermost last. Records behind m_nArrays are kept for their strings.

@@ -117,7 +117,17 @@ inline bool CJsonTextReader::NextChar()
 }
 
 /// As NextChar, but passes over white space and comments.
-bool CJsonTextReader::NextToken()
+inline bool CJsonTextReader::NextToken()
+{
+    char16_t const c = m_nPosition < m_text.size() ? m_text[m_nPosition] : u' ';
+    if (c <= u' ' || c == u'/')
+        return SkipToToken();
+    ++m_nPosition;
+    m_cCurrent = c;
+    return true;
+}
+
+bool CJsonTextReader::SkipToToken()
 {
     std::size_t nAt = m_nPosition;
     for (; nAt < m_text.size(); ++nAt)
@@ -133,6 +143,7 @@ bool CJsonTextReader::NextToken()
         {
             ++m_nLine;
             m_nLineStart = nAt + 1;
+            nAt += FindCare<CNotBlank>(m_text.data() + nAt + 1, m_text.size() - nAt - 1);
         }
         else if (!CWhitespaceUtils::IsWhiteSpace(c))
         {
@@ -330,8 +341,13 @@ void CJsonTextReader::ReadLiteral(std::u16string_view rest, char16_t const * psz
 void CJsonTextReader::KeepDigits()
 {
     do
-        m_strToken += m_cCurrent;
-    while (NextChar() && IsDigit(m_cCurrent));
+    {
+        std::size_t nEnd = m_nPosition;
+        while (nEnd < m_text.size() && IsDigit(m_text[nEnd]))
+            ++nEnd;
+        m_strToken.append(m_text.data() + m_nPosition - 1, nEnd - m_nPosition + 1);
+        m_nPosition = nEnd;
+    } while (NextChar() && IsDigit(m_cCurrent));
 }
 
 /// Appends the number that begins with the current code unit, as it is spelled.

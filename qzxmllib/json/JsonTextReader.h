@@ -40,6 +40,7 @@ public:
 private:
     bool NextChar();
     bool NextToken();
+    bool SkipToToken();
     bool SkipComment();
     bool ReadChars(char16_t const *& pChars, std::size_t nUnits);
     void ReadValue(int nDepth);

@@ -1,12 +1,17 @@
 #include "qzxmllib/json/JsonTextWriter.h"
 
 #include "qzxmllib/document/EncoderInternal.h"
+#include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/json/JsonTextInternal.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
+#include <algorithm>
 #include <cassert>
+#include <typeinfo>
+#include <utility>
 
 namespace QzXmlLib16
 {
@@ -40,43 +45,43 @@ bool IsUnquoted(ItemType eType) noexcept
     return (eType >= ItemType_i1 && eType <= ItemType_r8) || (eType >= ItemType_boolean && eType <= ItemType_integer);
 }
 
-std::u16string_view WithoutDigits(std::u16string_view text) noexcept
-{
-    std::size_t const nEnd = text.find_first_not_of(u"0123456789");
-    return nEnd == std::u16string_view::npos ? std::u16string_view() : text.substr(nEnd);
-}
-
 /// True for a literal or a number by RFC 8259.
 bool IsJsonLiteral(std::u16string_view text) noexcept
 {
-    if (text == u"true" || text == u"false")
-        return true;
-    auto const skipDigits = [&text]
+    char16_t const * p = text.data();
+    char16_t const * const pEnd = p + text.size();
+    auto const skip = [&p, pEnd](char16_t c, char16_t cOther)
     {
-        std::u16string_view const rest = WithoutDigits(text);
-        bool const bAny = rest.size() != text.size();
-        text = rest;
-        return bAny;
-    };
-    auto const skip = [&text](std::u16string_view set)
-    {
-        bool const bThere = !text.empty() && set.find(text[0]) != std::u16string_view::npos;
-        text.remove_prefix(bThere ? 1 : 0);
+        bool const bThere = p != pEnd && (*p == c || *p == cOther);
+        p += bThere ? 1 : 0;
         return bThere;
     };
-    skip(u"-");
-    if (!skip(u"0") && !skipDigits())
-        return false;
-    if (skip(u".") && !skipDigits())
-        return false;
-    if (skip(u"eE"))
+    auto const skipDigits = [&p, pEnd]
     {
-        skip(u"+-");
+        char16_t const * const pFirst = p;
+        while (p != pEnd && *p >= u'0' && *p <= u'9')
+            ++p;
+        return p != pFirst;
+    };
+    skip(u'-', u'-');
+    if (!skip(u'0', u'0') && !skipDigits())
+        return text == u"true" || text == u"false";
+    if (skip(u'.', u'.') && !skipDigits())
+        return false;
+    if (skip(u'e', u'E'))
+    {
+        skip(u'+', u'-');
         if (!skipDigits())
             return false;
     }
-    return text.empty();
+    return p == pEnd;
 }
+
+/// Values up to this length are written together with their names.
+constexpr std::size_t kLongestInOnePiece = 1024;
+
+/// Stands for all declarations where names go out without prefixes.
+constexpr std::uint64_t kNoDeclarations = ~std::uint64_t(0);
 
 [[noreturn]] void ThrowUnknownNamespace(std::u16string const & strName)
 {
@@ -85,12 +90,30 @@ bool IsJsonLiteral(std::u16string_view text) noexcept
 
 } // namespace
 
+/// Kept by CNameSpare.
+struct CJsonTextWriter::NameCaches
+{
+    std::size_t GetSize() const noexcept { return std::max(elements.GetSize(), attributes.GetSize()); }
+
+    /// The name of a property with its quotes, the colon and one more quote, and kSlack code units.
+    CNameCache<std::u16string> elements;
+    CNameCache<std::u16string> attributes;
+    CKnownDeclarations declarations;
+    /// The options that the names were prepared for.
+    JsonRoundTrip eRoundTrip = JsonRoundTrip_Full;
+    bool bStrict = false;
+};
+
 CJsonTextWriter::CJsonTextWriter(CTextStream & stream)
-    : CXmlWriter(u"CJsonTextWriter"), m_strIndentChars(u"\t"), m_strEOL(u"\n"), m_pStream(&stream)
+    : CXmlWriter(u"CJsonTextWriter"), m_strIndentChars(u"\t"), m_strEOL(u"\n"), m_pStream(&stream),
+      m_spNames(CNameSpare<NameCaches>::Take())
 {
 }
 
-CJsonTextWriter::~CJsonTextWriter() = default;
+CJsonTextWriter::~CJsonTextWriter()
+{
+    CNameSpare<NameCaches>::GiveBack(std::move(m_spNames));
+}
 
 inline void CJsonTextWriter::Put(std::u16string_view text)
 {
@@ -108,17 +131,30 @@ inline void CJsonTextWriter::FlushIfFull()
         m_pStream->Flush();
 }
 
-/// A line end and, on the new line, the indentation of the depth.
-void CJsonTextWriter::PutBreak(std::int32_t nDepth)
+/// A line end and, on the new line, the indentation of the depth; kSlack code units more may be read.
+inline std::u16string_view CJsonTextWriter::Break(std::int32_t nDepth)
 {
     if (!m_bFormat)
-        return;
+        return {};
     std::size_t const nUnits = m_strEOL.size() + static_cast<std::size_t>(nDepth) * m_strIndentChars.size();
+    if (m_strBreak.size() < nUnits + kSlack)
+        GrowBreak(nUnits + kSlack);
+    return {m_strBreak.data(), nUnits};
+}
+
+void CJsonTextWriter::GrowBreak(std::size_t nUnits)
+{
     if (m_strBreak.empty())
         m_strBreak = m_strEOL;
+    if (m_strIndentChars.empty())
+        m_strBreak.resize(nUnits);
     while (m_strBreak.size() < nUnits)
         m_strBreak += m_strIndentChars;
-    Put(std::u16string_view(m_strBreak.data(), nUnits));
+}
+
+inline void CJsonTextWriter::PutBreak(std::int32_t nDepth)
+{
+    Put(Break(nDepth));
 }
 
 /// A part of a name or a URI, which is not escaped where other tools do not matter.
@@ -210,9 +246,110 @@ void CJsonTextWriter::WriteValue(std::u16string_view text, ItemType eType)
     Put(u'"');
 }
 
+/// What the property of a name begins with. Null if its namespace has no alias, and for a name that needs escapes.
+template <bool bAttribute>
+inline std::u16string const * CJsonTextWriter::FindHead(
+    CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri)
+{
+    if (!m_bNamesFit)
+        FitNames();
+    bool const bFull = m_eRoundTrip == JsonRoundTrip_Full;
+    std::uint64_t const nVersion = bFull ? context.GetDeclarationsVersion() : kNoDeclarations;
+    auto & names = bAttribute ? m_spNames->attributes : m_spNames->elements;
+    std::u16string_view const uri = bFull ? std::u16string_view(strUri) : std::u16string_view();
+    std::u16string const * const pHead = names.Find(nVersion, strName, uri);
+    return pHead != nullptr ? pHead : MakeHead(context, bAttribute, strName, strUri);
+}
+
+void CJsonTextWriter::FitNames()
+{
+    NameCaches & names = *m_spNames;
+    if (names.eRoundTrip != m_eRoundTrip || names.bStrict != m_bStrict)
+    {
+        names.elements.Clear();
+        names.attributes.Clear();
+        names.eRoundTrip = m_eRoundTrip;
+        names.bStrict = m_bStrict;
+    }
+    m_bNamesFit = true;
+}
+
+std::u16string const * CJsonTextWriter::MakeHead(
+    CXmlWriterContext const & context, bool bAttribute, std::u16string const & strName, std::u16string const & strUri)
+{
+    bool const bFull = m_eRoundTrip == JsonRoundTrip_Full;
+    std::u16string strHead(1, u'"');
+    if (bAttribute && m_eRoundTrip != JsonRoundTrip_None)
+        strHead += u'@';
+    if (bFull && !(bAttribute ? strUri.empty() : NeedsNoPrefix(context, strUri)))
+    {
+        std::u16string const * const pAlias = FindKnownPrefix(context, strUri);
+        if (pAlias == nullptr)
+            return nullptr;
+        strHead.append(UpToZero(*pAlias)).append(1, u':');
+    }
+    strHead.append(UpToZero(strName));
+    if (m_bStrict && FindSpecialInJson(strHead.data() + 1, strHead.size() - 1) != strHead.size() - 1)
+        return nullptr;
+    strHead.append(u"\": \"").append(kSlack, u' ');
+    auto & names = bAttribute ? m_spNames->attributes : m_spNames->elements;
+    std::u16string & strKept = names.Keep(bFull ? context.GetDeclarationsVersion() : kNoDeclarations, strName, strUri);
+    strKept = std::move(strHead);
+    return &strKept;
+}
+
+/// The beginning of one more property of the element, without its name, in the room given.
+inline char16_t * CJsonTextWriter::PutSeparator(char16_t * pRoom, std::u16string_view lineBreak) const
+{
+    *pRoom = m_bObjectPending ? u'{' : u',';
+    return CopyLoose(pRoom + 1, lineBreak.data(), lineBreak.size());
+}
+
+/// Whether a property of the element would be the first thing in an array.
+inline bool CJsonTextWriter::OpensArray(CXmlWriterContext const & holder) const
+{
+    return m_bObjectPending && holder.GetParent() != nullptr &&
+           holder.GetParent()->m_eArrayState == ArrayState_Announced;
+}
+
+/// Writes a property in one piece. False, and nothing done, if it is not of the usual kind.
+template <bool bAttribute>
+[[gnu::always_inline]] inline bool CJsonTextWriter::WriteShortProperty(CXmlWriterContext & holder,
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
+{
+    if (value.size() > kLongestInOnePiece || OpensArray(holder))
+        return false;
+    std::u16string const * const pHead = FindHead<bAttribute>(holder, strName, strUri);
+    if (pHead == nullptr)
+        return false;
+    std::u16string_view const lineBreak = Break(holder.m_nDepth + 1);
+    char16_t * const pRoom = m_pStream->Room(lineBreak.size() + pHead->size() + value.size() + 2 + kSlack);
+    if (pRoom == nullptr)
+        return false;
+    char16_t * p = CopyLoose(PutSeparator(pRoom, lineBreak), pHead->data(), pHead->size() - kSlack);
+    if (IsUnquoted(eType) && (!m_bStrict || IsJsonLiteral(value)))
+    {
+        if (!CopyPlain<CZero>(--p, value))
+            return false;
+        p += value.size();
+    }
+    else
+    {
+        if (!CopyPlain<CSpecialInJson>(p, value))
+            return false;
+        p += value.size();
+        *p++ = u'"';
+    }
+    m_pStream->Commit(static_cast<std::size_t>(p - pRoom));
+    m_bObjectPending = false;
+    FlushIfFull();
+    return true;
+}
+
 void CJsonTextWriter::StartDocument()
 {
     CXmlWriter::StartDocument();
+    m_bWholeElements = typeid(*this) == typeid(CJsonTextWriter);
     m_pStream->Open();
 }
 
@@ -299,7 +436,7 @@ void CJsonTextWriter::FinishArray(CXmlWriterContext & holder, bool bElementFollo
 bool CJsonTextWriter::IsNextItem(std::u16string const & strName, std::u16string const & strUri) const
 {
     ItemName const & first = m_arrays[m_nArrays - 1];
-    return strName == first.strName && (m_eRoundTrip != JsonRoundTrip_Full || strUri == first.strUri);
+    return EqualText(strName, first.strName) && (m_eRoundTrip != JsonRoundTrip_Full || EqualText(strUri, first.strUri));
 }
 
 /// Makes the value of the element an object that can take one more property, which begins a new line.
@@ -371,10 +508,14 @@ void CJsonTextWriter::WriteStartElement(std::u16string const & strName, std::u16
                 m_pContext->m_eArrayState = ArrayState_Announced;
             }
         }
-        WriteSeparator(*m_pContext);
+        if (WriteShortStart(*m_pContext, bNamed, strName, strUri))
+            bNamed = false;
+        else
+            WriteSeparator(*m_pContext);
     }
     CXmlWriterContext & context = PushContext(strName, strUri);
-    if (context.GetParent() == nullptr)
+    bool const bRoot = context.GetParent() == nullptr;
+    if (bRoot)
     {
         context.m_nDepth = 1;
         if (m_bFormat)
@@ -383,7 +524,43 @@ void CJsonTextWriter::WriteStartElement(std::u16string const & strName, std::u16
     m_bObjectPending = true;
     if (bNamed)
         WriteElementName(context);
+    if (bRoot && m_eRoundTrip == JsonRoundTrip_Full)
+        SetDeclarationsVersion(context, m_spNames->declarations.VersionOf(context));
     FlushIfFull();
+}
+
+/// Writes what stands in front of the value of a nested element. False, and nothing done, if it is not of the usual
+/// kind.
+bool CJsonTextWriter::WriteShortStart(
+    CXmlWriterContext & holder, bool bNamed, std::u16string const & strName, std::u16string const & strUri)
+{
+    if (OpensArray(holder))
+        return false;
+    std::u16string_view head;
+    if (bNamed)
+    {
+        std::u16string const * const pHead = FindHead<false>(holder, strName, strUri);
+        if (pHead == nullptr)
+            return false;
+        head = {pHead->data(), pHead->size() - kSlack - 1};
+    }
+    std::u16string_view const lineBreak = Break(holder.m_nDepth + 1);
+    char16_t * const pRoom = m_pStream->Room(1 + lineBreak.size() + head.size() + kSlack);
+    if (pRoom == nullptr)
+        return false;
+    char16_t const * const p = CopyLoose(PutSeparator(pRoom, lineBreak), head.data(), head.size());
+    m_pStream->Commit(static_cast<std::size_t>(p - pRoom));
+    return true;
+}
+
+void CJsonTextWriter::WriteElementView(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view text, ItemType eType)
+{
+    if (m_bWholeElements && m_pContext != nullptr && m_pContext->m_eArrayState == ArrayState_None && !text.empty() &&
+        WriteShortProperty<false>(*m_pContext, strName, strUri, text, eType))
+        CountPassingContext();
+    else
+        CXmlWriter::WriteElementView(strName, strUri, text, eType);
 }
 
 void CJsonTextWriter::WriteText(std::u16string const & strText, ItemType eType)
@@ -445,6 +622,8 @@ void CJsonTextWriter::WriteAttributeView(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
     CXmlWriterContext & context = RequireContext();
+    if (WriteShortProperty<true>(context, strName, strUri, value, eType))
+        return;
     WriteSeparator(context);
     std::u16string const * const pAlias =
         m_eRoundTrip == JsonRoundTrip_Full && !strUri.empty() ? &RequireAlias(context, strUri, strName) : nullptr;

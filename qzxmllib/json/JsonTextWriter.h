@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +48,8 @@ public:
     void WriteTextView(std::u16string_view text, ItemType eType) override;
     void WriteAttributeView(std::u16string const & strName, std::u16string const & strUri, std::u16string_view value,
         ItemType eType) override;
+    void WriteElementView(std::u16string const & strName, std::u16string const & strUri, std::u16string_view text,
+        ItemType eType) override;
 
     /// The brackets around the root's property.
     void WriteDocumentStart();
@@ -63,10 +66,18 @@ public:
     void SetIndentChars(char16_t const * pszIndentChars);
     /// JsonRoundTrip_Full at first.
     JsonRoundTrip GetRoundTrip() const noexcept { return m_eRoundTrip; }
-    void SetRoundTrip(JsonRoundTrip eRoundTrip) { m_eRoundTrip = eRoundTrip; }
+    void SetRoundTrip(JsonRoundTrip eRoundTrip)
+    {
+        m_eRoundTrip = eRoundTrip;
+        m_bNamesFit = false;
+    }
     /// See CJsonContext::SetStrict. Then nothing of a value is lost: a carriage return is escaped as well.
     bool GetStrict() const noexcept { return m_bStrict; }
-    void SetStrict(bool bStrict) { m_bStrict = bStrict; }
+    void SetStrict(bool bStrict)
+    {
+        m_bStrict = bStrict;
+        m_bNamesFit = false;
+    }
 
 private:
     /// The name that the items of an open array share.
@@ -76,8 +87,12 @@ private:
         std::u16string strUri;
     };
 
+    struct NameCaches;
+
     void Put(std::u16string_view text);
     void Put(char16_t c);
+    std::u16string_view Break(std::int32_t nDepth);
+    void GrowBreak(std::size_t nUnits);
     void PutBreak(std::int32_t nDepth);
     void PutRaw(std::u16string_view text);
     void PutName(std::u16string_view mark, std::u16string const * pAlias, std::u16string const & strName);
@@ -94,6 +109,19 @@ private:
     void FinishArray(CXmlWriterContext & holder, bool bElementFollows);
     bool IsNextItem(std::u16string const & strName, std::u16string const & strUri) const;
     void FlushIfFull();
+    void FitNames();
+    template <bool bAttribute>
+    std::u16string const * FindHead(
+        CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
+    std::u16string const * MakeHead(CXmlWriterContext const & context, bool bAttribute, std::u16string const & strName,
+        std::u16string const & strUri);
+    bool OpensArray(CXmlWriterContext const & holder) const;
+    char16_t * PutSeparator(char16_t * pRoom, std::u16string_view lineBreak) const;
+    template <bool bAttribute>
+    bool WriteShortProperty(CXmlWriterContext & holder, std::u16string const & strName, std::u16string const & strUri,
+        std::u16string_view value, ItemType eType);
+    bool WriteShortStart(
+        CXmlWriterContext & holder, bool bNamed, std::u16string const & strName, std::u16string const & strUri);
 
     std::u16string m_strIndentChars;
     std::u16string m_strEOL;
@@ -104,7 +132,12 @@ private:
     CTextStream * m_pStream;
     /// The name of the innermost element is written, and its value is not an object so far.
     bool m_bObjectPending = false;
-    /// The line end and as much indentation as was needed so far.
+    /// No class derived from this one may have other ideas of what an element is made of.
+    bool m_bWholeElements = false;
+    std::unique_ptr<NameCaches> m_spNames;
+    /// Whether the names kept there were prepared for the options of this writer.
+    bool m_bNamesFit = false;
+    /// The line end and as much indentation as was needed so far, and some code units more that may be copied with it.
     std::u16string m_strBreak;
     /// One for each open array, innermost last. Records behind m_nArrays are kept for their strings.
     std::vector<ItemName> m_arrays;

@@ -1,7 +1,4 @@
-#include "tests/support/TableClass.h"
-#include "tests/support/TestText.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/AllForms.h"
 
 using namespace QzXmlLib16;
 using namespace QzXmlLib16Data;
@@ -28,28 +25,30 @@ void AddTables(CTableSchema & schema)
     schema.Attribute<CAttributeInfoEnum>(u"f", false, SizeText, SizeNumber, u"small");
 }
 
+constexpr int kLeaveDefaults = 1, kAnyNamespace = 2, kAnyAttribute = 4;
+
 struct Case
 {
     char const * pszName;
     char const * pszDocument;
-    bool bLeaveDefaults;
-    bool bIgnoreNamespaces;
+    int nOptions;
     char const * pszExpected;
 };
 
 Case const kCases[] = {
-    {"AllThere", "<r p=' 7 ' e='large' f='large'/>", false, false, "<r p=\"7\" e=\"large\" f=\"large\"/>"},
-    {"OptionalAbsent", "<r f='large'/>", false, false, "<r f=\"large\"/>"},
-    {"DefaultsWritten", "<r p='5' e='small' f='small'/>", false, false, "<r p=\"5\" e=\"small\" f=\"small\"/>"},
-    {"DefaultsLeftOut", "<r p='5' e='small' f='small'/>", true, false, "<r f=\"small\"/>"},
-    {"MandatoryAbsent", "<r/>", false, false, "Failed to process the element.\nPath: /r"},
-    {"ForeignNamespace", "<r xmlns:x='urn:x' x:e='large' f='large'/>", false, false,
-        "Unexpected Attribute found.\nPath: /r/x:@e"},
-    {"ForeignEnumIgnored", "<r xmlns:x='urn:x' x:e='large' f='large'/>", false, true, "<r e=\"large\" f=\"large\"/>"},
+    {"AllThere", "<r p=' 7 ' e='large' f='large'/>", 0, "<r p=\"7\" e=\"large\" f=\"large\"/>"},
+    {"OptionalAbsent", "<r f='large'/>", 0, "<r f=\"large\"/>"},
+    {"DefaultsWritten", "<r p='5' e='small' f='small'/>", 0, "<r p=\"5\" e=\"small\" f=\"small\"/>"},
+    {"DefaultsLeftOut", "<r p='5' e='small' f='small'/>", kLeaveDefaults, "<r f=\"small\"/>"},
+    {"MandatoryAbsent", "<r/>", 0, QZ_PROCESS "Failed to find the required Attribute [f]."},
+    {"Unknown", "<r f='small' x='2'/>", 0, QZ_UNEXPECTED("@x")},
+    {"UnknownIgnored", "<r x='2' f='small' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='t'/>",
+        kAnyAttribute, "<r f=\"small\"/>"},
+    {"ForeignNamespace", "<r xmlns:x='urn:x' x:e='large' f='large'/>", 0, QZ_UNEXPECTED("x:@e")},
+    {"ForeignEnumIgnored", "<r xmlns:x='urn:x' x:e='large' f='large'/>", kAnyNamespace, "<r e=\"large\" f=\"large\"/>"},
     // A primitive compares its namespace all the same.
-    {"ForeignPrimitive", "<r xmlns:x='urn:x' x:p='7' f='large'/>", false, true,
-        "Unexpected Attribute found.\nPath: /r/x:@p"},
-    {"LastOfTwoWins", "<r xmlns:x='urn:x' f='small' x:f='large'/>", false, true, "<r f=\"large\"/>"},
+    {"ForeignPrimitive", "<r xmlns:x='urn:x' x:p='7' f='large'/>", kAnyNamespace, QZ_UNEXPECTED("x:@p")},
+    {"LastOfTwoWins", "<r xmlns:x='urn:x' f='small' x:f='large'/>", kAnyNamespace, "<r f=\"large\"/>"},
 };
 
 using AttributeTest = testing::TestWithParam<Case>;
@@ -58,21 +57,11 @@ TEST_P(AttributeTest, ReadsAndWrites)
 {
     CTableSchema schema;
     AddTables(schema);
-    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
     CSerializationContext ctx;
-    ctx.SetNoOptionalAttributeDefaultOutput(GetParam().bLeaveDefaults);
-    ctx.SetIgnoreNamespaces(GetParam().bIgnoreNamespaces);
-    std::string strResult;
-    try
-    {
-        spObject->FromXml(GetParam().pszDocument, ctx);
-        strResult = Utf8(spObject->ToXml(false, false, EOLType_LF, ctx));
-    }
-    catch (CQzException const & e)
-    {
-        strResult = Utf8(e.GetMessageW());
-    }
-    EXPECT_EQ(strResult, GetParam().pszExpected);
+    ctx.SetNoOptionalAttributeDefaultOutput((GetParam().nOptions & kLeaveDefaults) != 0);
+    ctx.SetIgnoreNamespaces((GetParam().nOptions & kAnyNamespace) != 0);
+    ctx.SetIgnoreUnknownAttributes((GetParam().nOptions & kAnyAttribute) != 0);
+    EXPECT_EQ(RoundTrip(schema, GetParam().pszDocument, ctx), GetParam().pszExpected);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AttributeTest, testing::ValuesIn(kCases), CaseName);
@@ -85,7 +74,7 @@ TEST(AttributeInfoTest, NilIsNoValueAndFailuresAreLayered)
     (*spObject)[0].SetNil();
     (*spObject)[1].SetNil();
     (*spObject)[2].SetI4(2);
-    EXPECT_EQ(Utf8(spObject->ToXml(false, false)), "<r f=\"large\"/>");
+    EXPECT_EQ(XmlOf(*spObject), "<r f=\"large\"/>");
     (*spObject)[2].SetNil();
     ExpectThrowsChain<CQzValidationException>([&] { spObject->ToXml(); },
         u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nThe Property [f] is "
@@ -96,6 +85,18 @@ TEST(AttributeInfoTest, NilIsNoValueAndFailuresAreLayered)
     ExpectThrowsChain<CQzValidationException>([&] { spObject->ToXml(); },
         u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nFailed to get the property "
         u"value for [p].\nrefused");
+}
+
+TEST(AttributeInfoTest, MandatoryPrimitive)
+{
+    CTableSchema schema;
+    schema.Attribute<CAttributeInfoPrimitive>(
+        u"m", false, ItemType_i4, u"", CWhitespaceUtils::WhitespaceRule_None, CPrimitiveRestrictions(), u"");
+    EXPECT_EQ(RoundTrip(schema, "<r/>"), QZ_PROCESS "Failed to find the required Attribute [m].");
+    CSmartPtr<CTableClass> const spUnset(new CTableClass(schema));
+    ExpectThrowsChain<CQzValidationException>([&] { spUnset->ToXml(); },
+        u"Failed to convert the element [r] to XML\nFailed to convert attributes to XML\nInvalid Type 0 to convert to "
+        u"string");
 }
 
 } // namespace

@@ -2,8 +2,6 @@
 #include "qzxmllib/document/XmlDocument.h"
 #include "tests/support/TestText.h"
 
-#include <gtest/gtest.h>
-
 using namespace QzXmlLib16;
 
 namespace

@@ -1,15 +1,9 @@
 #include "qzxmllib/binding/Element.h"
-#include "qzxmllib/document/TextStream.h"
-#include "qzxmllib/document/XmlTextWriter.h"
 #include "tests/support/AllForms.h"
-#include "tests/support/TableClass.h"
-#include "tests/support/TestText.h"
+#include "tests/support/BigStack.h"
+#include "tests/support/Listener.h"
 
 #include <algorithm>
-#include <functional>
-#include <gtest/gtest.h>
-#include <pthread.h>
-#include <thread>
 
 using namespace QzXmlLib16;
 using namespace QzXmlLib16Data;
@@ -27,24 +21,11 @@ public:
     using CElement::GetElementName;
 };
 
-std::string TextOf(CXmlObjectBase & object, bool formatted = false)
-{
-    return Utf8(object.ToXml(false, formatted));
-}
-
 CSmartPtr<CElement> Parsed(std::string const & strDocument)
 {
     CSmartPtr<CElement> spElement(new CElement(u"x"));
     spElement->FromXml(Wide(strDocument).c_str());
     return spElement;
-}
-
-/// The live count of a name in the instance report.
-int LiveCount(std::string const & strName)
-{
-    std::string const strReport = Utf8(CInstanceMonitor::DumpState());
-    std::size_t nAt = strReport.find(" " + strName + " = ");
-    return nAt == std::string::npos ? 0 : std::stoi(strReport.substr(nAt + strName.size() + 4));
 }
 
 struct TextRow
@@ -70,14 +51,14 @@ using OpenContentTextTest = testing::TestWithParam<TextRow>;
 TEST_P(OpenContentTextTest, IsReadWrittenAndCloned)
 {
     CSmartPtr<CElement> const spElement = Parsed(GetParam().pszDocument);
-    EXPECT_EQ(TextOf(*spElement), GetParam().pszExpected);
-    EXPECT_EQ(TextOf(*spElement->Clone()), GetParam().pszExpected);
+    EXPECT_EQ(XmlOf(*spElement), GetParam().pszExpected);
+    EXPECT_EQ(XmlOf(*spElement->Clone()), GetParam().pszExpected);
     CXmlDocument document;
     document.LoadXml(GetParam().pszDocument);
     CSmartPtr<COpenElement> const spCopy(new COpenElement(u"x"));
     spCopy->GetAttributes()->Add(u"gone");
     spCopy->CopyXmlElement(document.GetDocumentElement());
-    EXPECT_EQ(TextOf(*spCopy), GetParam().pszExpected);
+    EXPECT_EQ(XmlOf(*spCopy), GetParam().pszExpected);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, OpenContentTextTest, testing::ValuesIn(kTexts), CaseName);
@@ -108,13 +89,13 @@ TEST(CElementTest, BuildsByHand)
     spElement->GetChildElements()->AddBefore(spElement->GetChildElements()->Item(0), spOther);
     spElement->SetNamespace(u"urn:y");
     spElement->GetChildElements()->Add(u"g");
-    EXPECT_EQ(TextOf(*spElement),
+    EXPECT_EQ(XmlOf(*spElement),
         "<AA:a xmlns:AA=\"urn:y\" xmlns:AB=\"urn:x\" AB:b=\"1\" c=\"2\"><f/><AB:d>t</AB:d><AB:g/></AA:a>");
     ExpectThrows<CQzInvalidStateException>(
         [] { CElement(u"a").GetChildElements()->Add(u"b"); }, u"A Namespace has not been set for this Collection");
     CElement plain(u"a");
     plain.GetChildElements()->Add(u"b", u"");
-    EXPECT_EQ(TextOf(plain), "<a><b/></a>");
+    EXPECT_EQ(XmlOf(plain), "<a><b/></a>");
     COpenElement named(u"a");
     EXPECT_EQ(named.GetElementName(), u"a");
     named.SetName(u"b");
@@ -134,12 +115,12 @@ TEST(CElementTest, LeavesAloneWhatItsRestrictionRefuses)
     EXPECT_EQ(spElement->FromXml_Int(pRoot, pRoot, ctx, false), pRoot);
     EXPECT_EQ(spElement->FromXml_Int(pRoot, nullptr, ctx, false), nullptr);
     spElement->FromXml(u"<b xmlns='urn:y' c='1'><d/></b>");
-    EXPECT_EQ(TextOf(*spElement), "<AA:a xmlns:AA=\"urn:x\">t</AA:a>");
+    EXPECT_EQ(XmlOf(*spElement), "<AA:a xmlns:AA=\"urn:x\">t</AA:a>");
     // The base would hand over the first child of the root.
     spElement->FromXmlElement(pRoot);
     spElement->FromXml(u"<b xmlns='urn:x' c='1'><d/></b>");
     spElement->FromXml(u"<b xmlns='urn:x'><e xmlns=''/></b>");
-    EXPECT_EQ(TextOf(*spElement), "<AA:b xmlns:AA=\"urn:x\" c=\"1\"><AA:d/><e/></AA:b>") << "reading adds";
+    EXPECT_EQ(XmlOf(*spElement), "<AA:b xmlns:AA=\"urn:x\" c=\"1\"><AA:d/><e/></AA:b>") << "reading adds";
 }
 
 TEST(CElementTest, CloneStandsAlone)
@@ -148,8 +129,8 @@ TEST(CElementTest, CloneStandsAlone)
     CSmartPtr<CElement> const spClone = spElement->Clone();
     spClone->GetChildElements()->Item(0)->GetChildElements()->Clear();
     spClone->GetAttributes()->Item(0)->SetValue(u"2");
-    EXPECT_EQ(TextOf(*spElement), "<a b=\"1\"><c><d/></c></a>");
-    EXPECT_EQ(TextOf(*spClone), "<a b=\"2\"><c/></a>");
+    EXPECT_EQ(XmlOf(*spElement), "<a b=\"1\"><c><d/></c></a>");
+    EXPECT_EQ(XmlOf(*spClone), "<a b=\"2\"><c/></a>");
 }
 
 TEST(CElementTest, ChecksTheWholeTree)
@@ -174,10 +155,10 @@ TEST(CElementTest, WritesFragments)
     spFragment->GetAttributes()->Add(u"lost");
     CSmartPtr<CElement> const spRoot(new CElement(u"r"));
     spRoot->GetChildElements()->Add(spFragment);
-    EXPECT_EQ(TextOf(*spRoot), "<r><o xmlns=\"urn:o\"><i a=\"1\">t</i></o></r>");
-    EXPECT_EQ(TextOf(*spRoot, true), "<r>\n<o xmlns=\"urn:o\">\n\t<i a=\"1\">t</i>\n</o>\n\n</r>\n");
-    EXPECT_EQ(TextOf(*spFragment->Clone()), "<AA:o xmlns:AA=\"urn:o\" lost=\"\"><AA:i a=\"1\">t</AA:i></AA:o>");
-    EXPECT_EQ(TextOf(*CSmartPtr<CElement>(new CElement(spObject, nullptr))),
+    EXPECT_EQ(XmlOf(*spRoot), "<r><o xmlns=\"urn:o\"><i a=\"1\">t</i></o></r>");
+    EXPECT_EQ(Utf8(spRoot->ToXml(false, true)), "<r>\n<o xmlns=\"urn:o\">\n\t<i a=\"1\">t</i>\n</o>\n\n</r>\n");
+    EXPECT_EQ(XmlOf(*spFragment->Clone()), "<AA:o xmlns:AA=\"urn:o\" lost=\"\"><AA:i a=\"1\">t</AA:i></AA:o>");
+    EXPECT_EQ(XmlOf(*CSmartPtr<CElement>(new CElement(spObject, nullptr))),
         "<AA:o xmlns:AA=\"urn:o\"><AA:i a=\"1\">t</AA:i></AA:o>");
 }
 
@@ -230,10 +211,8 @@ TEST(CQzIteratorTest, WalksItemsInOrder)
 
 TEST(OpenContentTest, CountsInstancesAndLeaksNone)
 {
-    struct CRefusing : IEventSink
-    {
-        void OnEvent(CXmlObjectBase *, MsgType, void *) override { throw CQzException(u"no"); }
-    } refusing;
+    CListener refusing;
+    refusing.m_action = [] { throw CQzException(u"no"); };
     int const nElements = LiveCount("CElement");
     int const nAttributes = LiveCount("CAttribute");
     {
@@ -256,35 +235,9 @@ TEST(OpenContentTest, CountsInstancesAndLeaksNone)
 namespace
 {
 
-#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__clang__)
-constexpr std::size_t kStack = 8u << 20;
-#else
-constexpr std::size_t kStack = 256u << 20;
-#endif
-
-/// Runs the function on a thread with a stack of kStack octets.
-void OnStack(std::function<void()> run)
+std::string Nested(std::size_t nLevels)
 {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStack), 0);
-    pthread_t thread;
-    auto * const pfnStart = +[](void * pRun) -> void *
-    {
-        (*static_cast<std::function<void()> *>(pRun))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, pfnStart, &run), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
-
-std::string Nested(int nLevels)
-{
-    std::string strDocument;
-    for (int i = 0; i < 2 * nLevels; ++i)
-        strDocument += i < nLevels ? "<a>" : "</a>";
-    return strDocument;
+    return Repeated<std::string>("<a>", nLevels) + Repeated<std::string>("</a>", nLevels);
 }
 
 } // namespace
@@ -297,7 +250,7 @@ TEST(OpenContentDepthTest, LimitIsTenThousandLevels)
             std::string const strDocument = Nested(10000);
             CSmartPtr<CElement> const spElement = Parsed(strDocument);
             CSmartPtr<CElement> const spClone = spElement->Clone();
-            EXPECT_EQ(TextOf(*spClone).size(), strDocument.size() - 3);
+            EXPECT_EQ(XmlOf(*spClone).size(), strDocument.size() - 3);
             spClone->SetNamespaceRestrictions(u"##local", u"");
 
             CSmartPtr<CElement> const spDeeper(new CElement(u"a"));
@@ -315,14 +268,14 @@ TEST(OpenContentDepthTest, ReadingAndDestructionDoNotRecurse)
     CReadLimits limits;
     limits.nMaxDepth = 0;
     ctx.SetReadLimits(limits);
-    constexpr int kLevels = 300000;
+    constexpr std::size_t kLevels = 300000;
     CXmlDocument document(ctx);
     document.LoadXml(Nested(kLevels).c_str());
     int const nBefore = LiveCount("CElement");
     CSmartPtr<COpenElement> spElement(new COpenElement(u"x"));
     CXmlElement * const pRoot = document.GetDocumentElement();
     spElement->FromXml_Int(pRoot, pRoot, ctx, false);
-    EXPECT_EQ(LiveCount("CElement"), nBefore + kLevels);
+    EXPECT_EQ(LiveCount("CElement"), nBefore + static_cast<int>(kLevels));
     spElement = nullptr;
     EXPECT_EQ(LiveCount("CElement"), nBefore);
 }
@@ -336,41 +289,27 @@ constexpr auto kSeq = XmlElementGroupType_Sequence;
 constexpr auto kAll = XmlElementGroupType_All;
 constexpr auto kChoice = XmlElementGroupType_Choice;
 
-void NewElement(CTableClass & object)
-{
-    object[0].SetXmlObject(CSmartPtr<CXmlObjectBase>(new CElement(u"e", u"", u"##any", u"")));
-}
-
-void NewCollection(CTableClass & object)
-{
-    object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CElementCol(u"", u"##any", u"", 1, 1)));
-}
-
 template <class Entry>
-void Optional(CTableSchema & s)
-{
-    s.Element<Entry>(u"AnyElement", u"##local urn:x", u"");
-}
+constexpr auto Optional = [](CTableSchema & s) { s.Element<Entry>(u"AnyElement", u"##local urn:x", u""); };
 template <class Entry>
-void Named(CTableSchema & s)
-{
-    s.Element<Entry>(u"e", u"##any", u"");
-}
+constexpr auto Named = [](CTableSchema & s) { s.Element<Entry>(u"e", u"##any", u""); };
 template <class Entry>
-void Mandatory(CTableSchema & s)
+constexpr auto Mandatory = [](CTableSchema & s)
 {
     Named<Entry>(s);
-    s.OnInit(NewElement);
-}
-template <class Entry>
-void Collection(CTableSchema & s)
+    s.OnInit([](CTableClass & object) { object[0].SetXmlObject(new CElement(u"e", u"", u"##any", u"")); });
+};
+template <class Entry, bool bNamed = false>
+constexpr auto Collection = [](CTableSchema & s)
 {
-    s.Element<Entry>(u"AnyElement").OnInit(NewCollection);
-}
-template <class Entry>
-void NamedCollection(CTableSchema & s)
+    s.Element<Entry>(bNamed ? u"e" : u"AnyElement");
+    s.OnInit([](CTableClass & object) { object[0].SetXmlCollection(new CElementCol(u"", u"##any", u"", 1, 1)); });
+};
+
+/// Gives the first property a list of attributes after each Init.
+void NewAttributes(CTableClass & object)
 {
-    s.Element<Entry>(u"e").OnInit(NewCollection);
+    object[0].SetXmlCollection(new CAttributeCol(u"", u"##any", u""));
 }
 
 struct WildcardRow
@@ -383,16 +322,11 @@ struct WildcardRow
 
 using WildcardTest = testing::TestWithParam<WildcardRow>;
 
-#define QZ_PROCESS "Failed to process the element.\nPath: /r\n"
-#define QZ_LEFT_OVER(element)                                                                                          \
-    "Failed read all the elements held within the element [r]. The unexpected element [" element                       \
-    "] remains un processed\nPath: /r"
-
 WildcardRow const kWildcards[] = {
     {kSeq, Mandatory<CElementInfoSeqUntpdMnd>, "<r><e a='1'><x/></e></r>", "<r><e a=\"1\"><x/></e></r>"},
-    {kSeq, Mandatory<CElementInfoSeqUntpdMnd>, "<r/>", "Failed to find the required child element [e].\nPath: /r"},
+    {kSeq, Mandatory<CElementInfoSeqUntpdMnd>, "<r/>", QZ_REQUIRED("e")},
     {kSeq, Mandatory<CElementInfoSeqUntpdMnd>, "<r><f/></r>",
-        "Failed to find the required element from namespace [].\nPath: /r"},
+        "read: Failed to find the required element from namespace [].\nPath: /r"},
     {kSeq, Optional<CElementInfoSeqUntpdOpt>, "<r><f xmlns='urn:x'>1</f></r>",
         "<r><AA:f xmlns:AA=\"urn:x\">1</AA:f></r>"},
     {kSeq, Optional<CElementInfoSeqUntpdOpt>, "<r><f xmlns='urn:y'/></r>", QZ_LEFT_OVER("f")},
@@ -409,16 +343,11 @@ WildcardRow const kWildcards[] = {
         "<r><f xmlns='urn:t'/></r>", "<r><AA:f xmlns:AA=\"urn:t\"/></r>"},
     {kSeq, Collection<CElementInfoSeqUntpdCol>, "<r><a/><b xmlns='urn:x'/><a/></r>",
         "<r><a/><AA:b xmlns:AA=\"urn:x\"/><a/></r>"},
-    {kSeq, NamedCollection<CElementInfoSeqUntpdCol>, "<r><e/><e/><e xmlns='urn:x'/></r>", QZ_LEFT_OVER("e")},
-    {kSeq, NamedCollection<CElementInfoSeqUntpdCol>, "<r><e/><e>1</e></r>", "<r><e/><e>1</e></r>"},
-    {kSeq, NamedCollection<CElementInfoSeqUntpdCol>, "<r/>", "<r/>"},
-    {kSeq,
-        [](CTableSchema & s)
-        {
-            s.Element<CElementInfoSeqUntpdCol>(u"e").OnInit([](CTableClass & object)
-                { object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CAttributeCol(u"", u"", u""))); });
-        },
-        "<r/>", QZ_PROCESS "Serialization Data Error : The collection should be a CElementCol, it was not!"},
+    {kSeq, Collection<CElementInfoSeqUntpdCol, true>, "<r><e/><e/><e xmlns='urn:x'/></r>", QZ_LEFT_OVER("e")},
+    {kSeq, Collection<CElementInfoSeqUntpdCol, true>, "<r><e/><e>1</e></r>", "<r><e/><e>1</e></r>"},
+    {kSeq, Collection<CElementInfoSeqUntpdCol, true>, "<r/>", "<r/>"},
+    {kSeq, [](CTableSchema & s) { s.Element<CElementInfoSeqUntpdCol>(u"e").OnInit(NewAttributes); }, "<r/>",
+        QZ_PROCESS "Serialization Data Error : The collection should be a CElementCol, it was not!"},
     {kAll, [](CTableSchema & s) { Mandatory<CElementInfoAllUntpdMnd>(s), Optional<CElementInfoAllUntpdOpt>(s); },
         "<r><o/><e/></r>", "<r><e/><o/></r>"},
     {kAll, Mandatory<CElementInfoAllUntpdMnd>, "<r/>", QZ_PROCESS "Failed to find the mandatory element [e]."},
@@ -427,34 +356,25 @@ WildcardRow const kWildcards[] = {
     {kChoice, Optional<CElementInfoChoiceUntpdOpt>, "<r><f/></r>", "<r><f/></r>"},
     {kChoice, Optional<CElementInfoChoiceUntpdOpt>, "<r/>", "<r/>"},
     {kChoice, Collection<CElementInfoChoiceUntpdCol>, "<r><a/><b/></r>", "<r><a/><b/></r>"},
-    {kChoice, NamedCollection<CElementInfoChoiceUntpdCol>, "<r/>", "<r/>"}};
+    {kChoice, Collection<CElementInfoChoiceUntpdCol, true>, "<r/>", "<r/>"}};
 
 } // namespace
 
 TEST_P(WildcardTest, GivesTheSameOrFails)
 {
-    CTableSchema schema(GetParam().eGroup);
-    GetParam().pfnTables(schema);
-    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
-    std::string strResult;
-    try
-    {
-        spObject->FromXml(GetParam().pszDocument);
-        strResult = TextOf(*spObject);
-        CSerializationContext ctx;
-        ctx.GetNamespaceAliases().Add(u"x", u"urn:x");
-        ctx.GetNamespaceAliases().Add(u"y", u"urn:y");
-        ctx.GetNamespaceAliases().Add(u"t", u"urn:t");
-        bool const bForeign = strResult.find(" xmlns:") != std::string::npos;
-        ExpectSameInForms(
-            *spObject, [&] { return CSmartPtr<CTableClass>(new CTableClass(schema)); }, ctx,
-            bForeign ? kNoJson | kFormFullJson : kAllForms);
-    }
-    catch (CQzException const & e)
-    {
-        strResult = Utf8(e.GetFullMessage());
-    }
-    EXPECT_EQ(strResult, GetParam().pszExpected);
+    WildcardRow const & row = GetParam();
+    CTableSchema schema(row.eGroup);
+    row.pfnTables(schema);
+    std::string const strResult = RoundTrip(schema, row.pszDocument);
+    EXPECT_EQ(strResult, row.pszExpected);
+    if (strResult[0] != '<')
+        return;
+    CSerializationContext ctx;
+    ctx.GetNamespaceAliases().Add(u"x", u"urn:x");
+    ctx.GetNamespaceAliases().Add(u"y", u"urn:y");
+    ctx.GetNamespaceAliases().Add(u"t", u"urn:t");
+    bool const bForeign = strResult.find(" xmlns:") != std::string::npos;
+    EXPECT_EQ(RoundTrip(schema, row.pszDocument, ctx, bForeign ? kNoJson | kFormFullJson : kAllForms)[0], '<');
 }
 
 INSTANTIATE_TEST_SUITE_P(All, WildcardTest, testing::ValuesIn(kWildcards));
@@ -476,15 +396,13 @@ TEST(WildcardSetTest, AttributesOfTheListAreGathered)
 {
     CTableSchema schema;
     schema.Attribute<CAttributeInfoAny>(u"", false, u"##other", u"urn:t", u"");
-    schema.OnInit([](CTableClass & object)
-        { object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CAttributeCol(u"", u"##any", u""))); });
+    schema.OnInit(NewAttributes);
     CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
     spObject->FromXml("<r a='1' p:b='2' xmlns:p='urn:x'/>");
-    EXPECT_EQ(TextOf(*spObject), "<r a=\"1\" xmlns:AA=\"urn:x\" AA:b=\"2\"/>");
+    EXPECT_EQ(XmlOf(*spObject), "<r a=\"1\" xmlns:AA=\"urn:x\" AA:b=\"2\"/>");
     ExpectThrows<CQzException>(
         [&] { spObject->FromXml("<r p:b='2' xmlns:p='urn:t'/>"); }, u"Unexpected Attribute found.", u"/r/p:@b");
-    spObject->m_schema.get().OnInit([](CTableClass & object)
-        { object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CElementCol(u"", u"##any", u"", 0, -1))); });
+    schema.OnInit([](CTableClass & object) { object[0].SetXmlCollection(new CElementCol(u"", u"##any", u"", 0, -1)); });
     ExpectThrowsChain<CQzValidationException>([&] { spObject->FromXml("<r a='1'/>"); },
         u"Failed to process the element.\nPath: /r\nSerialization Data Error "
         u": The collection should be a CAttributeCol, it was not!");
@@ -501,12 +419,10 @@ TEST(RootAttributesTest, AreWrittenFirstAndSharedWithCopies)
     CTableSchema schema;
     schema.Attribute<CAttributeInfoAny>(u"", true, u"##any", u"", u"");
     schema.Element<CElementInfoSeqUntpdOpt>(u"AnyElement", u"##any", u"");
-    schema.OnInit([](CTableClass & object)
-        { object[0].SetXmlCollection(CSmartPtr<CXmlCollectionBase>(new CAttributeCol(u"", u"##any", u""))); });
+    schema.OnInit(NewAttributes);
     CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
     spObject->FromXml("<r own='3'><c/></r>");
-    EXPECT_EQ(Utf8(spObject->ToXml(false, false, EOLType_LF, ctx)),
-        "<r x=\"1\" xmlns:AA=\"urn:y\" AA:y=\"2\" z=\"\" own=\"3\"><c/></r>");
+    EXPECT_EQ(XmlOf(*spObject, ctx), "<r x=\"1\" xmlns:AA=\"urn:y\" AA:y=\"2\" z=\"\" own=\"3\"><c/></r>");
     EXPECT_EQ(before.GetAdditionalRootAttributes()->GetCount(), 0);
     ctx = before;
     EXPECT_EQ(ctx.GetAdditionalRootAttributes(), before.GetAdditionalRootAttributes());
@@ -514,7 +430,7 @@ TEST(RootAttributesTest, AreWrittenFirstAndSharedWithCopies)
     // Another object takes what an element of open content holds.
     CSmartPtr<CTableClass> const spOther(new CTableClass(schema));
     spOther->FromXmlElement(Parsed("<q a='1'><d/></q>").Get());
-    EXPECT_EQ(TextOf(*spOther), "<q a=\"1\"><d/></q>");
+    EXPECT_EQ(XmlOf(*spOther), "<q a=\"1\"><d/></q>");
     ExpectThrows<CQzException>(
         [&] { spOther->FromXmlElement(static_cast<CElement *>(nullptr)); }, u"Invalid or empty XML document");
 }

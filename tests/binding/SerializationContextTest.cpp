@@ -1,7 +1,6 @@
 #include "qzxmllib/binding/SerializationContext.h"
 #include "tests/support/TestText.h"
 
-#include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 

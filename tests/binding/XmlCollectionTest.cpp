@@ -1,8 +1,5 @@
 #include "tests/support/Listener.h"
 #include "tests/support/TableClass.h"
-#include "tests/support/TestText.h"
-
-#include <gtest/gtest.h>
 
 using namespace QzXmlLib16;
 

@@ -119,12 +119,7 @@ TEST(ExpatReaderTest, TakesInputInAnyPieces)
 TEST(ExpatReaderTest, BoundsTheDepth)
 {
     auto const nested = [](std::size_t nLevels)
-    {
-        std::string strXml;
-        for (std::size_t i = 0; i < 2 * nLevels; ++i)
-            strXml += i < nLevels ? "<a>\n" : "</a>";
-        return strXml;
-    };
+    { return Repeated<std::string>("<a>\n", nLevels) + Repeated<std::string>("</a>", nLevels); };
     CSerializationContext ctx;
     CXmlDocument doc(ctx);
     auto const load = [&doc](std::string const & strXml)

@@ -3,14 +3,12 @@
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/support/PlatformFileInternal.h"
 #include "tests/document/TreeText.h"
+#include "tests/support/TestFile.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <functional>
 #include <stdexcept>
-#include <unistd.h>
 
 using namespace QzXmlLib16;
 
@@ -27,18 +25,16 @@ protected:
     {
         AsyncFromXmlFile(false);
         SetPlatformFileCalls(nullptr);
-        ::unlink(m_strPath.c_str());
     }
 
     /// The tree of a file with that content, or the message of the failure.
     std::string LoadFile(CXmlDocument & doc, std::string const & strContent)
     {
-        std::ofstream(m_strPath, std::ios::binary) << strContent;
-        return TreeOrFailure(doc, [&] { doc.Load(m_strWidePath.c_str()); });
+        m_file.SetContent(strContent);
+        return TreeOrFailure(doc, [&] { doc.Load(m_file.Name()); });
     }
 
-    std::u16string const m_strWidePath = Wide(testing::TempDir() + std::to_string(::getpid())) + u"-\u00E4.xml";
-    std::string const m_strPath = Utf8(m_strWidePath);
+    CTestFile m_file;
 };
 
 /// A document of exactly that many octets.
@@ -96,15 +92,15 @@ TEST_P(XmlFileTest, NamesTheFileThatCannotBeOpened)
         [&] { doc.Load(pszLone); }, std::u16string(u"Failed to open the file [") + pszLone + u"] Error [0x00000054]");
     CPlatformFile writer;
     LoadFile(doc, "<a/>");
-    ASSERT_EQ(writer.CreateExclusive(m_strWidePath.c_str()), 0);
-    ExpectThrows<CQzException>([&] { doc.Load(m_strWidePath.c_str()); },
-        u"Failed to open the file [" + m_strWidePath + u"] Error [0x0000000b]");
+    ASSERT_EQ(writer.CreateExclusive(m_file.Name()), 0);
+    ExpectThrows<CQzException>(
+        [&] { doc.Load(m_file.Name()); }, u"Failed to open the file [" + m_file.m_strName + u"] Error [0x0000000b]");
 }
 
 TEST_P(XmlFileTest, ReportsEveryFailingRead)
 {
     std::string const strXml = Sized(3 * kChunk);
-    std::string const strFirst = "failed: Failed to read the contents of the file [" + m_strPath + "] Error [0x";
+    std::string const strFirst = "failed: Failed to read the contents of the file [" + m_file.m_strPath + "] Error [0x";
     std::string const strLater = "failed: Failed to read the contents of the file. Error [0x";
     for (bool const bShort : {false, true})
     {
@@ -350,13 +346,9 @@ TEST(XmlDocumentTest, CountsItsNodes)
 {
     auto const live = []
     {
-        std::string const strState = Utf8(CInstanceMonitor::DumpState());
         std::string strOut;
-        for (char const * pszName : {" CXmlElement = ", " CXmlAttribute = ", " CXmlDocument = ", " CExpatReader = "})
-        {
-            std::size_t const n = strState.find(pszName) + std::strlen(pszName);
-            strOut += strState.substr(n, strState.find('/', n) - n) + " ";
-        }
+        for (char const * pszName : {"CXmlElement", "CXmlAttribute", "CXmlDocument", "CExpatReader"})
+            strOut += std::to_string(LiveCount(pszName)) + " ";
         return strOut;
     };
     CXmlDocument doc(&DropNamedX);

@@ -172,7 +172,7 @@ TEST(FastInfosetReader, BoundsDepthAndNamedText)
     limits.nMaxAmplifiedUnits = 1000;
     ctx.SetReadLimits(limits);
     EXPECT_NO_THROW(load(nested(1000000)));
-    auto const eight = [](std::string const & s) { return s + s + s + s + s + s + s + s; };
+    auto const eight = [](std::string const & s) { return Repeated(s, 8); };
     std::string const strText = "'" + std::string(244, 't') + "'";
     std::string const strChunk = "3C 00'a' 92 F1" + strText;
     std::string const strName = "3D 40 B3" + strText + "00'a'";

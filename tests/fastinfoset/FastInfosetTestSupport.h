@@ -3,7 +3,6 @@
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "tests/document/TreeText.h"
-#include "tests/support/TestText.h"
 
 #include <string>
 #include <string_view>

@@ -109,10 +109,8 @@ TEST(JsonReaderToXmlHostileTest, NamesAndText)
 
 TEST(JsonReaderToXmlHostileTest, RepeatedNamesAreBounded)
 {
-    std::u16string strJson = u"{\"r\":{\"" + std::u16string(10000, u'n') + u"\":[1";
-    for (int n = 0; n < 2000; ++n)
-        strJson += u",1";
-    strJson += u"]}}";
+    std::u16string const strJson =
+        u"{\"r\":{\"" + std::u16string(10000, u'n') + u"\":[1" + Repeated<std::u16string>(u",1", 2000) + u"]}}";
     CSerializationContext ctx;
     EXPECT_GT(ConvertJsonToXml(strJson, ctx).GetLength(), 40000000u) << "small documents may grow";
     CReadLimits limits;

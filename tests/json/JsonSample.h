@@ -2,7 +2,6 @@
 
 #include "qzxmllib/json/JsonContext.h"
 #include "tests/support/TableClass.h"
-#include "tests/support/TestText.h"
 
 #include <string_view>
 

@@ -32,8 +32,14 @@ struct Calls
     Calls const & End() const { return writer.WriteEndElement(), *this; }
     Calls const & Leaf(char16_t const * pszName, char16_t const * pszText, char16_t const * pszUri = u"") const
     {
-        return Start(pszName, pszUri).Text(pszText).End();
+        return writer.WriteElementView(pszName, pszUri, pszText, kText), *this;
     }
+};
+
+/// Writes an element of text by its parts, as any derived class does.
+struct ByParts : CJsonTextWriter
+{
+    using CJsonTextWriter::CJsonTextWriter;
 };
 
 constexpr int kPlain = 0, kFormatted = 1, kStrict = 2, kCrlf = 3;
@@ -54,11 +60,11 @@ void PrintTo(Case const & row, std::ostream * pOut)
 
 using JsonTextWriterCaseTest = testing::TestWithParam<Case>;
 
-TEST_P(JsonTextWriterCaseTest, Json)
+template <class Writer>
+std::string Written(Case const & row)
 {
-    Case const & row = GetParam();
     CTextStream stream;
-    CJsonTextWriter writer(stream);
+    Writer writer(stream);
     writer.StartDocument();
     writer.SetFormat(row.nForm == kFormatted || row.nForm == kCrlf);
     writer.SetRoundTrip(row.eRoundTrip);
@@ -68,7 +74,13 @@ TEST_P(JsonTextWriterCaseTest, Json)
     row.pfnCalls({writer});
     writer.WriteDocumentEnd();
     writer.EndDocument();
-    EXPECT_EQ(Utf8(stream.GetText()), Utf8(row.strJson));
+    return Utf8(stream.GetText());
+}
+
+TEST_P(JsonTextWriterCaseTest, Json)
+{
+    EXPECT_EQ(Written<CJsonTextWriter>(GetParam()), Utf8(GetParam().strJson));
+    EXPECT_EQ(Written<ByParts>(GetParam()), Utf8(GetParam().strJson));
 }
 
 void Everything(Calls const & w)
@@ -78,7 +90,8 @@ void Everything(Calls const & w)
     w.Leaf(u"b", u"u").Array(3).Start(u"c", u"urn:p").Text(u"5", ItemType_i4).End().End();
 }
 
-constexpr auto OddText = [](Calls const & w) { w.Leaf(u"r", u"q\" b\\ s/ \b\t\f\n\r\x01\x1F\x7F\u00e9 and on"); };
+constexpr auto OddText = [](Calls const & w)
+{ w.Start(u"r").Leaf(u"\"", u"q\" b\\ s/ \b\t\f\n\r\x01\x1F\x7F\u00e9 and on").Leaf(u"e", u"ends here\\").End(); };
 
 void Numbers(Calls const & w)
 {
@@ -140,8 +153,12 @@ Case const kCases[] = {
         kFormatted},
     {"RootWithText", [](Calls const & w) { w.Leaf(u"r", u"x\ny"); }, Json("{\r\n\t'r': 'x\r\ny'\r\n}"), kCrlf},
     {"RootWithNothing", [](Calls const & w) { w.Start(u"r").End(); }, Json("{'r': null}")},
-    {"Escapes", OddText, u"{\"r\": \"q\\\" b\\\\ s/ \\b\\t\\f\n\\u0001\\u001F\x7F\u00e9 and on\"}"},
-    {"EscapesStrict", OddText, u"{\"r\": \"q\\\" b\\\\ s/ \\b\\t\\f\\n\\r\\u0001\\u001F\x7F\u00e9 and on\"}", kStrict},
+    {"Escapes", OddText,
+        u"{\"r\": {\"\"\": \"q\\\" b\\\\ s/ \\b\\t\\f\n\\u0001\\u001F\x7F\u00e9 and on\",\"e\": \"ends here\\\\\"}}"},
+    {"EscapesStrict", OddText,
+        u"{\"r\": {\"\\\"\": \"q\\\" b\\\\ s/ \\b\\t\\f\\n\\r\\u0001\\u001F\x7F\u00e9 and on\",\"e\": \"ends "
+        u"here\\\\\"}}",
+        kStrict},
     {"Numbers", Numbers,
         Json("{'r': {'@n': INF,'@n': 13.,'@n': -0,'@n': 01,'@n': +1,'@n': .5,'@n': 1e5,'@n': 1.5E-07,'@n': 1e,"
              "'@n': -,'@b': true,'@y': '2026','@s': '1'}}")},

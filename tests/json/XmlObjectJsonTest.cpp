@@ -1,19 +1,11 @@
 #include "tests/json/JsonSample.h"
-
-#include <cstdio>
-#include <fstream>
-#include <iterator>
+#include "tests/support/TestFile.h"
 
 using namespace QzXmlLib16;
 using JsonSample::Json;
 
 namespace
 {
-
-std::string Xml(CXmlObjectBase const & object)
-{
-    return Utf8(object.ToXml(false, false));
-}
 
 TEST(XmlObjectJsonTest, ThereAndBackAtEachLevel)
 {
@@ -28,41 +20,31 @@ TEST(XmlObjectJsonTest, ThereAndBackAtEachLevel)
             bPlain ? Json("{'r': {") + strElements + Json("'empty': null}}")
                    : Json("{'r': {'@id': -7,") + strElements +
                          Json("'line': [{'@k': 'x<y','#text': '13.'},null],'empty': null}}");
-        std::u16string const strJson = spObject->ToJson(false, EOLType_LF, ctx);
-        EXPECT_EQ(Utf8(strJson), Utf8(strExpected));
-        CSmartPtr<CTableClass> const spWide = JsonSample::New();
-        spWide->FromJson(strJson.c_str(), ctx);
-        EXPECT_EQ(Xml(*spWide), Xml(*spObject));
-        CSmartPtr<CTableClass> const spOctets = JsonSample::New();
-        spOctets->FromJsonStream(spObject->ToJsonStream(true, XmlEncoding_UTF8, EOLType_CRLF, ctx), ctx);
-        EXPECT_EQ(Xml(*spOctets), Xml(*spObject));
+        EXPECT_EQ(Utf8(spObject->ToJson(false, EOLType_LF, ctx)), Utf8(strExpected));
+        CSmartPtr<CTableClass> const spRead = JsonSample::New();
+        spRead->FromJson(strExpected.c_str(), ctx);
+        EXPECT_EQ(XmlOf(*spRead), XmlOf(*spObject));
     }
 }
 
 TEST(XmlObjectJsonTest, Files)
 {
-    std::u16string const strPath = Wide(testing::TempDir() + "QzJsonFileTest.json");
-    auto const content = [&]
-    {
-        std::ifstream file(Utf8(strPath), std::ios::binary);
-        return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "no file";
-    };
+    CTestFile const file;
     CSmartPtr<CTableClass> const spObject = JsonSample::Make(std::u16string(9000, u'\u00e9'), 2);
     auto const write = [&](XmlEncoding eEncoding, CompressionType eCompression)
     {
-        spObject->ToJsonFile(strPath.c_str(), true, eEncoding, EOLType_LF, CSerializationContext(), eCompression);
-        std::string const strStart = content().substr(0, 3);
+        spObject->ToJsonFile(file.Name(), true, eEncoding, EOLType_LF, CSerializationContext(), eCompression);
+        std::string const strStart = file.Content().substr(0, 3);
         CSmartPtr<CTableClass> const spRead = JsonSample::New();
         if (eEncoding != XmlEncoding_UTF8)
             return strStart; // JSON is read as UTF-8 only
-        spRead->FromJsonFile(strPath.c_str());
-        EXPECT_EQ(Xml(*spRead), Xml(*spObject));
+        spRead->FromJsonFile(file.Name());
+        EXPECT_EQ(XmlOf(*spRead), XmlOf(*spObject));
         return strStart;
     };
-    std::remove(Utf8(strPath).c_str());
     ExpectThrows<CQzException>([&] { write(XmlEncoding_UTF8, CompressionType_ZLib); },
         u"ZLIB Compression only available for To Stream methods.");
-    EXPECT_EQ(content(), "no file");
+    EXPECT_FALSE(file.Exists());
     for (bool const bAsync : {false, true})
     {
         AsyncToXmlFile(bAsync);
@@ -71,7 +53,6 @@ TEST(XmlObjectJsonTest, Files)
         EXPECT_EQ(write(XmlEncoding_UTF16, CompressionType_None), bAsync ? "\xFF\xFE{" : std::string("{\0\n", 3));
     }
     AsyncToXmlFile(false);
-    std::remove(Utf8(strPath).c_str());
 }
 
 TEST(XmlObjectJsonTest, NamespacesAreIgnoredOutsideFullRoundTrip)
@@ -119,11 +100,11 @@ TEST(XmlObjectJsonTest, MarkRootNameCommentsAndLineFeeds)
     CSerializationContext ctx;
     CSmartPtr<CTableClass> const spObject = JsonSample::New();
     spObject->FromJsonStream(Octets("\xEF\xBB\xBF{\"r\":{\"text\":\"t\"}}"), ctx);
-    EXPECT_EQ(Xml(*spObject), "<r><text>t</text></r>");
+    EXPECT_EQ(XmlOf(*spObject), "<r><text>t</text></r>");
     EXPECT_THROW(spObject->FromJson("\xEF\xBB\xBF{\"r\":{}}", ctx), CQzValidationException);
     ctx.GetJsonContext().SetRootElementName(u"r");
     spObject->FromJson("/* c */ {\"text\": \"u\"}", ctx);
-    EXPECT_EQ(Xml(*spObject), "<r><text>u</text></r>");
+    EXPECT_EQ(XmlOf(*spObject), "<r><text>u</text></r>");
     ctx.GetJsonContext().GetAllowComments(false);
     EXPECT_THROW(spObject->FromJson("/* c */ {}", ctx), CQzValidationException);
     ctx.GetJsonContext().SetRootElementName(u"");

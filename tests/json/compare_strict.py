@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compares strict JSON with the XML of the same object: compare_strict.py JQ JSON XML, or with "--run PROGRAM" in
-front, which writes the two files. Namespaces are left out."""
+"""Compares strict JSON with the XML of the same object: compare_strict.py JQ JSON XML, or with "--run PROGRAM
+[ARGUMENTS]" in front, which writes the two files. Namespaces are left out."""
 
 import json
 import subprocess
@@ -39,7 +39,7 @@ def of_xml(element, value):
 
 jq, json_file, xml_file = sys.argv[-3:]
 if sys.argv[1] == '--run':
-    subprocess.run([sys.argv[2], json_file, xml_file], check=True)
+    subprocess.run([*sys.argv[2:-3], json_file, xml_file], check=True)
 with open(json_file, encoding='utf-8', newline='') as stream:
     text = stream.read()
 echo = subprocess.run([jq, '.', json_file], check=True, capture_output=True).stdout

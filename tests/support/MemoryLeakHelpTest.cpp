@@ -15,17 +15,6 @@ using testing::HasSubstr;
 namespace
 {
 
-/// The line of a name in the report, without its line end.
-std::string LineOf(std::string const & strName)
-{
-    std::string const strState = Utf8(CInstanceMonitor::DumpState());
-    std::size_t const nName = strState.find(" " + strName + " = ");
-    if (nName == std::string::npos)
-        return {};
-    std::size_t const nFirst = strState.rfind('\n', nName) + 1;
-    return strState.substr(nFirst, strState.find('\n', nName) - nFirst);
-}
-
 class Monitored : public CInstanceMonitor
 {
 public:

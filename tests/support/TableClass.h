@@ -5,14 +5,19 @@
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/XmlDocument.h"
-#include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/QzVariant.h"
+#include "tests/support/TestText.h"
 
 #include <functional>
-#include <memory>
-#include <string>
 #include <utility>
 #include <vector>
+
+/// The object as XML without header and line ends.
+inline std::string XmlOf(QzXmlLib16::CXmlObjectBase const & object,
+    QzXmlLib16::CSerializationContext const & ctx = QzXmlLib16::CSerializationContext())
+{
+    return Utf8(object.ToXml(false, false, QzXmlLib16::EOLType_LF, ctx));
+}
 
 class CTableClass;
 

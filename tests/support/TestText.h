@@ -1,15 +1,14 @@
 #pragma once
 
+#include "qzxmllib/support/MemoryLeakHelp.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BinaryData.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <typeinfo>
-#include <vector>
 
 /// Wide text as UTF-8, for readable output. A lone surrogate comes out as <D800>.
 inline std::string Utf8(std::u16string_view text)
@@ -47,6 +46,16 @@ inline std::u16string Wide(std::string_view text)
     return std::u16string(text.begin(), text.end());
 }
 
+/// The text so many times over.
+template <class Text>
+Text Repeated(Text const & text, std::size_t nTimes)
+{
+    Text out;
+    while (nTimes-- > 0)
+        out += text;
+    return out;
+}
+
 /// The octets as "0A FF".
 inline std::string HexOf(unsigned char const * pOctets, std::size_t nOctets)
 {
@@ -77,14 +86,6 @@ inline QzXmlLib16::CBinaryData Octets(std::string_view text)
 {
     return QzXmlLib16::CBinaryData(
         reinterpret_cast<unsigned char const *>(text.data()), static_cast<std::uint32_t>(text.size()));
-}
-
-inline QzXmlLib16::CBinaryData Octets(std::initializer_list<unsigned> octets)
-{
-    std::vector<unsigned char> copy;
-    for (unsigned const n : octets)
-        copy.push_back(static_cast<unsigned char>(n));
-    return QzXmlLib16::CBinaryData(copy.data(), static_cast<std::uint32_t>(copy.size()));
 }
 
 /// The octets of "0A FF"; blanks may stand anywhere between two octets.
@@ -135,6 +136,38 @@ void ExpectThrowsChain(F && call, std::u16string_view fullMessage)
         return;
     }
     ADD_FAILURE() << "nothing was thrown; expected: " << Utf8(fullMessage);
+}
+
+/// The text that the call gives, or the whole message of the E that it throws.
+template <class E = QzXmlLib16::CQzException, class F>
+std::u16string ResultOf(F && call)
+{
+    try
+    {
+        return call();
+    }
+    catch (E const & e)
+    {
+        return e.GetFullMessage();
+    }
+}
+
+/// The line of a class in the report of instances, without its line end: "--> CName = 1/2".
+inline std::string LineOf(std::string const & strName)
+{
+    std::string const strReport = Utf8(CInstanceMonitor::DumpState());
+    std::size_t const nName = strReport.find(" " + strName + " = ");
+    if (nName == std::string::npos)
+        return {};
+    std::size_t const nFirst = strReport.rfind('\n', nName) + 1;
+    return strReport.substr(nFirst, strReport.find('\n', nName) - nFirst);
+}
+
+/// The number of live objects in that line.
+inline int LiveCount(std::string const & strName)
+{
+    std::string const strLine = LineOf(strName);
+    return strLine.empty() ? 0 : std::stoi(strLine.substr(strLine.find('=') + 1));
 }
 
 /// The name of a row as the name of its test: INSTANTIATE_TEST_SUITE_P(X, YTest, ValuesIn(kRows), CaseName).

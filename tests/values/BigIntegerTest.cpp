@@ -1,14 +1,11 @@
 #include "qzxmllib/values/BigInteger.h"
 
-#include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/Decimal.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/TestText.h"
 
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <string>
 
 using namespace QzXmlLib16;
 
@@ -23,14 +20,7 @@ struct IntegerText
 
 std::u16string Printed(std::function<CBigInteger()> const & fn)
 {
-    try
-    {
-        return fn().ToString();
-    }
-    catch (CQzInvalidValueException const & e)
-    {
-        return e.GetMessageW();
-    }
+    return ResultOf<CQzInvalidValueException>([&] { return fn().ToString(); });
 }
 
 std::u16string InvalidChar(char16_t const * pPosition, std::u16string const & strText)

@@ -2,7 +2,6 @@
 
 #include "tests/support/TestText.h"
 
-#include <gtest/gtest.h>
 #include <limits>
 
 using namespace QzXmlLib16;

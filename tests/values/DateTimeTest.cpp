@@ -3,7 +3,6 @@
 
 #include "tests/support/TestText.h"
 
-#include <gtest/gtest.h>
 #include <limits>
 #include <stdlib.h>
 #include <time.h>

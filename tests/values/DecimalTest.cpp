@@ -1,30 +1,14 @@
 #include "qzxmllib/values/Decimal.h"
 
-#include "qzxmllib/support/QzException.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/TestText.h"
 
 #include <cmath>
-#include <functional>
 #include <limits>
-#include <string>
 
 using namespace QzXmlLib16;
 
 namespace
 {
-
-std::u16string Result(std::function<std::u16string()> const & fn)
-{
-    try
-    {
-        return fn();
-    }
-    catch (CQzException const & e)
-    {
-        return e.GetMessageW();
-    }
-}
 
 // Sets the limit of decimal places for one test.
 class CPlacesScope
@@ -46,10 +30,7 @@ struct DecimalText
     std::u16string strResult; // printed form, "@" and the position that is refused, or "large"
 };
 
-std::u16string Zeros(std::size_t n)
-{
-    return std::u16string(n, u'0');
-}
+auto const Zeros = [](std::size_t n) { return std::u16string(n, u'0'); };
 
 DecimalText const kTexts[] = {{u"", u"0"}, {u"+-", u"0"}, {u"1E", u"1"}, {u".5", u"0.5"}, {u"1.50", u"1.5"},
     {u"-0.5", u"-0.5"}, {u"-0.0", u"0"}, {u"- 1\t2 . 5\n", u"-12.5"}, {u"1.5E2", u"150"}, {u"1.23456E3", u"1234.56"},
@@ -72,7 +53,7 @@ TEST_P(DecimalTextTest, GivesPrintedFormOrMessage)
     else if (strExpected[0] == u'@')
         strExpected = u"The string representing a Decimal, contained an invalid char at position " +
                       strExpected.substr(1) + u" [" + row.strText + u"].";
-    EXPECT_EQ(Result([&] { return CDecimal(std::u16string_view(row.strText)).ToString(); }), strExpected);
+    EXPECT_EQ(ResultOf([&] { return CDecimal(std::u16string_view(row.strText)).ToString(); }), strExpected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Decimal, DecimalTextTest, testing::ValuesIn(kTexts));
@@ -107,7 +88,7 @@ TEST(DecimalTest, ComputesExactly)
         auto const compute = [&] {
             return (row.op == '+' ? a += b : row.op == '-' ? a -= b : row.op == '*' ? a *= b : a /= b).ToString();
         };
-        EXPECT_EQ(Result(compute), row.strResult);
+        EXPECT_EQ(ResultOf(compute), row.strResult);
     }
     CDecimal counter(u"-0.5");
     EXPECT_EQ((counter++).ToString(), u"-0.5");
@@ -173,9 +154,9 @@ TEST(DecimalTest, ConvertsToNativeTypesOrOverflows)
 {
     std::u16string const strLong = u"The Decimal value if to large to fit into a LONG";
     auto ToLong = [](char16_t const * psz)
-    { return Result([&] { return CBigInteger(CDecimal(psz).ToLong()).ToString(); }); };
+    { return ResultOf([&] { return CBigInteger(CDecimal(psz).ToLong()).ToString(); }); };
     auto ToLongLong = [](char16_t const * psz)
-    { return Result([&] { return CBigInteger(CDecimal(psz).ToLongLong()).ToString(); }); };
+    { return ResultOf([&] { return CBigInteger(CDecimal(psz).ToLongLong()).ToString(); }); };
     EXPECT_EQ(ToLong(u"-2.5"), u"-2");
     EXPECT_EQ(ToLong(u"-2147483648.4"), u"-2147483648");
     EXPECT_EQ(ToLong(u"2147483647.6"), strLong);
@@ -187,7 +168,7 @@ TEST(DecimalTest, ConvertsToNativeTypesOrOverflows)
 
     EXPECT_EQ(CDecimal(u"-0.1").ToDouble(), -0.1);
     EXPECT_EQ(CDecimal(u"1.7E308").ToDouble(), 1.7e308);
-    EXPECT_EQ(Result([] { return CDecimal(CDecimal(u"-1.75E308").ToDouble()).ToString(); }),
+    EXPECT_EQ(ResultOf([] { return CDecimal(CDecimal(u"-1.75E308").ToDouble()).ToString(); }),
         u"The Decimal value if to large to fit into a Double");
     CPlacesScope scope(400);
     EXPECT_EQ(CDecimal(u"5E-324").ToDouble(), std::numeric_limits<double>::denorm_min());
@@ -199,7 +180,7 @@ TEST(DecimalTest, TakesThirteenPlacesOfADouble)
     EXPECT_EQ(CDecimal(0.1).ToString(), u"0.1");
     EXPECT_EQ(CDecimal(-1.0 / 3).ToString(), u"-0.3333333333333");
     EXPECT_EQ(CDecimal(std::numeric_limits<double>::max()).ToString().size(), 309U);
-    EXPECT_EQ(Result([] { return CDecimal(-HUGE_VAL).ToString(); }),
+    EXPECT_EQ(ResultOf([] { return CDecimal(-HUGE_VAL).ToString(); }),
         u"The string representing a Decimal, contained an invalid char at position 1 [-inf\n].");
 }
 

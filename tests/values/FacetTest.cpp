@@ -110,18 +110,7 @@ public:
         : Col(u"n", u"", 0, -1, u"", -1, -1, u"", u"", u"", u"", -1, -1, -1, CWhitespaceUtils::WhitespaceRule_None, u"")
     {
     }
-    bool Takes(char16_t const * text)
-    {
-        try
-        {
-            this->AddFromString(text);
-        }
-        catch (CQzException const &)
-        {
-            return false;
-        }
-        return true;
-    }
+    using Col::AddFromString;
     using Col::m_restrictions;
 };
 
@@ -129,31 +118,31 @@ TEST(FacetCheckTest, FacetsMayChangeAfterACheck)
 {
     COpenCol<Ci4Col> col;
     col.m_restrictions.m_maxInclusive = std::u16string(u"5");
-    EXPECT_FALSE(col.Takes(u"6"));
+    EXPECT_THROW(col.AddFromString(u"6"), CQzException);
     col.m_restrictions.m_maxInclusive = std::u16string(u"7");
-    EXPECT_TRUE(col.Takes(u"6"));
-    EXPECT_FALSE(col.Takes(u"8"));
+    EXPECT_NO_THROW(col.AddFromString(u"6"));
+    EXPECT_THROW(col.AddFromString(u"8"), CQzException);
     CPrimitiveRestrictions const copy = col.m_restrictions;
     col.m_restrictions.m_maxInclusive = std::u16string(u"5");
     col.m_restrictions = copy;
-    EXPECT_TRUE(col.Takes(u"7"));
-    EXPECT_FALSE(col.Takes(u"8"));
+    EXPECT_NO_THROW(col.AddFromString(u"7"));
+    EXPECT_THROW(col.AddFromString(u"8"), CQzException);
 
     COpenCol<CstringCol> text;
     text.m_restrictions.m_pattern = std::u16string(u"a");
-    EXPECT_TRUE(text.Takes(u"a"));
+    EXPECT_NO_THROW(text.AddFromString(u"a"));
     text.m_restrictions.m_pattern = std::u16string(u"b");
-    EXPECT_FALSE(text.Takes(u"a"));
+    EXPECT_THROW(text.AddFromString(u"a"), CQzException);
 
     // Bounds follow the limit of decimal places.
     COpenCol<CdecimalCol> decimal;
     decimal.m_restrictions.m_maxInclusive = std::u16string(u"1.26");
-    EXPECT_TRUE(decimal.Takes(u"1.25"));
+    EXPECT_NO_THROW(decimal.AddFromString(u"1.25"));
     int const nPlaces = CDecimal::GetMaxDecimalPlaces();
     CDecimal::SetMaxDecimalPlaces(1);
-    EXPECT_TRUE(decimal.Takes(u"1.3"));
+    EXPECT_NO_THROW(decimal.AddFromString(u"1.3"));
     CDecimal::SetMaxDecimalPlaces(nPlaces);
-    EXPECT_FALSE(decimal.Takes(u"1.3"));
+    EXPECT_THROW(decimal.AddFromString(u"1.3"), CQzException);
 }
 
 TEST(FacetCheckTest, ThreadsShareAnEntry)

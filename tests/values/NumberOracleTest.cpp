@@ -2,13 +2,11 @@
 
 #include "qzxmllib/values/BigInteger.h"
 #include "qzxmllib/values/Decimal.h"
-
-#include <gmpxx.h>
-#include <gtest/gtest.h>
+#include "tests/support/TestText.h"
 
 #include <algorithm>
+#include <gmpxx.h>
 #include <random>
-#include <string>
 
 using namespace QzXmlLib16;
 
@@ -17,14 +15,9 @@ namespace
 
 constexpr int kRounds = 50000;
 
-std::u16string Widen(std::string const & strText)
-{
-    return std::u16string(strText.begin(), strText.end());
-}
-
 std::u16string Text(mpz_class const & value)
 {
-    return Widen(value.get_str());
+    return Wide(value.get_str());
 }
 
 mpz_class Pow10(std::size_t n)
@@ -64,7 +57,7 @@ struct Scaled
             strText.resize(strText.size() - nPlaces);
         else
             strText.insert(strText.size() - nPlaces, ".");
-        return Widen((sgn(value) < 0 ? "-" : "") + strText);
+        return Wide((sgn(value) < 0 ? "-" : "") + strText);
     }
 };
 
@@ -97,7 +90,7 @@ TEST_F(NumberOracleTest, IntegersAgree)
     {
         std::string const strA = Integer(), strB = Integer();
         SCOPED_TRACE(strA + " and " + strB);
-        CBigInteger const a(Widen(strA)), b(Widen(strB));
+        CBigInteger const a(Wide(strA)), b(Wide(strB));
         mpz_class const za(strA, 10), zb(strB, 10);
         ASSERT_EQ(a.ToString(), Text(za));
         ASSERT_EQ((a + b).ToString(), Text(za + zb));
@@ -123,7 +116,7 @@ TEST_F(NumberOracleTest, DecimalsAgree)
         std::string const strA = Integer().substr(0, 30), strB = Integer().substr(0, 30);
         std::string const strFractionA = Digits(40), strFractionB = Digits(40);
         SCOPED_TRACE(strA + "." + strFractionA + " and " + strB + "." + strFractionB);
-        CDecimal const a(Widen(strA + "." + strFractionA)), b(Widen(strB + "." + strFractionB));
+        CDecimal const a(Wide(strA + "." + strFractionA)), b(Wide(strB + "." + strFractionB));
         Scaled const scaled = Scaled{mpz_class(strA + strFractionA, 10), strFractionA.size()}.Limited();
         Scaled const other = Scaled{mpz_class(strB + strFractionB, 10), strFractionB.size()}.Limited();
         mpz_class const za = scaled.value * Pow10(40 - scaled.nPlaces), zb = other.value * Pow10(40 - other.nPlaces);

@@ -5,7 +5,10 @@
 #include "qzxmllib/values/DateTime.h"
 #include "qzxmllib/values/DateTimeSpan.h"
 #include "qzxmllib/values/Decimal.h"
+#include "tests/support/SimpleTypes.h"
 #include "tests/support/TestText.h"
+
+#include <vector>
 
 using namespace QzXmlLib16;
 
@@ -48,28 +51,14 @@ TEST(QzVariantTest, NilWithoutAKindOutlivesClear)
 
 TEST(QzVariantTest, EveryKindHasANameItsOwnNilAndNoOtherGetter)
 {
-    static constexpr struct
-    {
-        ItemType eType;
-        char const * pszName;
-        char16_t const * pszText;
-    } kKinds[] = {{ItemType_hexBinary, "hexBinary", u"0A"}, {ItemType_base64Binary, "base64Binary", u"QQ=="},
-        {ItemType_i1, "i1", u"-1"}, {ItemType_i2, "i2", u"-2"}, {ItemType_i4, "i4", u"-4"}, {ItemType_i8, "i8", u"-8"},
-        {ItemType_ui1, "ui1", u"1"}, {ItemType_ui2, "ui2", u"2"}, {ItemType_ui4, "ui4", u"4"},
-        {ItemType_ui8, "ui8", u"8"}, {ItemType_r4, "r4", u"1.5"}, {ItemType_r8, "r8", u"2.5"},
-        {ItemType_duration, "duration", u"P1D"}, {ItemType_yearMonth, "yearMonth", u"2001-05"},
-        {ItemType_monthDay, "monthDay", u"--05-31"}, {ItemType_year, "year", u"2001"},
-        {ItemType_month, "month", u"--05"}, {ItemType_day, "day", u"---31"}, {ItemType_date, "date", u"2001-05-31"},
-        {ItemType_datetime, "datetime", u"2001-05-31T01:02:03"}, {ItemType_time, "time", u"01:02:03"},
-        {ItemType_char, "char", u"c"}, {ItemType_string, "string", u"some text that is longer than a short one"},
-        {ItemType_boolean, "boolean", u"true"}, {ItemType_decimal, "decimal", u"12.5"},
-        {ItemType_integer, "integer", u"123456789012345678901234567890"}};
+    std::vector<SimpleType> kinds(std::begin(SimpleTypes()), std::end(SimpleTypes()));
+    kinds.push_back({ItemType_char, u"char", u"c"});
     QzVariant reused;
-    for (auto const & kind : kKinds)
+    for (SimpleType const & kind : kinds)
     {
-        SCOPED_TRACE(kind.pszName);
+        SCOPED_TRACE(Utf8(kind.pszName));
         reused.FromString(kind.pszText, kind.eType, kNone);
-        EXPECT_EQ(Utf8(reused.GetType()), kind.pszName);
+        EXPECT_EQ(Utf8(reused.GetType()), Utf8(kind.pszName));
         QzVariant copy(reused);
         EXPECT_EQ(Utf8(copy.ToString()), Utf8(kind.pszText));
         QzVariant moved(std::move(copy));
@@ -183,17 +172,6 @@ TEST(QzVariantTest, AFormatCountsForFloatsAndDecimalsOnly)
     EXPECT_EQ(Utf8(value.ToString(u" +1x")), "12.6");
     EXPECT_EQ(Utf8(value.ToString(u"x")), "13.");
     EXPECT_EQ(Utf8(value.ToString(u"-99999999999")), "13.");
-}
-
-TEST(QzVariantTest, GettersHandOutCopies)
-{
-    QzVariant value;
-    value.SetBase64Binary(Octets("abc"));
-    CBinaryData data = value.GetBase64Binary();
-    data.Append(static_cast<unsigned char>('d'));
-    EXPECT_EQ(TextOf(value.GetBase64Binary()), "abc");
-    value.SetBase64Binary(value.GetBase64Binary());
-    EXPECT_EQ(Utf8(value.ToString()), "YWJj");
 }
 
 } // namespace
