@@ -1,6 +1,7 @@
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 
 #include <algorithm>
 #include <functional>
@@ -45,8 +46,8 @@ void ReturnXmlBlock(XmlBlock const & block) noexcept
 namespace
 {
 
-constexpr char16_t kXmlnsNamespace[] = u"http://www.w3.org/2000/xmlns/";
-constexpr char16_t const * kNamespaceAttributes[] = {
+constexpr std::u16string_view kXmlnsNamespace = u"http://www.w3.org/2000/xmlns/";
+constexpr std::u16string_view kNamespaceAttributes[] = {
     u"xmlns", u"type", u"schemaLocation", u"noNamespaceSchemaLocation"};
 
 constexpr std::size_t kFirstSlots = 64;
@@ -164,11 +165,11 @@ CXmlNameRecord const & CXmlNameTable::Add(
     record.strLocalName = std::move(strLocalName);
     record.strNamespaceURI = std::move(strNamespaceURI);
     record.pDocument = &m_doc;
-    if (record.strNamespaceURI == kXsiNamespace || record.strNamespaceURI == kXmlnsNamespace)
+    if (EqualText(record.strNamespaceURI, XsiNamespace()) || EqualText(record.strNamespaceURI, kXmlnsNamespace))
     {
         record.bNilAttribute = record.strLocalName == u"nil";
         record.bNamespaceAttribute = std::any_of(std::begin(kNamespaceAttributes), std::end(kNamespaceAttributes),
-            [&record](char16_t const * pszName) { return record.strLocalName == pszName; });
+            [&record](std::u16string_view name) { return record.strLocalName == name; });
     }
     Place(record, nHash);
     return record;
