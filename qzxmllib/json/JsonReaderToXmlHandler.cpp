@@ -81,7 +81,7 @@ void CJsonReaderToXmlHandler::Name(std::u16string const & strName)
     m_bInArray = false;
     // Few names make up a document, and what becomes of them stays the same.
     std::uint64_t nHash = strName.size() << 16 ^ strName.front();
-    nHash = nHash << 32 ^ strName[strName.size() / 2] << 16 ^ strName.back();
+    nHash = nHash << 32 ^ std::uint64_t(strName[strName.size() / 2]) << 16 ^ strName.back();
     KnownName & known = m_names[nHash * 0x9E3779B97F4A7C15u >> (64 - kNameBits)];
     if (!EqualText(known.strSource, strName))
         Learn(known, strName);
