@@ -23,6 +23,7 @@
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/binding/SharedText.h"
 #include "qzxmllib/binding/TreeMemory.h"
+#include "qzxmllib/binding/TreeText.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/binding/XmlObjectBase.h"

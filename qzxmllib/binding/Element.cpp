@@ -4,6 +4,7 @@
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlTextWriter.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
@@ -40,6 +41,11 @@ __attribute__((tls_model("initial-exec"))) thread_local CElementCol * t_pDoomed 
 std::u16string TextOrEmpty(char16_t const * pText)
 {
     return pText != nullptr ? std::u16string(pText) : std::u16string();
+}
+
+CTreeText CopyText(CXmlElement const & source)
+{
+    return CTreeText(source.GetTextLength(), [&source](char16_t * pOut) { source.CopyText(pOut); });
 }
 
 void RequireText(char16_t const * pText, char16_t const * pszMessage)
@@ -84,7 +90,7 @@ class CElement::CTreeReader
 public:
     /// Elements that are read: their collections get their namespace.
     explicit CTreeReader(CSharedText const & strTargetNamespace)
-        : m_bCollectionsTakeNamespace(true), m_strTargetNamespace(strTargetNamespace)
+        : m_bCollectionsTakeNamespace(true), m_targetNamespace(strTargetNamespace)
     {
     }
     /// Elements that are copied: their collections get none.
@@ -111,13 +117,13 @@ public:
                     return spRoot;
                 pAt = pAt->GetNextSiblingElement();
             }
-            CSmartPtr<CElement> const spElement(MakeElement(*pAt));
-            m_parents.back()->ChildElements().AppendItem(spElement);
+            CSmartPtr<CElement> spElement(MakeElement(*pAt));
             pElement = spElement;
+            m_parents.back()->ChildElements().TakeItem(std::move(spElement));
         }
     }
 
-    CSharedText const & NamespaceOf(CXmlName const & name)
+    CSharedText NamespaceOf(CXmlName const & name)
     {
         auto const nBits = reinterpret_cast<std::uintptr_t>(&name);
         Slot & slot = m_slots[((nBits >> 4) ^ (nBits >> 8)) % m_slots.size()];
@@ -125,9 +131,9 @@ public:
         {
             if (m_strLast.String() != name.strNamespaceURI)
                 m_strLast = CSharedText(name.strNamespaceURI);
-            slot = {&name, m_strLast};
+            slot = {&name, CSharedTextStock(m_strLast)};
         }
-        return slot.strNamespace;
+        return slot.namespaces.Copy();
     }
 
 private:
@@ -135,14 +141,13 @@ private:
     struct Slot
     {
         CXmlName const * pName = nullptr;
-        CSharedText strNamespace;
+        CSharedTextStock namespaces;
     };
 
     CSmartPtr<CElement> MakeElement(CXmlElement const & source)
     {
-        CSharedText const & strNamespace = NamespaceOf(*source.GetName());
-        CSmartPtr<CElement> spElement(
-            new CElement(source, strNamespace, m_strTargetNamespace, m_bCollectionsTakeNamespace));
+        CSmartPtr<CElement> spElement(new CElement(
+            source, NamespaceOf(*source.GetName()), m_targetNamespace.Copy(), m_bCollectionsTakeNamespace));
         for (CXmlAttribute const * pAttribute = source.GetFirstAttribute(); pAttribute != nullptr;
              pAttribute = pAttribute->GetNextAttribute())
         {
@@ -156,7 +161,7 @@ private:
 
     CTreeArena m_arena;
     bool m_bCollectionsTakeNamespace;
-    CSharedText m_strTargetNamespace;
+    CSharedTextStock m_targetNamespace;
     CSharedText m_strLast;
     std::array<Slot, 16> m_slots;
     std::vector<CElement *> m_parents;
@@ -199,7 +204,7 @@ CElement::CElement(CXmlObjectBase * pObject, char16_t const * defaultNamespace) 
 
 CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CSharedText strTargetNamespace,
     bool bCollectionsTakeNamespace)
-    : CInstanceMonitor(g_elementName), m_strText(source.CopyText()), m_strNamespace(std::move(strNamespace)),
+    : CInstanceMonitor(g_elementName), m_text(CopyText(source)), m_strNamespace(std::move(strNamespace)),
       m_strNamespaceRestriction(CSharedText::Any()), m_strTargetNamespace(std::move(strTargetNamespace)),
       m_bCollectionsTakeNamespace(bCollectionsTakeNamespace)
 {
@@ -207,7 +212,7 @@ CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CShared
 }
 
 CElement::CElement(CElement const * pOriginal)
-    : CXmlObjectBase(*pOriginal), CInstanceMonitor(g_elementName), m_strText(pOriginal->m_strText),
+    : CXmlObjectBase(*pOriginal), CInstanceMonitor(g_elementName), m_text(pOriginal->m_text),
       m_strNamespace(pOriginal->m_strNamespace), m_strNamespaceRestriction(pOriginal->m_strNamespaceRestriction),
       m_strTargetNamespace(pOriginal->m_strTargetNamespace),
       m_bCollectionsTakeNamespace(pOriginal->m_bCollectionsTakeNamespace)
@@ -268,7 +273,7 @@ void CElement::SetName(char16_t const * name)
 void CElement::SetText(char16_t const * text)
 {
     FireOnChangeText(text);
-    m_strText = TextOrEmpty(text);
+    m_text = CTreeText(OrEmpty(text));
 }
 
 void CElement::SetNamespace(char16_t const * namespaceUri)
@@ -292,7 +297,7 @@ void CElement::CopyXmlElement(CXmlElement * pSource)
     CElementCol & children = ChildElements();
     m_strElementName = pSource->GetLocalName();
     m_strNamespace = CSharedText(pSource->GetNamespaceURI());
-    m_strText = pSource->CopyText();
+    m_text = CopyText(*pSource);
     attributes.Clear();
     children.Clear();
     CTreeReader reader;
@@ -326,7 +331,7 @@ CXmlElement * CElement::FromXml_Int(CXmlElement *, CXmlElement * pChild, CSerial
     if (CXmlObjectBase::FromXml_Int(&ChildElements(), pChild, pChild->GetFirstElement(), ctx) != nullptr)
         throw CQzValidationException(
             FormatString(u"Invalid Element [%s] found.", pChild->GetLocalName()), pChild->GetXPath());
-    m_strText = pChild->CopyText();
+    m_text = CopyText(*pChild);
     m_strElementName = pChild->GetLocalName();
     m_strNamespace = CSharedText(pChild->GetNamespaceURI());
     return pChild->GetNextSiblingElement();
@@ -350,7 +355,7 @@ void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & 
     bool const bChildren = m_spChildElements != nullptr && m_spChildElements->GetCount() != 0;
     if (!bAttributes && !bChildren)
     {
-        pWriter->WriteElementView(m_strElementName, m_strNamespace.String(), m_strText, ItemType_string);
+        pWriter->WriteElementView(m_strElementName, m_strNamespace.String(), m_text.View(), ItemType_string);
         return;
     }
     pWriter->WriteStartElement(m_strElementName, m_strNamespace.String());
@@ -358,7 +363,7 @@ void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & 
         CXmlObjectBase::ToXml_Int(m_spAttributes, pWriter, false, u"", ctx, false);
     if (bChildren)
         CXmlObjectBase::ToXml_Int(m_spChildElements, pWriter, false, u"", ctx, false);
-    pWriter->WriteText(m_strText, ItemType_string);
+    pWriter->WriteTextView(m_text.View(), ItemType_string);
     pWriter->WriteEndElement();
 }
 
@@ -374,7 +379,7 @@ void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & 
     CSerializationContext ctx;
     ctx.SetDefaultNamespaceURI(m_strContentNamespace.String().c_str());
     CXmlObjectBase::ToXml_Int(&ChildElements(), &writer, false, u"", ctx, false);
-    writer.WriteText(m_strText, ItemType_string);
+    writer.WriteTextView(m_text.View(), ItemType_string);
     writer.WriteEndElement();
     stream.Flush();
     pWriter->CloseStartTag();
@@ -486,6 +491,7 @@ void CElementCol::Destroy(CSmartPtr<CElementCol> & spCollection) noexcept
         spCollection = nullptr;
         return;
     }
+    CTreeArena::Sweep const sweep;
     ++t_nDestructions;
     spCollection = nullptr;
     if (t_nDestructions == 1)

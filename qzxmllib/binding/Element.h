@@ -4,6 +4,7 @@
 #include "qzxmllib/binding/QzIterator.h"
 #include "qzxmllib/binding/SharedText.h"
 #include "qzxmllib/binding/TreeMemory.h"
+#include "qzxmllib/binding/TreeText.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/support/Forward.h"
 #include "qzxmllib/support/MemoryLeakHelp.h"
@@ -49,7 +50,7 @@ public:
 
     std::u16string const & GetName() const { return m_strElementName; }
     void SetName(char16_t const * name);
-    std::u16string const & GetText() const { return m_strText; }
+    std::u16string const & GetText() const { return m_text.String(); }
     void SetText(char16_t const * text);
     std::u16string GetNamespace() override { return m_strNamespace.String(); }
     /// Does not consult the restriction.
@@ -126,7 +127,7 @@ private:
     void TestNamespaces(std::u16string const & strRestriction, std::u16string const & strTarget);
 
     // The name lies in m_strElementName of the base.
-    std::u16string m_strText;
+    CTreeText m_text;
     CSharedText m_strNamespace;
     CSharedText m_strNamespaceRestriction;
     CSharedText m_strTargetNamespace;

@@ -42,6 +42,8 @@ public:
     static CSharedText Any() noexcept;
 
 private:
+    friend class CSharedTextStock;
+
     struct Body
     {
         std::u16string strText;
@@ -56,6 +58,49 @@ private:
     static std::u16string const & Empty() noexcept;
 
     Body * m_pBody; ///< null for the empty text
+};
+
+/// Gives many copies of one text, counted in advance. For one thread.
+class CSharedTextStock
+{
+public:
+    explicit CSharedTextStock(CSharedText text = CSharedText()) noexcept : m_text(std::move(text)) {}
+    CSharedTextStock(CSharedTextStock && other) noexcept
+        : m_text(std::move(other.m_text)), m_nLeft(std::exchange(other.m_nLeft, 0))
+    {
+    }
+    CSharedTextStock & operator=(CSharedTextStock other) noexcept
+    {
+        std::swap(m_text, other.m_text);
+        std::swap(m_nLeft, other.m_nLeft);
+        return *this;
+    }
+    ~CSharedTextStock()
+    {
+        // The text is still held here, so this is not the last count.
+        if (m_nLeft != 0)
+            m_text.m_pBody->nHolders.fetch_sub(m_nLeft, std::memory_order_acq_rel);
+    }
+
+    CSharedText Copy() noexcept
+    {
+        CSharedText::Body * const pBody = m_text.m_pBody;
+        if (pBody == nullptr || pBody->bPermanent)
+            return m_text;
+        if (m_nLeft == 0)
+        {
+            pBody->nHolders.fetch_add(kAtOnce, std::memory_order_relaxed);
+            m_nLeft = kAtOnce;
+        }
+        --m_nLeft;
+        return CSharedText(pBody);
+    }
+
+private:
+    static constexpr std::uint32_t kAtOnce = 256;
+
+    CSharedText m_text;
+    std::uint32_t m_nLeft = 0;
 };
 
 } // namespace QzXmlLib16

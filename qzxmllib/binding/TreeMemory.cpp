@@ -26,6 +26,24 @@ struct CTreeArena::Block
     }
 };
 
+/// Objects of one block that went and are still to be counted.
+struct CTreeArena::Swept
+{
+    Block * pBlock = nullptr;
+    std::int64_t nGone = 0;
+    int nSweeps = 0;
+
+    void Flush() noexcept
+    {
+        if (pBlock != nullptr)
+            std::exchange(pBlock, nullptr)->Count(-std::exchange(nGone, 0));
+    }
+
+    static thread_local Swept t_swept;
+};
+
+__attribute__((tls_model("initial-exec"))) thread_local CTreeArena::Swept CTreeArena::Swept::t_swept;
+
 namespace
 {
 
@@ -53,6 +71,17 @@ CTreeArena::Use::Use(CTreeArena & arena) noexcept : m_pOuter(std::exchange(t_pAr
 CTreeArena::Use::~Use()
 {
     t_pArena = m_pOuter;
+}
+
+CTreeArena::Sweep::Sweep() noexcept
+{
+    ++Swept::t_swept.nSweeps;
+}
+
+CTreeArena::Sweep::~Sweep()
+{
+    if (--Swept::t_swept.nSweeps == 0)
+        Swept::t_swept.Flush();
 }
 
 void * CTreeArena::Take(std::size_t nOctets)
@@ -105,10 +134,16 @@ void CTreeMemory::operator delete(void * p) noexcept
 {
     if (p == nullptr)
         return;
-    if (auto * const pBlock = static_cast<CTreeArena::Block *>(HeadOf(p)))
-        pBlock->Count(-1);
-    else
-        ::operator delete(static_cast<unsigned char *>(p) - kHeapHead);
+    auto * const pBlock = static_cast<CTreeArena::Block *>(HeadOf(p));
+    CTreeArena::Swept & swept = CTreeArena::Swept::t_swept;
+    if (pBlock == nullptr)
+        return ::operator delete(static_cast<unsigned char *>(p) - kHeapHead);
+    if (swept.nSweeps == 0)
+        return pBlock->Count(-1);
+    if (swept.pBlock != pBlock)
+        swept.Flush();
+    swept.pBlock = pBlock;
+    ++swept.nGone;
 }
 
 } // namespace QzXmlLib16

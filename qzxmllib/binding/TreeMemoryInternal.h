@@ -28,9 +28,20 @@ public:
         CTreeArena * m_pOuter;
     };
 
+    /// While one lives, objects that go on this thread are counted block by block and not one by one.
+    class Sweep
+    {
+    public:
+        Sweep() noexcept;
+        Sweep(Sweep const &) = delete;
+        Sweep & operator=(Sweep const &) = delete;
+        ~Sweep();
+    };
+
 private:
     friend class CTreeMemory;
     struct Block;
+    struct Swept;
 
     void * Take(std::size_t nOctets);
     void NewBlock();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace QzXmlLib16
 {
@@ -130,7 +131,16 @@ CXmlCollection::~CXmlCollection()
 {
     try
     {
-        CXmlCollection::Clear();
+        while (m_pHead != nullptr)
+        {
+            // What goes next is fetched while this item goes, and the link behind it.
+            if (CNode const * const pNext = m_pHead->m_pNext)
+            {
+                __builtin_prefetch(pNext->m_pNext, 1);
+                __builtin_prefetch(pNext->m_spItem.Get(), 1);
+            }
+            RemoveNode(m_pHead);
+        }
     }
     catch (...)
     {
@@ -152,13 +162,18 @@ void CXmlCollection::AttributesToXml_Int(CXmlWriter * pWriter, CSerializationCon
 }
 
 template <class F>
-void CXmlCollection::Insert(CXmlObjectBase * pItem, F const & findNext)
+void CXmlCollection::Insert(CSmartPtr<CXmlObjectBase> spItem, F const & findNext)
 {
-    // A listener may take and drop a count of the new item.
-    CSmartPtr<CXmlObjectBase> const spItem(pItem);
-    FireOnCollectionAdd(pItem);
+    // A listener may take and drop counts of the new item, so two are held while there are listeners.
+    bool const bListeners = !m_listeners.empty();
+    CXmlObjectBase * const pItem = spItem;
+    if (bListeners)
+        FireOnCollectionAdd(pItem);
     auto pNew = std::make_unique<CNode>();
-    pNew->m_spItem = pItem;
+    if (bListeners)
+        pNew->m_spItem = pItem;
+    else
+        pNew->m_spItem = std::move(spItem);
     CNode * const pNext = findNext();
     CNode * const pPrev = pNext != nullptr ? pNext->m_pPrev : m_pTail;
     pNew->m_pNext = pNext;
@@ -167,13 +182,20 @@ void CXmlCollection::Insert(CXmlObjectBase * pItem, F const & findNext)
     (pNext != nullptr ? pNext->m_pPrev : m_pTail) = pNew.get();
     pNew.release();
     ++m_nCount;
+    if (!bListeners)
+        return;
     FireOnCollectionAddComplete(pItem);
     FireOnCollectionChange();
 }
 
 void CXmlCollection::AppendItem(CXmlObjectBase * pItem)
 {
-    Insert(pItem, [] { return static_cast<CNode *>(nullptr); });
+    TakeItem(pItem);
+}
+
+void CXmlCollection::TakeItem(CSmartPtr<CXmlObjectBase> spItem)
+{
+    Insert(std::move(spItem), [] { return static_cast<CNode *>(nullptr); });
 }
 
 void CXmlCollection::PrependItem(CXmlObjectBase * pItem)
@@ -209,11 +231,14 @@ void CXmlCollection::AddItemAt(int nIndex, CXmlObjectBase * pItem)
 
 void CXmlCollection::RemoveNode(CNode * pNode)
 {
-    FireOnCollectionRemove(-1);
+    if (!m_listeners.empty())
+        FireOnCollectionRemove(-1);
     (pNode->m_pPrev != nullptr ? pNode->m_pPrev->m_pNext : m_pHead) = pNode->m_pNext;
     (pNode->m_pNext != nullptr ? pNode->m_pNext->m_pPrev : m_pTail) = pNode->m_pPrev;
     --m_nCount;
     delete pNode;
+    if (m_listeners.empty())
+        return;
     FireOnCollectionRemoveComplete(-1);
     FireOnCollectionChange();
 }

@@ -62,6 +62,8 @@ protected:
     std::u16string m_strNamespace;
 
 private:
+    friend class CXmlCollection;
+
     template <class F>
     void ForEachListener(F const & fire);
 
@@ -105,6 +107,8 @@ protected:
     void AttributesToXml_Int(CXmlWriter * pWriter, CSerializationContext const & ctx) const override;
 
     void AppendItem(CXmlObjectBase * pItem);
+    /// Takes over the count of the caller.
+    void TakeItem(CSmartPtr<CXmlObjectBase> spItem);
     void PrependItem(CXmlObjectBase * pItem);
     /// With a null pExisting the item becomes the first.
     void AddAfterItem(CXmlObjectBase const * pExisting, CXmlObjectBase * pItem);
@@ -125,7 +129,7 @@ protected:
 private:
     /// Adds pItem in front of what findNext gives when the add event has passed; null stands for the end.
     template <class F>
-    void Insert(CXmlObjectBase * pItem, F const & findNext);
+    void Insert(CSmartPtr<CXmlObjectBase> spItem, F const & findNext);
 };
 
 } // namespace QzXmlLib16

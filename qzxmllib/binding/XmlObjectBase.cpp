@@ -32,12 +32,20 @@ CXmlObjectBase::~CXmlObjectBase() = default;
 
 long CXmlObjectBase::AddRef()
 {
+    // Nobody else counts an object that nobody holds yet.
+    if (m_nRefCount.load(std::memory_order_relaxed) == 0)
+    {
+        m_nRefCount.store(1, std::memory_order_relaxed);
+        return 1;
+    }
     return m_nRefCount.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
 long CXmlObjectBase::Release()
 {
-    std::int32_t const nCount = m_nRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    // Whoever holds the only count shares it with nobody.
+    bool const bLast = m_nRefCount.load(std::memory_order_acquire) == 1;
+    std::int32_t const nCount = bLast ? 0 : m_nRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
     if (nCount == 0)
     {
         m_nRefCount.store(kCountInDestruction, std::memory_order_relaxed);

@@ -17,9 +17,10 @@ namespace
 
 constexpr char kSeparator = '|';
 
-/// The parser copies what it is given, so it gets large input in pieces. Behind every piece but the last it counts the
-/// lines, which input in one piece is spared.
-constexpr std::size_t kWholeOctets = 2 * 1024 * 1024;
+/// Behind every piece but the last the parser counts the lines, which input in one piece is spared. The copy that the
+/// parser makes of it is gone before objects are built from the tree; where elements are dropped as they come it would
+/// cost more than the tree. A longer piece than this may not fit the parser.
+constexpr std::size_t kWholeOctets = std::size_t(512) * 1024 * 1024;
 constexpr std::size_t kPieceOctets = 131072;
 
 std::u16string DecodeParserText(char const * pszText)
@@ -57,7 +58,8 @@ void CExpatReader::Init()
 
 void CExpatReader::Parse(unsigned char const * pOctets, std::size_t nOctets, bool bFinal)
 {
-    std::size_t const nMost = bFinal && nOctets <= kWholeOctets ? kWholeOctets : kPieceOctets;
+    bool const bWhole = bFinal && nOctets <= kWholeOctets && m_doc.m_pfnElementComplete == nullptr;
+    std::size_t const nMost = bWhole ? kWholeOctets : kPieceOctets;
     for (;;)
     {
         std::size_t const nPiece = nOctets < nMost ? nOctets : nMost;

@@ -61,11 +61,18 @@ public:
     /// The text as a string object, made at the first call.
     std::u16string & String();
     std::u16string Copy() const;
+    std::size_t Size() const { return m_bString ? m_pString->size() : m_nUnits; }
+    /// Writes Size() code units at pOut.
+    void CopyTo(char16_t * pOut) const;
 
 private:
     friend class CXmlDocument;
     friend class CXmlTree;
     friend class CXmlElement;
+
+    /// Calls take(std::u16string_view) with each piece of the text.
+    template <class F>
+    void ForEachPiece(F const & take) const;
 
     union
     {
@@ -140,6 +147,9 @@ public:
     std::u16string_view GetTextView() const { return m_text.View(); }
     /// A copy of the text, for those who keep it: nothing is made or joined in the document.
     std::u16string CopyText() const { return m_text.Copy(); }
+    /// The same for those who bring the room: GetTextLength() code units.
+    void CopyText(char16_t * pOut) const { m_text.CopyTo(pOut); }
+    std::size_t GetTextLength() const { return m_text.Size(); }
     CXmlName const * GetName() const { return m_pName; }
     CXmlDocument * GetDocument() const { return m_pName->pDocument; }
     /// Null for the root.

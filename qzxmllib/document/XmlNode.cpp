@@ -31,24 +31,31 @@ std::u16string & CXmlText::String()
     return *m_pString;
 }
 
-std::u16string CXmlText::Copy() const
+template <class F>
+void CXmlText::ForEachPiece(F const & take) const
 {
     if (m_bString)
-        return *m_pString;
-    std::u16string strText;
+        return take(std::u16string_view(*m_pString));
     if (!m_bRuns)
-    {
-        if (m_nUnits != 0)
-            strText.assign(m_pUnits, m_nUnits);
-        return strText;
-    }
-    strText.reserve(m_nUnits);
+        return take(std::u16string_view(m_pUnits, m_nUnits));
     for (XmlRun const * pRun = &m_pRuns->first; pRun != nullptr; pRun = pRun->pNext)
         for (std::uint32_t i = 0; i < pRun->nRepeat; ++i)
-            strText.append(pRun->pUnits, pRun->nUnits);
+            take(std::u16string_view(pRun->pUnits, pRun->nUnits));
     if (m_pRuns->bMatching)
-        strText.append(m_pRuns->pLast->pUnits, m_pRuns->nMatched);
+        take(std::u16string_view(m_pRuns->pLast->pUnits, m_pRuns->nMatched));
+}
+
+std::u16string CXmlText::Copy() const
+{
+    std::u16string strText;
+    strText.reserve(Size());
+    ForEachPiece([&strText](std::u16string_view piece) { strText.append(piece); });
     return strText;
+}
+
+void CXmlText::CopyTo(char16_t * pOut) const
+{
+    ForEachPiece([&pOut](std::u16string_view piece) { pOut += piece.copy(pOut, piece.size()); });
 }
 
 CXmlAttribute::CXmlAttribute(CXmlElement * pElement, CXmlName const & name)

@@ -2,6 +2,7 @@
 
 #include <cassert>
 #include <type_traits>
+#include <utility>
 
 namespace QzXmlLib16
 {
@@ -23,6 +24,10 @@ public:
     CSmartPtr(CSmartPtr<U> const & other) : m_p(other.Get())
     {
         AddRefIfSet();
+    }
+    template <class U, class = std::enable_if_t<!std::is_same_v<U, T> && std::is_convertible_v<U *, T *>>>
+    CSmartPtr(CSmartPtr<U> && other) noexcept : m_p(std::exchange(other.m_p, nullptr))
+    {
     }
     ~CSmartPtr()
     {
@@ -76,6 +81,9 @@ public:
     }
 
 private:
+    template <class U>
+    friend class CSmartPtr;
+
     void AddRefIfSet() const
     {
         if (m_p != nullptr)
