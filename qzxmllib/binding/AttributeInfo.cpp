@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/Attribute.h"
 #include "qzxmllib/binding/EnumTextInternal.h"
+#include "qzxmllib/binding/MatchNameInternal.h"
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/WriteScratchInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
@@ -30,9 +31,11 @@ CAttributeInfo::~CAttributeInfo() = default;
 
 bool CAttributeInfo::IsThisAttribute(CSerializationContext const & ctx, CXmlAttribute * pAttribute) const
 {
-    if (pAttribute == nullptr || !EqualText(pAttribute->GetLocalName(), m_strAttributeName))
+    if (pAttribute == nullptr)
         return false;
-    return ctx.GetIgnoreNamespaces() || EqualText(pAttribute->GetNamespaceURI(), m_strAttributeNamespace);
+    return ctx.GetIgnoreNamespaces()
+               ? EqualText(pAttribute->GetLocalName(), m_strAttributeName)
+               : MatchName(*pAttribute->GetName(), m_id, m_strAttributeName, m_strAttributeNamespace);
 }
 
 void CAttributeInfo::InvokePropertyGet(CXmlGeneratedClass * pClass, QzVariant & value) const
@@ -141,8 +144,7 @@ void CAttributeInfoPrimitive::AttributeToXml(
 bool CAttributeInfoPrimitive::AttributeFromXml(
     CSerializationContext const &, CXmlGeneratedClass * pClass, CXmlAttribute * pAttribute)
 {
-    if (!EqualText(pAttribute->GetLocalName(), m_strAttributeName) ||
-        !EqualText(pAttribute->GetNamespaceURI(), m_strAttributeNamespace))
+    if (!MatchName(*pAttribute->GetName(), m_id, m_strAttributeName, m_strAttributeNamespace))
         return false;
     QzVariant value;
     CVariantText::Assign(value, pAttribute->GetValueView(), m_eItemType, m_eWhitespaceRule);
@@ -185,7 +187,7 @@ bool CAttributeInfoEnum::AttributeFromXml(
     if (!IsThisAttribute(ctx, pAttribute))
         return false;
     QzVariant value;
-    value.SetI4(m_pfnEnumFromString(pAttribute->GetValue().c_str()));
+    value.SetI4(m_pfnEnumFromString(std::u16string(pAttribute->GetValueView()).c_str()));
     InvokePropertySet(pClass, value, *pAttribute);
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qzxmllib/binding/EntryId.h"
 #include "qzxmllib/binding/MetadataTypes.h"
 #include "qzxmllib/support/Export.h"
 #include "qzxmllib/values/Functions.h"
@@ -58,6 +59,7 @@ protected:
     std::u16string m_strAttributeName;
     std::u16string m_strAttributeNamespace;
     std::int32_t m_nPropertyIndex;
+    CEntryId m_id;
     bool m_bOptional;
     std::u16string m_strDefaultValue;
 };

@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/EnumTextInternal.h"
 #include "qzxmllib/binding/GeneratedClassInternal.h"
+#include "qzxmllib/binding/MatchNameInternal.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/binding/XmlGeneratedClass.h"
 #include "qzxmllib/document/WriteScratchInternal.h"
@@ -12,6 +13,8 @@
 #include "qzxmllib/values/FunctionsInternal.h"
 #include "qzxmllib/values/QzVariant.h"
 #include "qzxmllib/values/QzVariantInternal.h"
+
+#include <atomic>
 
 using namespace QzXmlLib16;
 
@@ -35,6 +38,12 @@ namespace
 
 } // namespace
 
+std::uint64_t CEntryId::Next() noexcept
+{
+    static std::atomic<std::uint64_t> s_nLast{0};
+    return s_nLast.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16string const & strName)
 {
     char16_t const * const pText = pfnToString(nValue);
@@ -43,14 +52,16 @@ char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16
     return pText;
 }
 
-CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex)
-    : m_strElementName(OrEmpty(name)), m_strElementNamespace(OrEmpty(namespaceUri)), m_nPropertyIndex(propertyIndex)
+CElementInfo::CElementInfo(
+    char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool takesNamespace)
+    : m_strElementName(OrEmpty(name)), m_strElementNamespace(OrEmpty(namespaceUri)), m_nPropertyIndex(propertyIndex),
+      m_bTakesNamespace(takesNamespace)
 {
 }
 
 CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
     EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue)
-    : CElementInfo(name, namespaceUri, propertyIndex)
+    : CElementInfo(name, namespaceUri, propertyIndex, false)
 {
     m_bNillable = nillable;
     m_pfnEnumToString = pfnToString;
@@ -61,7 +72,7 @@ CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri,
 CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
     ItemType eItemType, char16_t const * format, CWhitespaceUtils::WhitespaceRule eWhitespaceRule,
     CPrimitiveRestrictions const & restrictions, char16_t const * defaultValue)
-    : CElementInfo(name, namespaceUri, propertyIndex)
+    : CElementInfo(name, namespaceUri, propertyIndex, false)
 {
     m_bNillable = nillable;
     m_eItemType = eItemType;
@@ -100,9 +111,10 @@ CSmartPtr<CXmlObjectBase> CElementInfo::ObjectOf(QzVariant const & value)
 
 bool CElementInfo::IsThisElement(CSerializationContext const & ctx, CXmlElement const * pElement) const
 {
-    if (pElement == nullptr || !EqualText(pElement->GetLocalName(), m_strElementName))
+    if (pElement == nullptr)
         return false;
-    return ctx.GetIgnoreNamespaces() || EqualText(pElement->GetNamespaceURI(), m_strElementNamespace);
+    return ctx.GetIgnoreNamespaces() ? EqualText(pElement->GetLocalName(), m_strElementName)
+                                     : MatchName(*pElement->GetName(), m_id, m_strElementName, m_strElementNamespace);
 }
 
 void CElementInfo::InvokePropertyGet(CXmlGeneratedClass * pClass, QzVariant & value) const

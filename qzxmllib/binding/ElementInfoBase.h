@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qzxmllib/binding/EntryId.h"
 #include "qzxmllib/binding/MetadataTypes.h"
 #include "qzxmllib/support/Export.h"
 #include "qzxmllib/values/Functions.h"
@@ -79,7 +80,9 @@ protected:
     friend class QzXmlLib16::CXmlGeneratedClass;
 
     /// For class, wildcard and collection entries.
-    CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex);
+    /// With takesNamespace ElementFromXml is told the namespace of the class that reads; without, an empty one.
+    CElementInfo(
+        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool takesNamespace = true);
     /// For enumerations. A null default counts as empty.
     CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
         EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue);
@@ -194,6 +197,7 @@ protected:
     std::u16string m_strElementName;
     std::u16string m_strElementNamespace;
     std::int32_t m_nPropertyIndex;
+    CEntryId m_id;
     CPrimitiveRestrictions m_restrictions;
     ItemType m_eItemType = QzXmlLib16::ItemType_Invalid;
     std::u16string m_strFormatOverride;
@@ -203,6 +207,7 @@ protected:
     EnumToStringFunction m_pfnEnumToString = nullptr;
     EnumFromStringFunction m_pfnEnumFromString = nullptr;
     bool m_bIsPrimitive = false;
+    bool m_bTakesNamespace = false;
 
 private:
     /// The object or the collection that the property holds, by the scratch of the writer.

@@ -12,7 +12,7 @@ class QZXMLLIB_API CElementInfoSeqClsMnd : public CElementInfo
 public:
     CElementInfoSeqClsMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateObjectFunction pfnCreateObject, int classId, bool mustAppear)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateObject, classId},
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateObject, classId},
           m_bMustAppear(mustAppear)
     {
     }
@@ -34,7 +34,7 @@ class QZXMLLIB_API CElementInfoSeqClsOpt : public CElementInfo
 public:
     CElementInfoSeqClsOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateObjectFunction pfnCreateObject, int classId)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateObject, classId}
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateObject, classId}
     {
     }
     bool ElementToXml(
@@ -55,7 +55,7 @@ class QZXMLLIB_API CElementInfoAllClsMnd : public CElementInfo
 public:
     CElementInfoAllClsMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateObjectFunction pfnCreateObject, int classId, bool mustAppear)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateObject, classId},
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateObject, classId},
           m_bMustAppear(mustAppear)
     {
     }
@@ -79,7 +79,7 @@ class QZXMLLIB_API CElementInfoAllClsOpt : public CElementInfo
 public:
     CElementInfoAllClsOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateObjectFunction pfnCreateObject, int classId)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateObject, classId}
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateObject, classId}
     {
     }
     bool ElementToXml(
@@ -101,7 +101,7 @@ class QZXMLLIB_API CElementInfoChoiceClsOpt : public CElementInfo
 public:
     CElementInfoChoiceClsOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateObjectFunction pfnCreateObject, int classId)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateObject, classId}
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateObject, classId}
     {
     }
     bool ElementToXml(
@@ -121,7 +121,7 @@ class QZXMLLIB_API CElementInfoSeqAbsClsMnd : public CElementInfo
 public:
     CElementInfoSeqAbsClsMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateFromElementFunction pfnCreateFromElement)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateFromElement}
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateFromElement}
     {
     }
     bool ElementToXml(
@@ -141,7 +141,7 @@ class QZXMLLIB_API CElementInfoSeqAbsClsOpt : public CElementInfo
 public:
     CElementInfoSeqAbsClsOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateFromElementFunction pfnCreateFromElement)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateFromElement}
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateFromElement}
     {
     }
     bool ElementToXml(
@@ -161,7 +161,7 @@ class QZXMLLIB_API CElementInfoAllAbsClsMnd : public CElementInfo
 public:
     CElementInfoAllAbsClsMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateFromElementFunction pfnCreateFromElement, int unused)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateFromElement},
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateFromElement},
           m_nUnused(unused)
     {
     }
@@ -186,7 +186,7 @@ class QZXMLLIB_API CElementInfoAllAbsClsOpt : public CElementInfo
 public:
     CElementInfoAllAbsClsOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateFromElementFunction pfnCreateFromElement)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateFromElement}
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateFromElement}
     {
     }
     bool ElementToXml(
@@ -208,7 +208,7 @@ class QZXMLLIB_API CElementInfoChoiceAbsClsOpt : public CElementInfo
 public:
     CElementInfoChoiceAbsClsOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         XmlElementType eElementType, CreateFromElementFunction pfnCreateFromElement)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry{eElementType, pfnCreateFromElement}
+        : CElementInfo(name, namespaceUri, propertyIndex, false), m_entry{eElementType, pfnCreateFromElement}
     {
     }
     bool ElementToXml(

@@ -10,7 +10,7 @@ class QZXMLLIB_API CElementInfoSeqCol : public CElementInfo
 {
 public:
     CElementInfoSeqCol(char16_t const * name, char16_t const * namespaceUri, int propertyIndex)
-        : CElementInfo(name, namespaceUri, propertyIndex)
+        : CElementInfo(name, namespaceUri, propertyIndex, false)
     {
     }
     bool ElementToXml(
@@ -74,7 +74,7 @@ class QZXMLLIB_API CElementInfoAllCol : public CElementInfo
 {
 public:
     CElementInfoAllCol(char16_t const * name, char16_t const * namespaceUri, int propertyIndex)
-        : CElementInfo(name, namespaceUri, propertyIndex)
+        : CElementInfo(name, namespaceUri, propertyIndex, false)
     {
     }
     bool ElementToXml(
@@ -134,7 +134,7 @@ class QZXMLLIB_API CElementInfoChoiceCol : public CElementInfo
 {
 public:
     CElementInfoChoiceCol(char16_t const * name, char16_t const * namespaceUri, int propertyIndex)
-        : CElementInfo(name, namespaceUri, propertyIndex)
+        : CElementInfo(name, namespaceUri, propertyIndex, false)
     {
     }
     bool ElementToXml(

@@ -141,6 +141,27 @@ NilText ParseNilText(std::u16string_view text)
     return equals(u"false") || equals(u"0") ? NilText_False : NilText_Other;
 }
 
+/// The namespace of a class, for the entries that take it.
+class CXmlGeneratedClass::CClassNamespace
+{
+public:
+    explicit CClassNamespace(CXmlGeneratedClass & object) : m_object(object) {}
+    char16_t const * For(CElementInfo const & entry)
+    {
+        if (!entry.m_bTakesNamespace)
+            return u"";
+        if (!m_bKnown)
+            m_strNamespace = m_object.GetNamespace();
+        m_bKnown = true;
+        return m_strNamespace.c_str();
+    }
+
+private:
+    CXmlGeneratedClass & m_object;
+    bool m_bKnown = false;
+    std::u16string m_strNamespace;
+};
+
 CXmlGeneratedClass::CXmlGeneratedClass() = default;
 CXmlGeneratedClass::CXmlGeneratedClass(CXmlGeneratedClass const & other) = default;
 CXmlGeneratedClass & CXmlGeneratedClass::operator=(CXmlGeneratedClass const & other) = default;
@@ -443,7 +464,7 @@ CXmlElement * CXmlGeneratedClass::ProcessElementSeqFromXml(
     CSerializationContext const & ctx, CXmlElement * pElement, CXmlElement * pChild, XmlElementType eType)
 {
     CElementInfo ** const ppElements = GetClassElementInfo();
-    std::u16string const strNamespace = GetNamespace();
+    CClassNamespace classNamespace(*this);
     bool const bSkip = ctx.GetIgnoreUnknownElements();
     CXmlElement * pCurrent = pChild;
     std::size_t nResume = 0;
@@ -451,7 +472,7 @@ CXmlElement * CXmlGeneratedClass::ProcessElementSeqFromXml(
     {
         for (std::size_t i = nResume; ppElements[i] != nullptr; ++i)
         {
-            while (!ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, strNamespace.c_str(), eType))
+            while (!ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType))
             {
                 // The group as a whole did not match: the position goes back, what was read stays.
                 if (!bSkip || pCurrent == nullptr)
@@ -476,7 +497,7 @@ CXmlElement * CXmlGeneratedClass::ProcessElementAllFromXml(
 {
     CElementInfo ** const ppElements = GetClassElementInfo();
     std::size_t const nEntries = CountEntries(ppElements);
-    std::u16string const strNamespace = GetNamespace();
+    CClassNamespace classNamespace(*this);
     CFlagList found(nEntries);
     CXmlElement * pCurrent = pChild;
     CXmlElement const * pLast = nullptr;
@@ -485,7 +506,7 @@ CXmlElement * CXmlGeneratedClass::ProcessElementAllFromXml(
         pLast = pCurrent;
         for (std::size_t i = 0; i < nEntries; ++i)
             if (!found.Get(i) &&
-                ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, strNamespace.c_str(), eType))
+                ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType))
                 found.Set(i);
     }
     bool const bElement = eType == XmlElementType_Element;
@@ -501,7 +522,7 @@ CXmlElement * CXmlGeneratedClass::ProcessElementChoiceFromXml(CSerializationCont
     CXmlElement * pChild, XmlElementType eType, bool emptyChoiceAllowed)
 {
     CElementInfo ** const ppElements = GetClassElementInfo();
-    std::u16string const strNamespace = GetNamespace();
+    CClassNamespace classNamespace(*this);
     bool const bElement = eType == XmlElementType_Element;
     bool const bSkip = ctx.GetIgnoreUnknownElements();
     CXmlElement * pCurrent = pChild;
@@ -509,7 +530,7 @@ CXmlElement * CXmlGeneratedClass::ProcessElementChoiceFromXml(CSerializationCont
     for (;;)
     {
         for (std::size_t i = 0; ppElements[i] != nullptr && !bFound; ++i)
-            bFound = ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, strNamespace.c_str(), eType);
+            bFound = ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType);
         // Only a class with an element of its own hunts through its children for a match.
         if (bFound || !bSkip || !bElement || pCurrent == nullptr)
             break;

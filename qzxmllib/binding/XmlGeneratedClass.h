@@ -78,6 +78,8 @@ protected:
     static CQZCriticalSection m_csInit;
 
 private:
+    class CClassNamespace;
+
     int GetClassElementInfoCount() const;
     void WriteRootDeclarations(CXmlWriter * pWriter, CSerializationContext const & ctx) const;
     void WriteStartTag(

@@ -169,8 +169,8 @@ private:
     std::uint64_t m_nVersion = 0; ///< 0 for none
 };
 
-/// What a writer has made of names, kept by the thread for the next writer: documents of one kind follow each other.
-/// GetSize of Names tells how much there is.
+/// What a reader or writer has made of names, kept by the thread for the next one: documents of one kind follow each
+/// other. GetSize of Names tells how much there is.
 template <class Names>
 class CNameSpare
 {

@@ -33,6 +33,8 @@ struct CXmlName
     /// What CXmlAttribute::IsNamespaceAttribute and IsNilAttribute answer for attributes of this name.
     bool bNamespaceAttribute = false;
     bool bNilAttribute = false;
+    /// The metadata entry that has this very name and was matched with it last, or 0.
+    mutable std::uint64_t nEntry = 0;
 };
 
 struct XmlRuns;

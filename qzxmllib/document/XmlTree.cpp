@@ -123,9 +123,13 @@ void AppendOctets(std::string & strKey, void const * p, std::size_t nOctets)
 
 } // namespace
 
-CXmlNameTable::CXmlNameTable(CXmlDocument & doc)
-    : m_doc(doc), m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)), m_slots(kFirstSlots)
+CXmlNameTable::CXmlNameTable() : m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)), m_slots(kFirstSlots) {}
+
+void CXmlNameTable::SetDocument(CXmlDocument & doc) noexcept
 {
+    m_pDoc = &doc;
+    for (CXmlNameRecord & record : m_records)
+        record.pDocument = &doc;
 }
 
 CXmlNameRecord const & CXmlNameTable::AddFromParser(std::string_view strKey, std::uint64_t nHash)
@@ -164,7 +168,7 @@ CXmlNameRecord const & CXmlNameTable::Add(
     record.strKey = std::move(strKey);
     record.strLocalName = std::move(strLocalName);
     record.strNamespaceURI = std::move(strNamespaceURI);
-    record.pDocument = &m_doc;
+    record.pDocument = m_pDoc;
     if (EqualText(record.strNamespaceURI, XsiNamespace()) || EqualText(record.strNamespaceURI, kXmlnsNamespace))
     {
         record.bNilAttribute = record.strLocalName == u"nil";
@@ -189,6 +193,7 @@ CXmlTree::~CXmlTree()
     for (XmlBlock const & block : m_blocks)
         ReturnXmlBlock(block);
     ReturnXmlBlock(m_spare);
+    CNameSpare<CXmlNameTable>::GiveBack(std::move(m_spNames));
 }
 
 CXmlElement * CXmlTree::CreateElement(CXmlName const & name, CXmlElement * pParent)

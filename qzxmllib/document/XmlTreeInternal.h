@@ -1,11 +1,13 @@
 #pragma once
 
+#include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/BlockMemoryInternal.h"
 
 #include <cstdint>
 #include <cstring>
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,11 +52,11 @@ struct CXmlNameRecord : CXmlName
     mutable CXmlNameRecord const * pNext = nullptr;
 };
 
-/// The names of one document, each kept once.
+/// The names of one document, each kept once. Those of the document before may stand there as well.
 class CXmlNameTable
 {
 public:
-    explicit CXmlNameTable(CXmlDocument & doc);
+    CXmlNameTable();
     CXmlNameTable(CXmlNameTable const &) = delete;
     CXmlNameTable & operator=(CXmlNameTable const &) = delete;
 
@@ -81,6 +83,9 @@ public:
                    : Add(std::string(strRaw), nHash, std::u16string(namespaceURI), std::u16string(localName));
     }
     CXmlName const & FromText(std::u16string_view namespaceURI, std::u16string_view localName);
+    /// Makes all names those of the document.
+    void SetDocument(CXmlDocument & doc) noexcept;
+    std::size_t GetSize() const noexcept { return m_records.size(); }
 
 private:
     CXmlNameRecord const & FindFromParser(char const * pszRaw)
@@ -149,7 +154,7 @@ private:
         std::string strKey, std::uint64_t nHash, std::u16string strNamespaceURI, std::u16string strLocalName);
     void Place(CXmlNameRecord const & record, std::uint64_t nHash);
 
-    CXmlDocument & m_doc;
+    CXmlDocument * m_pDoc = nullptr;
     std::uint64_t m_nSeed;
     std::deque<CXmlNameRecord> m_records;
     std::vector<Slot> m_slots;
@@ -161,12 +166,15 @@ private:
 class CXmlTree
 {
 public:
-    explicit CXmlTree(CXmlDocument & doc) : m_names(doc) {}
+    explicit CXmlTree(CXmlDocument & doc) : m_spNames(CNameSpare<CXmlNameTable>::Take())
+    {
+        m_spNames->SetDocument(doc);
+    }
     CXmlTree(CXmlTree const &) = delete;
     CXmlTree & operator=(CXmlTree const &) = delete;
     ~CXmlTree();
 
-    CXmlNameTable & Names() { return m_names; }
+    CXmlNameTable & Names() { return *m_spNames; }
 
     /// A new element behind the last child of pParent, which is null for a root.
     CXmlElement * CreateElement(CXmlName const & name, CXmlElement * pParent);
@@ -268,7 +276,7 @@ private:
     bool MakeRoom(CXmlText & text, std::uint32_t nMore);
     void Rewind(void * p);
 
-    CXmlNameTable m_names;
+    std::unique_ptr<CXmlNameTable> m_spNames;
     std::vector<XmlBlock> m_blocks;
     std::size_t m_nHeld = 0;
     XmlBlock m_spare;

@@ -3,6 +3,9 @@
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace QzXmlLib16
 {
@@ -10,10 +13,36 @@ namespace QzXmlLib16
 namespace
 {
 
+/// Whether the text has no unit up to cLast.
+bool HasNoneUpTo(std::u16string_view text, char16_t cLast)
+{
+    char16_t const * const p = text.data();
+    std::size_t const n = text.size();
+#if defined(__SSE2__)
+    if (n >= 8)
+    {
+        // Eight at a time; the last eight may overlap those before. The difference stops at 0.
+        __m128i const last = _mm_set1_epi16(static_cast<short>(cLast));
+        __m128i found = _mm_setzero_si128();
+        for (std::size_t i = 0;; i += 8)
+        {
+            std::size_t const nAt = i + 8 < n ? i : n - 8;
+            __m128i const units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p + nAt));
+            found = _mm_or_si128(found, _mm_cmpeq_epi16(_mm_subs_epu16(units, last), _mm_setzero_si128()));
+            if (i + 8 >= n)
+                return _mm_movemask_epi8(found) == 0;
+        }
+    }
+#endif
+    return std::none_of(p, p + n, [cLast](char16_t c) { return c <= cLast; });
+}
+
 /// Exchanges each unit that bChanges selects for cNew; CR LF counts as one unit. Text is looked at if nothing changes.
 template <class F>
 std::u16string_view Exchange(std::u16string_view text, char16_t cNew, std::u16string & strScratch, F && bChanges)
 {
+    if (HasNoneUpTo(text, u'\r'))
+        return text;
     std::size_t nPos = 0;
     while (nPos < text.size() && !bChanges(text[nPos]))
         ++nPos;
@@ -54,6 +83,8 @@ bool HasRunInside(std::u16string_view text)
 
 std::u16string_view CollapseView(std::u16string_view text, std::u16string & strScratch)
 {
+    if (HasNoneUpTo(text, u' '))
+        return text;
     while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.front()))
         text.remove_prefix(1);
     while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.back()))
