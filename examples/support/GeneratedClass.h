@@ -281,8 +281,7 @@ protected:
     void ToXml_Int(QzXmlLib16::CXmlWriter * pWriter, bool, char16_t const * namespaceUri,
         QzXmlLib16::CSerializationContext const & ctx, bool) const override
     {
-        for (QzXmlLib16::CNode const * pNode = m_pHead; pNode != nullptr; pNode = pNode->m_pNext)
-            CXmlObjectBase::ToXml_Int(pNode->m_spItem, pWriter, false, namespaceUri, ctx, false);
+        ItemsToXml(pWriter, namespaceUri, ctx);
     }
 };
 

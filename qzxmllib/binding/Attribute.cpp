@@ -158,8 +158,7 @@ CSmartPtr<CAttributeCol> CAttributeCol::Clone() const
 void CAttributeCol::ToXml_Int(
     CXmlWriter * pWriter, bool, char16_t const * namespaceUri, CSerializationContext const & ctx, bool) const
 {
-    for (CNode const * pNode = m_pHead; pNode != nullptr; pNode = pNode->m_pNext)
-        CXmlObjectBase::ToXml_Int(pNode->m_spItem, pWriter, false, namespaceUri, ctx, false);
+    ItemsToXml(pWriter, namespaceUri, ctx);
 }
 
 CXmlElement * CAttributeCol::FromXml_Int(

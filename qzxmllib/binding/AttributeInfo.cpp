@@ -138,6 +138,7 @@ void CAttributeInfoPrimitive::AttributeToXml(
     if (IsDefaultLeftOut(ctx, text))
         return;
     CheckPrimitive(m_strAttributeName.c_str(), value, m_eItemType, m_restrictions);
+    lease.Lend(m_strAttributeName, m_id.Get());
     pWriter->WriteAttributeView(m_strAttributeName, m_strAttributeNamespace, text, value.GetTypeAsEnum());
 }
 
@@ -177,8 +178,10 @@ void CAttributeInfoEnum::AttributeToXml(
         throw CQzInvalidParamException(
             FormatString(u"The Property [%s] is mandatory, it may not be NULL", m_strAttributeName));
     std::u16string_view const text = EnumText(m_pfnEnumToString, value.GetI4(), m_strAttributeName);
-    if (!IsDefaultLeftOut(ctx, text))
-        pWriter->WriteAttributeView(m_strAttributeName, m_strAttributeNamespace, text, ItemType_string);
+    if (IsDefaultLeftOut(ctx, text))
+        return;
+    lease.Lend(m_strAttributeName, m_id.Get());
+    pWriter->WriteAttributeView(m_strAttributeName, m_strAttributeNamespace, text, ItemType_string);
 }
 
 bool CAttributeInfoEnum::AttributeFromXml(

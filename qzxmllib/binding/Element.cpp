@@ -553,8 +553,7 @@ void CElementCol::ToXml_Int(
     CXmlWriter * pWriter, bool, char16_t const * namespaceUri, CSerializationContext const & ctx, bool) const
 {
     ValidateCount(ctx);
-    for (CNode const * pNode = m_pHead; pNode != nullptr; pNode = pNode->m_pNext)
-        CXmlObjectBase::ToXml_Int(pNode->m_spItem, pWriter, false, namespaceUri, ctx, false);
+    ItemsToXml(pWriter, namespaceUri, ctx);
 }
 
 CXmlElement * CElementCol::FromXml_Int(CXmlElement *, CXmlElement * pChild, CSerializationContext const &, bool)

@@ -150,7 +150,7 @@ CSmartPtr<CXmlObjectBase> CElementInfo::ObjectToWrite(CXmlGeneratedClass const *
 {
     CWriteLease const lease(*pWriter);
     ReadProperty(pClass, lease.Value());
-    return ObjectOf(lease.Value());
+    return CVariantText::TakeObject(lease.Value());
 }
 
 CSmartPtr<CXmlCollectionBase> CElementInfo::CollectionToWrite(
@@ -209,6 +209,7 @@ bool CElementInfo::ElementToXmlPrim(
     // The check comes first, so that a refused value leaves no part of an element behind. A default is not checked.
     if (!bDefault)
         CheckRestriction(value);
+    lease.Lend(m_strElementName, m_id.Get());
     WriteValueElement(pWriter, text, value.GetTypeAsEnum(), !bDefault || ctx.GetWriteDefaultElementValues());
     return true;
 }
@@ -228,6 +229,7 @@ bool CElementInfo::ElementToXmlEnum(CSerializationContext const & ctx, CXmlGener
         return false;
     std::u16string_view const text = EnumText(pfnToString, value.GetI4(), m_strElementName);
     bool const bDefault = !m_strDefaultValue.empty() && text == m_strDefaultValue;
+    lease.Lend(m_strElementName, m_id.Get());
     WriteValueElement(pWriter, text, ItemType_string, !bDefault || ctx.GetWriteDefaultElementValues());
     return true;
 }
@@ -240,6 +242,7 @@ bool CElementInfo::ElementToXmlCls(CSerializationContext const & ctx, CXmlGenera
         return false;
     // The tag is the object's own name; this entry only brings the namespace.
     CXmlObjectBase const * const pObject = spObject;
+    CNamespaceLoan const loan(*pWriter, m_strElementNamespace);
     pObject->ToXml_Int(pWriter, false, m_strElementNamespace.c_str(), ctx, emptyChoiceAllowed);
     return true;
 }
@@ -252,6 +255,7 @@ bool CElementInfo::ElementToXmlCol(
         return false;
     pWriter->SetArrayState(1);
     CXmlObjectBase const * const pObject = spCollection->GetBase();
+    CNamespaceLoan const loan(*pWriter, m_strElementNamespace);
     pObject->ToXml_Int(pWriter, false, m_strElementNamespace.c_str(), ctx, false);
     pWriter->SetArrayState(3);
     return true;

@@ -4,11 +4,28 @@
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <utility>
 
 namespace QzXmlLib16
 {
+
+namespace
+{
+
+/// Fetches the item that comes next, or its beginning, and the link behind it, while the present item is at work.
+void FetchNext(CNode const & node)
+{
+    constexpr std::size_t kLine = 64;
+    constexpr std::size_t kFetched = 6 * kLine;
+    __builtin_prefetch(node.m_pNext);
+    auto const * const pItem = reinterpret_cast<char const *>(node.m_spItem.Get());
+    for (std::size_t n = 0; n < kFetched; n += kLine)
+        __builtin_prefetch(pItem + n);
+}
+
+} // namespace
 
 CXmlCollectionBase::CXmlCollectionBase() = default;
 
@@ -133,12 +150,8 @@ CXmlCollection::~CXmlCollection()
     {
         while (m_pHead != nullptr)
         {
-            // What goes next is fetched while this item goes, and the link behind it.
             if (CNode const * const pNext = m_pHead->m_pNext)
-            {
-                __builtin_prefetch(pNext->m_pNext, 1);
-                __builtin_prefetch(pNext->m_spItem.Get(), 1);
-            }
+                FetchNext(*pNext);
             RemoveNode(m_pHead);
         }
     }
@@ -159,6 +172,17 @@ void CXmlCollection::AttributesToXml_Int(CXmlWriter * pWriter, CSerializationCon
 {
     for (CNode const * pNode = m_pHead; pNode != nullptr; pNode = pNode->m_pNext)
         CXmlObjectBase::AttributesToXml_Int(pNode->m_spItem->GetBase(), pWriter, ctx);
+}
+
+void CXmlCollection::ItemsToXml(
+    CXmlWriter * pWriter, char16_t const * namespaceUri, CSerializationContext const & ctx) const
+{
+    for (CNode const * pNode = m_pHead; pNode != nullptr; pNode = pNode->m_pNext)
+    {
+        if (CNode const * const pNext = pNode->m_pNext)
+            FetchNext(*pNext);
+        CXmlObjectBase::ToXml_Int(pNode->m_spItem, pWriter, false, namespaceUri, ctx, false);
+    }
 }
 
 template <class F>

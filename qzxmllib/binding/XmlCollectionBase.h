@@ -105,6 +105,8 @@ protected:
     ~CXmlCollection() override;
 
     void AttributesToXml_Int(CXmlWriter * pWriter, CSerializationContext const & ctx) const override;
+    /// Writes the items in turn, each by its own ToXml_Int: what ToXml_Int of a collection of classes consists of.
+    void ItemsToXml(CXmlWriter * pWriter, char16_t const * namespaceUri, CSerializationContext const & ctx) const;
 
     void AppendItem(CXmlObjectBase * pItem);
     /// Takes over the count of the caller.

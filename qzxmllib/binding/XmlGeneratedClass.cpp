@@ -270,6 +270,11 @@ void CXmlGeneratedClass::WriteStartTag(
 {
     if (isRoot)
         WriteRootDeclarations(pWriter, ctx);
+    if (std::u16string const * const pLent = CNamespaceLoan::Find(*pWriter, namespaceUri))
+    {
+        pWriter->WriteStartElement(m_strElementName, *pLent);
+    }
+    else
     {
         CWriteLease const lease(*pWriter);
         pWriter->WriteStartElement(m_strElementName, lease.Text().assign(OrEmpty(namespaceUri)));

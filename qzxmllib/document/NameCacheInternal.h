@@ -32,6 +32,16 @@ public:
             return latest.pValue;
         return FindSlot(nVersion, name, uri, nHash, latest);
     }
+    /// What was kept for the name of the metadata entry with this number, as far as Number was told lately, or null.
+    Value * FindNumber(std::uint64_t nVersion, std::uint64_t nEntry) const noexcept
+    {
+        Numbered const & numbered = m_numbered[nEntry % m_numbered.size()];
+        return numbered.nEntry == nEntry && numbered.nVersion == nVersion ? numbered.pValue : nullptr;
+    }
+    void Number(std::uint64_t nVersion, std::uint64_t nEntry, Value & value) noexcept
+    {
+        m_numbered[nEntry % m_numbered.size()] = {nVersion, nEntry, &value};
+    }
     /// Keeps a name that is not there, and gives what is to be filled for it.
     Value & Keep(std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri)
     {
@@ -58,6 +68,7 @@ public:
     void Clear() noexcept
     {
         m_latest.fill({});
+        m_numbered.fill({});
         m_slots.clear();
         m_entries.clear();
     }
@@ -92,6 +103,13 @@ private:
         std::size_t nName = 0;
         std::u16string strKey; ///< name and URI
         Value value{};
+    };
+
+    struct Numbered
+    {
+        std::uint64_t nVersion = 0; ///< 0 for none
+        std::uint64_t nEntry = 0;
+        Value * pValue = nullptr;
     };
 
     /// By the hash of the name, which finds most names at once.
@@ -142,6 +160,7 @@ private:
     }
 
     std::array<Latest, 256> m_latest{};
+    std::array<Numbered, 128> m_numbered{};
     std::vector<Slot> m_slots; ///< at most half full
     std::deque<Entry> m_entries;
 };

@@ -59,6 +59,75 @@ inline char16_t * CopyLoose(char16_t * pOut, char16_t const * pIn, std::size_t n
     return pOut + nUnits;
 }
 
+/// As above, from ASCII kept as octets to octets, sixteen at a time.
+constexpr std::size_t kOctetSlack = 16;
+inline unsigned char * CopyLoose(unsigned char * pOut, char const * pIn, std::size_t nOctets) noexcept
+{
+    for (std::size_t nAt = 0; nAt < nOctets; nAt += kOctetSlack)
+        std::memcpy(pOut + nAt, pIn + nAt, kOctetSlack);
+    return pOut + nOctets;
+}
+
+/// Narrows a text of ASCII. False if there is something else in it or, with a Care, a code unit that is not written as
+/// it stands; what has been written is of no use then. It writes nothing behind the octets.
+template <class Care>
+bool NarrowPlain(unsigned char * pOut, std::u16string_view text) noexcept
+{
+    std::size_t const nUnits = text.size();
+#if defined(__SSE2__)
+    __m128i all = _mm_setzero_si128();
+    unsigned nCare = 0;
+    auto const look = [&](__m128i units)
+    {
+        all = _mm_or_si128(all, units);
+        nCare |= Care::Bits(units);
+        return _mm_packus_epi16(units, units);
+    };
+    auto const isPlain = [&]
+    {
+        __m128i const high = _mm_and_si128(all, _mm_set1_epi16(static_cast<short>(0xFF80)));
+        return nCare == 0 && _mm_movemask_epi8(_mm_cmpeq_epi16(high, _mm_setzero_si128())) == 0xFFFF;
+    };
+    auto const in = [&](std::size_t n) { return reinterpret_cast<__m128i const *>(text.data() + n); };
+    if (nUnits >= 8)
+    {
+        // The last step may overlap the one before it.
+        for (std::size_t nAt = 0;; nAt = std::min(nAt + 8, nUnits - 8))
+        {
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut + nAt), look(_mm_loadu_si128(in(nAt))));
+            if (nAt == nUnits - 8)
+                return isPlain();
+        }
+    }
+    if (nUnits >= 4)
+    {
+        __m128i const octets =
+            look(_mm_unpacklo_epi64(_mm_loadl_epi64(in(0)), _mm_loadl_epi64(in(nUnits - 4))));
+        int const nHead = _mm_cvtsi128_si32(octets);
+        int const nTail = _mm_cvtsi128_si32(_mm_srli_si128(octets, 4));
+        std::memcpy(pOut, &nHead, 4);
+        std::memcpy(pOut + nUnits - 4, &nTail, 4);
+        return isPlain();
+    }
+#endif
+    bool bPlain = true;
+    for (std::size_t nAt = 0; nAt < nUnits; ++nAt)
+    {
+        bPlain = bPlain && text[nAt] < 0x80 && !Care::Is(text[nAt]);
+        pOut[nAt] = static_cast<unsigned char>(text[nAt]);
+    }
+    return bPlain;
+}
+
+/// Nothing needs care.
+struct NoCare
+{
+    static bool Is(char16_t) noexcept { return false; }
+#if defined(__SSE2__)
+    static unsigned Bits(__m128i) noexcept { return 0; }
+#endif
+};
+
 /// Copies a value. False if a code unit of it is not written as it stands; the copy is of no use then.
 template <class Care>
 bool CopyPlain(char16_t * pOut, std::u16string_view text) noexcept

@@ -1,7 +1,7 @@
 #include "qzxmllib/document/TextStream.h"
 
 #include "qzxmllib/document/EncoderInternal.h"
-#include "qzxmllib/support/BlockMemoryInternal.h"
+#include "qzxmllib/document/OctetChainInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/support/Utf8Internal.h"
 #include "qzxmllib/values/BinaryData.h"
@@ -20,43 +20,8 @@ namespace
 /// A flush comes at 4096 code units or a little more, so blocks of this size make it find one block, which is reused.
 constexpr std::uint32_t kTextBlockSize = 8192;
 
-constexpr std::size_t kFirstOctetBlock = 32 * 1024;
-constexpr std::size_t kLargestUsualOctetBlock = 256 * 1024;
-/// From here on an output is large enough for blocks of large pages.
-constexpr std::size_t kLargeOutput = 4 * 1024 * 1024;
-constexpr std::size_t kLargeOctetBlock = 2 * 1024 * 1024;
-
 /// Code units encoded at a time, so that the room kept free behind a block stays small against it.
 constexpr std::size_t kEncodeUnits = 4096;
-
-/// An array whose octets a CBinaryData takes over.
-class CNewOctets
-{
-public:
-    explicit CNewOctets(std::size_t nOctets) : m_nOctets(nOctets)
-    {
-        if (nOctets > std::numeric_limits<std::uint32_t>::max())
-            throw CQzException(u"Binary data too large.");
-        if (nOctets != 0)
-        {
-            m_spOctets.reset(new unsigned char[nOctets]);
-            AdviseLargePages(m_spOctets.get(), nOctets);
-        }
-    }
-
-    unsigned char * Get() const noexcept { return m_spOctets.get(); }
-
-    CBinaryData Adopt()
-    {
-        CBinaryData data(m_spOctets.get(), m_nOctets, true);
-        m_spOctets.release();
-        return data;
-    }
-
-private:
-    std::unique_ptr<unsigned char[]> m_spOctets;
-    std::size_t m_nOctets;
-};
 
 /// The octets of UTF-16, low octet first, of the text up to its first code unit 0.
 CBinaryData EncodeUtf16(CStringBuffer const & buffer)
@@ -94,14 +59,11 @@ CTextStream::CTextStream(XmlEncoding eEncoding) : CTextStream(u"CTextStream", eE
 CTextStream::CTextStream(char16_t const * pszInstanceName, XmlEncoding eEncoding)
     : CInstanceMonitor(pszInstanceName), m_buffer(kTextBlockSize), m_eEncoding(eEncoding)
 {
+    if (eEncoding == XmlEncoding_UTF8)
+        m_spOctets = std::make_unique<COctetChain>();
 }
 
 CTextStream::~CTextStream() = default;
-
-void CTextStream::OctetDeleter::operator()(unsigned char * pBlock) const noexcept
-{
-    GiveBackBlock(pBlock, nOctets);
-}
 
 void CTextStream::Open()
 {
@@ -119,7 +81,7 @@ void CTextStream::Flush()
 
 unsigned long CTextStream::GetLength() const noexcept
 {
-    return static_cast<unsigned long>(m_nEncodedUnits + m_buffer.GetLength());
+    return static_cast<unsigned long>(EncodedUnits() + m_buffer.GetLength());
 }
 
 char16_t const * CTextStream::GetText()
@@ -181,18 +143,15 @@ char16_t CTextStream::HoldBackHighSurrogate()
 /// holds a code unit 0, stays as it is, and false is given: what to do with it is decided when it is asked for.
 bool CTextStream::EncodePending()
 {
-    std::size_t const nBlocksBefore = m_octetBlocks.size();
-    std::size_t const nUsedBefore = nBlocksBefore == 0 ? 0 : m_octetBlocks.back().nUsed;
-    std::size_t const nOctetsBefore = m_nOctets;
-    std::size_t const nUnits = m_buffer.GetLength();
+    COctetChain & octets = *m_spOctets;
+    COctetChain::Mark const before = octets.GetMark();
 
     char16_t cHigh = 0; // the first half of a pair, when the second lies in the next block or is still to come
     bool bGood = true;
-    auto const encode = [&](std::u16string_view text)
+    auto const encode = [&octets](std::u16string_view text)
     {
-        NarrowResult const result = NarrowUtf8(text.data(), text.size(), OctetRoom(text.size() * 3));
-        m_octetBlocks.back().nUsed += result.nOctets;
-        m_nOctets += result.nOctets;
+        NarrowResult const result = NarrowUtf8(text.data(), text.size(), octets.Room(text.size() * 3));
+        octets.Commit(result.nOctets, result.nUnits);
         return result.nUnits;
     };
     for (std::size_t nIndex = 0; bGood && nIndex < m_buffer.GetBlockCount(); ++nIndex)
@@ -224,50 +183,37 @@ bool CTextStream::EncodePending()
 
     if (!bGood)
     {
-        m_octetBlocks.resize(nBlocksBefore);
-        if (nBlocksBefore != 0)
-            m_octetBlocks.back().nUsed = nUsedBefore;
-        m_nOctets = nOctetsBefore;
+        octets.GoBack(before);
         return false;
     }
     m_buffer.Reset();
-    m_nEncodedUnits += nUnits;
     if (cHigh != 0)
-    {
         m_buffer.Append(cHigh);
-        --m_nEncodedUnits;
-    }
     return true;
 }
 
-unsigned char * CTextStream::OctetRoom(std::size_t nOctets)
+COctetChain * CTextStream::EncodeForOctets()
 {
-    if (m_octetBlocks.empty() || m_octetBlocks.back().nSize - m_octetBlocks.back().nUsed < nOctets)
-    {
-        std::size_t const nSize = m_octetBlocks.empty() ? kFirstOctetBlock
-                                  : m_nOctets >= kLargeOutput
-                                      ? kLargeOctetBlock
-                                      : std::min(m_octetBlocks.back().nSize * 2, kLargestUsualOctetBlock);
-        std::unique_ptr<unsigned char[], OctetDeleter> spOctets(
-            static_cast<unsigned char *>(TakeBlock(nSize)), OctetDeleter{nSize});
-        m_octetBlocks.push_back({std::move(spOctets), 0, nSize});
-    }
-    OctetBlock & block = m_octetBlocks.back();
-    return block.spOctets.get() + block.nUsed;
+    m_bStayWide = !EncodePending();
+    return m_buffer.GetLength() == 0 ? m_spOctets.get() : nullptr;
+}
+
+std::size_t CTextStream::EncodedUnits() const noexcept
+{
+    return m_spOctets != nullptr ? m_spOctets->GetUnits() : 0;
 }
 
 /// Turns what was encoded back into text in front of the buffer, for those who want the text of a stream of octets.
 void CTextStream::RestoreText()
 {
-    if (m_octetBlocks.empty())
+    if (m_spOctets == nullptr || m_spOctets->IsEmpty())
         return;
-    std::size_t const nUnits = m_nEncodedUnits + m_buffer.GetLength();
+    std::size_t const nUnits = EncodedUnits() + m_buffer.GetLength();
     if (nUnits > std::numeric_limits<std::uint32_t>::max())
         throw CQzException(u"Text too large.");
     CStringBuffer::CBlock spText = CStringBuffer::NewBlock(static_cast<std::uint32_t>(nUnits));
     char16_t * pTo = spText.get();
-    for (OctetBlock const & block : m_octetBlocks)
-        pTo += WidenUtf8(reinterpret_cast<char const *>(block.spOctets.get()), block.nUsed, pTo);
+    m_spOctets->ForEachBlock([&pTo](std::string_view block) { pTo += WidenUtf8(block.data(), block.size(), pTo); });
     for (std::size_t nIndex = 0; nIndex < m_buffer.GetBlockCount(); ++nIndex)
     {
         std::u16string_view const block = m_buffer.GetBlock(nIndex);
@@ -281,28 +227,17 @@ void CTextStream::RestoreText()
 
 void CTextStream::Drop() noexcept
 {
-    m_octetBlocks.clear();
-    m_nOctets = 0;
-    m_nEncodedUnits = 0;
+    if (m_spOctets != nullptr)
+        m_spOctets->Clear();
     m_bStayWide = false;
 }
 
 CBinaryData CTextStream::Join(bool bTake)
 {
-    if (m_octetBlocks.empty())
+    if (m_spOctets == nullptr || m_spOctets->IsEmpty())
         return EncodeBuffer(0);
     std::u16string_view const rest = UpToZero({m_buffer.GetText(), m_buffer.GetLength()});
-    CNewOctets octets(m_nOctets + CountUtf8(rest, m_nEncodedUnits));
-    unsigned char * pTo = octets.Get();
-    for (OctetBlock & block : m_octetBlocks)
-    {
-        std::memcpy(pTo, block.spOctets.get(), block.nUsed);
-        pTo += block.nUsed;
-        if (bTake)
-            block.spOctets.reset();
-    }
-    NarrowUtf8(rest.data(), rest.size(), pTo);
-    return octets.Adopt();
+    return bTake ? m_spOctets->Take(rest) : m_spOctets->Copy(rest);
 }
 
 } // namespace QzXmlLib16

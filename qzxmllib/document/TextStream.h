@@ -8,10 +8,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace QzXmlLib16
 {
+
+class COctetChain;
 
 /// Collects the text that a writer produces and gives it back as text or, by its encoding, as octets. Lives for one
 /// output on one thread. With XmlEncoding_UTF8 each full stretch is kept as octets only, so the wide text is never
@@ -43,6 +44,15 @@ public:
     char16_t * Room(std::size_t nUnits) noexcept { return m_buffer.Room(nUnits); }
     void Commit(std::size_t nUnits) noexcept { m_buffer.Commit(nUnits); }
 
+    /// Where a writer may put octets of UTF-8 behind all text so far instead of code units. Null if the stream is not for
+    /// octets, and while its text cannot be encoded.
+    COctetChain * GetOctets()
+    {
+        if (m_spOctets == nullptr || m_bStayWide)
+            return nullptr;
+        return m_buffer.GetLength() == 0 ? m_spOctets.get() : EncodeForOctets();
+    }
+
     /// Code units collected and not given to a file.
     unsigned long GetLength() const noexcept;
     XmlEncoding GetEncoding() const noexcept { return m_eEncoding; }
@@ -72,27 +82,14 @@ protected:
     XmlEncoding m_eEncoding;
 
 private:
-    struct OctetDeleter
-    {
-        std::size_t nOctets;
-        void operator()(unsigned char * pBlock) const noexcept;
-    };
-    struct OctetBlock
-    {
-        std::unique_ptr<unsigned char[], OctetDeleter> spOctets;
-        std::size_t nUsed;
-        std::size_t nSize;
-    };
-
     bool EncodePending();
-    unsigned char * OctetRoom(std::size_t nOctets);
+    COctetChain * EncodeForOctets();
+    std::size_t EncodedUnits() const noexcept;
     void RestoreText();
     void Drop() noexcept;
     CBinaryData Join(bool bTake);
 
-    std::vector<OctetBlock> m_octetBlocks;
-    std::size_t m_nOctets = 0;
-    std::size_t m_nEncodedUnits = 0;
+    std::unique_ptr<COctetChain> m_spOctets; ///< null unless the encoding is UTF-8
     bool m_bStayWide = false;
 };
 

@@ -3,13 +3,16 @@
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
+#include "qzxmllib/document/OctetChainInternal.h"
 #include "qzxmllib/document/TextCopyInternal.h"
 #include "qzxmllib/document/TextStream.h"
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
+#include <type_traits>
 #include <typeinfo>
 #include <utility>
 
@@ -99,6 +102,28 @@ private:
     char16_t * m_pAt;
 };
 
+/// The same into room for octets. Only ASCII can be written.
+class COctetWriter
+{
+public:
+    explicit COctetWriter(unsigned char * pRoom) noexcept : m_pRoom(pRoom), m_pAt(pRoom) {}
+
+    void Put(char16_t c) noexcept { *m_pAt++ = static_cast<unsigned char>(c); }
+    void Put(std::u16string_view text) noexcept
+    {
+        m_bGood = NarrowPlain<NoCare>(m_pAt, text) && m_bGood;
+        m_pAt += text.size();
+    }
+    std::size_t GetLength() const noexcept { return static_cast<std::size_t>(m_pAt - m_pRoom); }
+    /// False if there was something else than ASCII; nothing is to be kept then.
+    bool IsGood() const noexcept { return m_bGood; }
+
+private:
+    unsigned char * m_pRoom;
+    unsigned char * m_pAt;
+    bool m_bGood = true;
+};
+
 /// Writes pieces into a stream, whatever room its block has.
 class CStreamWriter
 {
@@ -112,34 +137,44 @@ private:
     CTextStream & m_stream;
 };
 
-/// Lets write put at most nMax code units, straight into the block if they fit.
-template <class Write>
-void PutPieces(CTextStream & stream, std::size_t nMax, Write && write)
+constexpr std::size_t kNoText = std::u16string_view::npos;
+
+/// The octets of a text in UTF-8, or kNoText if something in it is not written as it stands or cannot be encoded.
+template <class Care>
+[[gnu::noinline]] std::size_t NarrowUnlessCare(unsigned char * pOut, std::u16string_view text)
 {
-    if (char16_t * const pRoom = stream.Room(nMax))
-    {
-        CRoomWriter to(pRoom);
-        write(to);
-        stream.Commit(to.GetLength());
-    }
-    else
-    {
-        CStreamWriter to(stream);
-        write(to);
-    }
+    if (FindCare<Care>(text.data(), text.size()) != text.size())
+        return kNoText;
+    NarrowResult const result = NarrowUtf8(text.data(), text.size(), pOut);
+    return result.nUnits == text.size() ? result.nOctets : kNoText;
 }
 
 } // namespace
 
+struct CXmlTextWriter::TwinText
+{
+    std::u16string strWide;
+    std::string strOctets; ///< as long as strWide, or empty if that is not all ASCII
+
+    /// Fills both up so that CopyLoose may run over their end, and makes the octets.
+    void Finish()
+    {
+        strWide.append(std::max(kSlack, kOctetSlack), u' ');
+        strOctets.resize(strWide.size());
+        if (!NarrowPlain<NoCare>(reinterpret_cast<unsigned char *>(&strOctets[0]), strWide))
+            strOctets.clear();
+    }
+};
+
 struct CXmlTextWriter::TagText
 {
-    /// Start tag, end tag, the line end if the output is formatted, and kSlack code units.
-    std::u16string strTags;
+    /// Start tag, end tag, and the line end if the output is formatted.
+    TwinText tags;
     std::uint32_t nStartTag = 0;
     std::uint32_t nEndTag = 0;
     std::uint32_t nAlias = 0;
 
-    std::u16string_view GetAlias() const { return {strTags.data() + 1, nAlias}; }
+    std::u16string_view GetAlias() const { return {tags.strWide.data() + 1, nAlias}; }
 };
 
 /// Kept by CNameSpare.
@@ -148,22 +183,91 @@ struct CXmlTextWriter::NameCaches
     std::size_t GetSize() const noexcept { return std::max(elements.GetSize(), attributes.GetSize()); }
 
     CNameCache<TagText> elements;
-    /// The beginning of an attribute up to the quote in front of its value, and kSlack code units.
-    CNameCache<std::u16string> attributes;
+    /// The beginning of an attribute up to the quote in front of its value.
+    CNameCache<TwinText> attributes;
     /// What the tags end with.
     std::u16string strTagEnd;
+    /// Levels of indentation by this text each.
+    std::unique_ptr<TwinText> spIndentRun;
+    std::u16string strIndentChars;
     CKnownDeclarations declarations;
 };
+
+namespace
+{
+
+/// Where elements and attributes go that are written in one piece: code units.
+class CWideOut
+{
+public:
+    explicit CWideOut(CTextStream & stream) noexcept : m_stream(stream) {}
+
+    /// Null if there is not enough room in one piece.
+    char16_t * Room(std::size_t nFixed, std::size_t nText) { return m_stream.Room(nFixed + nText + kSlack); }
+    template <class Twin>
+    static char16_t const * Of(Twin const & twin) noexcept
+    {
+        return twin.strWide.data();
+    }
+    /// The length of the text as it was written, or kNoText.
+    template <class Care>
+    static std::size_t PutText(char16_t * pOut, std::u16string_view text) noexcept
+    {
+        return CopyPlain<Care>(pOut, text) ? text.size() : kNoText;
+    }
+    void Commit(std::size_t nLength, std::size_t, std::size_t) noexcept { m_stream.Commit(nLength); }
+
+private:
+    CTextStream & m_stream;
+};
+
+/// The same for octets.
+class COctetOut
+{
+public:
+    explicit COctetOut(COctetChain & octets) noexcept : m_octets(octets) {}
+
+    unsigned char * Room(std::size_t nFixed, std::size_t nText)
+    {
+        std::size_t const nMost = nFixed + 3 * nText + kOctetSlack;
+        return nMost <= COctetChain::kMostRoom ? m_octets.Room(nMost) : nullptr;
+    }
+    template <class Twin>
+    static char const * Of(Twin const & twin) noexcept
+    {
+        return twin.strOctets.data();
+    }
+    template <class Care>
+    static std::size_t PutText(unsigned char * pOut, std::u16string_view text) noexcept
+    {
+        return NarrowPlain<Care>(pOut, text) ? text.size() : NarrowUnlessCare<Care>(pOut, text);
+    }
+    /// nText of the octets are nUnits code units of text, the others are ASCII.
+    void Commit(std::size_t nLength, std::size_t nText, std::size_t nUnits) noexcept
+    {
+        m_octets.Commit(nLength, nLength - nText + nUnits);
+    }
+
+private:
+    COctetChain & m_octets;
+};
+
+} // namespace
 
 CXmlTextWriter::CXmlTextWriter(CTextStream * pStream)
     : CXmlWriter(u"CXmlTextWriter"), m_strEOL(u"\n"), m_eEOLType(EOLType_LF), m_bFormat(true), m_pStream(pStream),
       m_spNames(CNameSpare<NameCaches>::Take())
 {
+    m_spIndentRun = std::move(m_spNames->spIndentRun);
+    m_strIndentChars = std::move(m_spNames->strIndentChars);
+    m_nIndentUnits = UpToZero(m_strIndentChars).size();
     SetIndentChars(u"\t");
 }
 
 CXmlTextWriter::~CXmlTextWriter()
 {
+    m_spNames->spIndentRun = std::move(m_spIndentRun);
+    m_spNames->strIndentChars = std::move(m_strIndentChars);
     CNameSpare<NameCaches>::GiveBack(std::move(m_spNames));
 }
 
@@ -188,13 +292,45 @@ inline void CXmlTextWriter::FlushIfFull()
         m_pStream->Flush();
 }
 
+/// Where octets can be written, or null.
+inline COctetChain * CXmlTextWriter::GetOctets() const
+{
+    return m_bOctets ? m_pStream->GetOctets() : nullptr;
+}
+
+/// Lets write put at most nMax code units, straight into octets or into the block of the stream if they fit.
+template <class Write>
+void CXmlTextWriter::PutPieces(std::size_t nMax, Write && write)
+{
+    COctetChain * const pOctets = nMax <= COctetChain::kMostRoom ? GetOctets() : nullptr;
+    if (pOctets != nullptr)
+    {
+        COctetWriter to(pOctets->Room(nMax));
+        write(to);
+        if (to.IsGood())
+            return pOctets->Commit(to.GetLength(), to.GetLength());
+    }
+    if (char16_t * const pRoom = m_pStream->Room(nMax))
+    {
+        CRoomWriter to(pRoom);
+        write(to);
+        m_pStream->Commit(to.GetLength());
+    }
+    else
+    {
+        CStreamWriter to(*m_pStream);
+        write(to);
+    }
+}
+
 template <class To>
 void CXmlTextWriter::PutIndent(To & to, std::int32_t nDepth)
 {
+    char16_t const * const pRun = m_spIndentRun->strWide.data();
     auto nLevels = static_cast<std::size_t>(nDepth);
     for (; nLevels > kIndentLevels; nLevels -= kIndentLevels)
-        to.Put(std::u16string_view(m_strIndentRun.data(), kIndentLevels * m_nIndentUnits));
-    to.Put(std::u16string_view(m_strIndentRun.data(), nLevels * m_nIndentUnits));
+        to.Put(std::u16string_view(pRun, kIndentLevels * m_nIndentUnits));
+    to.Put(std::u16string_view(pRun, nLevels * m_nIndentUnits));
 }
 
 inline std::size_t CXmlTextWriter::IndentUnits(CXmlWriterContext const & context) const
@@ -205,7 +341,7 @@ inline std::size_t CXmlTextWriter::IndentUnits(CXmlWriterContext const & context
 /// The end of a start tag in front of a child.
 inline void CXmlTextWriter::PutTagEnd()
 {
-    PutPieces(*m_pStream, 3,
+    PutPieces(3,
         [this](auto & to)
         {
             to.Put(u'>');
@@ -247,6 +383,7 @@ void CXmlTextWriter::StartDocument()
 {
     CXmlWriter::StartDocument();
     m_bWholeElements = typeid(*this) == typeid(CXmlTextWriter);
+    m_bOctets = typeid(*m_pStream) == typeid(CTextStream);
     m_pStream->Open();
 }
 
@@ -286,10 +423,19 @@ void CXmlTextWriter::WriteInLineSchema(std::u16string const & strText)
 inline CXmlTextWriter::TagText const * CXmlTextWriter::FindTags(
     CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri)
 {
-    if (m_bTagsFit)
-        if (TagText const * const pTags = m_spNames->elements.Find(context.GetDeclarationsVersion(), strName, strUri))
+    if (!m_bTagsFit)
+        return MakeTags(context, strName, strUri);
+    std::uint64_t const nVersion = context.GetDeclarationsVersion();
+    std::uint64_t const nEntry = EntryOf(strName);
+    if (nEntry != 0)
+        if (TagText const * const pTags = m_spNames->elements.FindNumber(nVersion, nEntry))
             return pTags;
-    return MakeTags(context, strName, strUri);
+    TagText * const pTags = m_spNames->elements.Find(nVersion, strName, strUri);
+    if (pTags == nullptr)
+        return MakeTags(context, strName, strUri);
+    if (nEntry != 0)
+        m_spNames->elements.Number(nVersion, nEntry, *pTags);
+    return pTags;
 }
 
 void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16string const & strUri)
@@ -311,16 +457,17 @@ void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16s
             SetDeclarationsVersion(context, m_spNames->declarations.VersionOf(context));
         pTags = FindTags(context, strName, strUri);
     }
-    context.m_strWrittenAlias = pTags->GetAlias();
+    if (!EqualText(context.m_strWrittenAlias, pTags->GetAlias()))
+        context.m_strWrittenAlias = pTags->GetAlias();
     if (bEndsTag)
         PutTagEnd();
     std::size_t const nTag = pTags->nStartTag - 1;
-    PutPieces(*m_pStream, IndentUnits(context) + nTag,
+    PutPieces(IndentUnits(context) + nTag,
         [&](auto & to)
         {
             if (m_bFormat)
                 PutIndent(to, context.m_nDepth);
-            to.Put(std::u16string_view(pTags->strTags.data(), nTag));
+            to.Put(std::u16string_view(pTags->tags.strWide.data(), nTag));
         });
     if (bDeclare)
     {
@@ -373,7 +520,7 @@ void CXmlTextWriter::WriteEndElement()
     CXmlWriterContext const & context = RequireContext();
     std::u16string_view const alias = UpToZero(context.m_strWrittenAlias);
     std::u16string_view const name = UpToZero(context.m_strName);
-    PutPieces(*m_pStream, IndentUnits(context) + alias.size() + name.size() + 6,
+    PutPieces(IndentUnits(context) + alias.size() + name.size() + 6,
         [&](auto & to)
         {
             if (context.m_bStartTagOpen)
@@ -425,7 +572,7 @@ void CXmlTextWriter::WriteAttributeView(
             PutDeclaration(*prefix.pAlias, strUri);
         }
     }
-    PutPieces(*m_pStream, alias.size() + name.size() + 4,
+    PutPieces(alias.size() + name.size() + 4,
         [&](auto & to)
         {
             to.Put(u' ');
@@ -473,11 +620,27 @@ void CXmlTextWriter::WriteAttributeView(
     tags.nStartTag = static_cast<std::uint32_t>(alias.size() + colon.size() + name.size() + 2);
     tags.nEndTag = static_cast<std::uint32_t>(tags.nStartTag + 1 + eol.size());
     tags.nAlias = static_cast<std::uint32_t>(alias.size());
-    std::u16string & strTags = tags.strTags;
-    strTags.reserve(tags.nStartTag + tags.nEndTag + kSlack);
+    std::u16string & strTags = tags.tags.strWide;
     strTags.assign(1, u'<').append(alias).append(colon).append(name).append(u"></", 3);
-    strTags.append(alias).append(colon).append(name).append(1, u'>').append(eol).append(kSlack, u' ');
+    strTags.append(alias).append(colon).append(name).append(1, u'>').append(eol);
+    tags.tags.Finish();
     return &tags;
+}
+
+template <class Out>
+inline bool CXmlTextWriter::PutAttribute(Out out, TwinText const & head, std::u16string_view value)
+{
+    auto * const pRoom = out.Room(head.strWide.size() + 1, value.size());
+    if (pRoom == nullptr)
+        return false;
+    auto * p = CopyLoose(pRoom, out.Of(head), head.strWide.size() - std::max(kSlack, kOctetSlack));
+    std::size_t const nValue = out.template PutText<Care<true>>(p, value);
+    if (nValue == kNoText)
+        return false;
+    p += nValue;
+    *p++ = u'"';
+    out.Commit(static_cast<std::size_t>(p - pRoom), nValue, value.size());
+    return true;
 }
 
 /// Writes an attribute in one piece. False, and nothing done, if it is not of the usual kind.
@@ -486,28 +649,60 @@ bool CXmlTextWriter::WriteShortAttribute(CXmlWriterContext const & context, std:
 {
     if (value.size() > kLongestInOnePiece)
         return false;
+    CNameCache<TwinText> & attributes = m_spNames->attributes;
     std::uint64_t const nVersion = context.GetDeclarationsVersion();
-    std::u16string * pHead = m_spNames->attributes.Find(nVersion, strName, strUri);
+    std::uint64_t const nEntry = EntryOf(strName);
+    TwinText * pHead = nEntry != 0 ? attributes.FindNumber(nVersion, nEntry) : nullptr;
     if (pHead == nullptr)
     {
-        std::u16string const * const pAlias = strUri.empty() ? &strUri : FindKnownPrefix(context, strUri);
-        if (pAlias == nullptr)
-            return false;
-        pHead = &m_spNames->attributes.Keep(nVersion, strName, strUri);
-        pHead->assign(1, u' ');
-        if (!strUri.empty())
-            pHead->append(UpToZero(*pAlias)).append(1, u':');
-        pHead->append(UpToZero(strName)).append(u"=\"").append(kSlack, u' ');
+        pHead = attributes.Find(nVersion, strName, strUri);
+        if (pHead == nullptr)
+        {
+            std::u16string const * const pAlias = strUri.empty() ? &strUri : FindKnownPrefix(context, strUri);
+            if (pAlias == nullptr)
+                return false;
+            pHead = &attributes.Keep(nVersion, strName, strUri);
+            std::u16string & strHead = pHead->strWide;
+            strHead.assign(1, u' ');
+            if (!strUri.empty())
+                strHead.append(UpToZero(*pAlias)).append(1, u':');
+            strHead.append(UpToZero(strName)).append(u"=\"");
+            pHead->Finish();
+        }
+        if (nEntry != 0)
+            attributes.Number(nVersion, nEntry, *pHead);
     }
-    char16_t * const pRoom = m_pStream->Room(pHead->size() + value.size() + 1 + kSlack);
+    COctetChain * const pOctets = pHead->strOctets.empty() ? nullptr : GetOctets();
+    if (pOctets != nullptr && PutAttribute(COctetOut(*pOctets), *pHead, value))
+        return true;
+    if (!PutAttribute(CWideOut(*m_pStream), *pHead, value))
+        return false;
+    FlushIfFull();
+    return true;
+}
+
+template <class Out>
+inline bool CXmlTextWriter::PutElement(
+    Out out, TagText const & tags, std::size_t nIndent, bool bEndsTag, std::u16string_view text)
+{
+    auto * const pRoom = out.Room(nIndent + tags.tags.strWide.size() + 1 + m_strEOL.size(), text.size());
     if (pRoom == nullptr)
         return false;
-    char16_t * const p = CopyLoose(pRoom, pHead->data(), pHead->size() - kSlack);
-    if (!CopyPlain<Care<true>>(p, value))
+    auto * p = pRoom;
+    if (bEndsTag)
+    {
+        *p++ = u'>';
+        if (m_bFormat)
+            for (char16_t const c : m_strEOL)
+                *p++ = static_cast<std::remove_reference_t<decltype(*p)>>(c);
+    }
+    p = CopyLoose(p, out.Of(*m_spIndentRun), nIndent);
+    p = CopyLoose(p, out.Of(tags.tags), tags.nStartTag);
+    std::size_t const nText = out.template PutText<Care<false>>(p, text);
+    if (nText == kNoText)
         return false;
-    p[value.size()] = u'"';
-    m_pStream->Commit(static_cast<std::size_t>(p - pRoom) + value.size() + 1);
-    FlushIfFull();
+    p = CopyLoose(p + nText, out.Of(tags.tags) + tags.nStartTag, tags.nEndTag);
+    out.Commit(static_cast<std::size_t>(p - pRoom), nText, text.size());
     return true;
 }
 
@@ -525,28 +720,17 @@ bool CXmlTextWriter::WriteShortElement(
     if (pTags == nullptr)
         return false;
     std::size_t const nIndent = m_bFormat ? nDepth * m_nIndentUnits : 0;
-    std::size_t const nMost = nIndent + pTags->strTags.size() + text.size() + 1 + m_strEOL.size();
-    char16_t * const pRoom = m_pStream->Room(nMost + kSlack);
-    if (pRoom == nullptr)
-        return false;
-    char16_t * p = pRoom;
-    if (parent.m_bStartTagOpen)
+    bool const bAscii = !pTags->tags.strOctets.empty() && !m_spIndentRun->strOctets.empty();
+    COctetChain * const pOctets = bAscii ? GetOctets() : nullptr;
+    if (pOctets == nullptr || !PutElement(COctetOut(*pOctets), *pTags, nIndent, parent.m_bStartTagOpen, text))
     {
-        *p++ = u'>';
-        if (m_bFormat)
-            for (char16_t const c : m_strEOL)
-                *p++ = c;
+        if (!PutElement(CWideOut(*m_pStream), *pTags, nIndent, parent.m_bStartTagOpen, text))
+            return false;
+        FlushIfFull();
     }
-    p = CopyLoose(p, m_strIndentRun.data(), nIndent);
-    p = CopyLoose(p, pTags->strTags.data(), pTags->nStartTag);
-    if (!CopyPlain<Care<false>>(p, text))
-        return false;
-    p = CopyLoose(p + text.size(), pTags->strTags.data() + pTags->nStartTag, pTags->nEndTag);
-    m_pStream->Commit(static_cast<std::size_t>(p - pRoom));
     CountPassingContext();
     ++parent.m_nChildCount;
     parent.m_bStartTagOpen = false;
-    FlushIfFull();
     return true;
 }
 
@@ -603,15 +787,19 @@ void CXmlTextWriter::SetEOL(EOLType eEOLType)
 
 void CXmlTextWriter::SetIndentChars(std::u16string const & strIndentChars)
 {
-    std::u16string strRun(UpToZero(strIndentChars));
+    if (m_spIndentRun != nullptr && m_strIndentChars == strIndentChars)
+        return;
+    auto spRun = std::make_unique<TwinText>();
+    std::u16string & strRun = spRun->strWide;
+    strRun = UpToZero(strIndentChars);
     std::size_t const nUnits = strRun.size();
-    strRun.reserve(kIndentLevels * nUnits + kSlack);
+    strRun.reserve(kIndentLevels * nUnits + std::max(kSlack, kOctetSlack));
     for (std::size_t nLevels = 1; nLevels < kIndentLevels; nLevels *= 2)
         strRun.append(strRun.data(), nLevels * nUnits);
-    strRun.append(kSlack, u' ');
+    spRun->Finish();
     m_strIndentChars = strIndentChars;
     m_nIndentUnits = nUnits;
-    m_strIndentRun = std::move(strRun);
+    m_spIndentRun = std::move(spRun);
 }
 
 void CXmlTextWriter::WriteHeader()

@@ -12,6 +12,8 @@
 namespace QzXmlLib16
 {
 
+class COctetChain;
+
 /// Writes XML text into a stream. Carriage returns in values vanish, line feeds in text become the line end, text
 /// that begins with "<![CDATA[" is written as it stands, and every text stops at its first code unit 0.
 class QZXMLLIB_API CXmlTextWriter : public CXmlWriter
@@ -74,6 +76,9 @@ private:
     void Put(std::u16string_view text);
     void PutEOL();
     void PutTagEnd();
+    template <class Write>
+    void PutPieces(std::size_t nMax, Write && write);
+    COctetChain * GetOctets() const;
     template <class To>
     void PutIndent(To & to, std::int32_t nDepth);
     std::size_t IndentUnits(CXmlWriterContext const & context) const;
@@ -84,13 +89,19 @@ private:
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
     TagText const * MakeTags(
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
+    /// A text that is written often, and the same as octets.
+    struct TwinText;
+    template <class Out>
+    bool PutAttribute(Out out, TwinText const & head, std::u16string_view value);
+    template <class Out>
+    bool PutElement(Out out, TagText const & tags, std::size_t nIndent, bool bEndsTag, std::u16string_view text);
     bool WriteShortAttribute(CXmlWriterContext const & context, std::u16string const & strName,
         std::u16string const & strUri, std::u16string_view value);
     bool WriteShortElement(std::u16string const & strName, std::u16string const & strUri, std::u16string_view text);
 
     std::u16string m_strIndentChars;
     /// Several levels of indentation in one piece, and some code units more that may be copied with it.
-    std::u16string m_strIndentRun;
+    std::unique_ptr<TwinText> m_spIndentRun;
     std::size_t m_nIndentUnits = 0; ///< code units of one level
     std::u16string m_strEOL;
     EOLType m_eEOLType;
@@ -98,6 +109,8 @@ private:
     /// No class derived from this one may have other ideas of what an element is made of.
     bool m_bWholeElements = false;
     CTextStream * m_pStream;
+    /// Whether the stream keeps octets and nobody else has ideas of what it does with code units.
+    bool m_bOctets = false;
     std::unique_ptr<NameCaches> m_spNames;
     /// Whether the tags kept there end as those of this writer do.
     bool m_bTagsFit = false;

@@ -58,7 +58,8 @@ std::size_t AliasNumber(std::u16string const & strAlias, std::size_t nLetters, s
 
 } // namespace
 
-/// Storage of one record, and the texts of the record that was there last, whose capacity the next one uses.
+/// Storage of one record, and the texts of the record that was there last, whose capacity the next one uses. The
+/// alias stays as it was: a writer that has aliases writes one, or none, for each element.
 struct CXmlWriter::Slot
 {
     alignas(CXmlWriterContext) unsigned char abyRecord[sizeof(CXmlWriterContext)];
@@ -273,7 +274,6 @@ CXmlWriter::CXmlWriterContext & CXmlWriter::PushContext(std::u16string const & s
     Slot & slot = *m_slots[m_nSlotsUsed];
     KeepText(slot.texts.strName, strName);
     KeepText(slot.texts.strNamespace, strUri);
-    slot.texts.strWrittenAlias.clear();
     CXmlWriterContext * const pRecord =
         m_pContext != nullptr ? new (slot.abyRecord) CXmlWriterContext(slot.texts, m_pContext)
                               : new (slot.abyRecord) CXmlWriterContext(slot.texts,

@@ -207,6 +207,11 @@ protected:
     {
         context.m_pScope->m_spScope->nVersion = nVersion;
     }
+    /// The number of the metadata entry that has lent this very string for the call, or 0.
+    std::uint64_t EntryOf(std::u16string const & strName) const noexcept
+    {
+        return &strName == m_pEntryName ? m_nEntry : 0;
+    }
     /// Counts a record that comes and goes, for an element that is written without one.
     static void CountPassingContext();
 
@@ -215,6 +220,7 @@ protected:
     CNamespaceMap m_mapNamespaces;
 
 private:
+    friend class CNamespaceLoan;
     friend class CWriteLease;
 
     struct Slot;
@@ -236,6 +242,9 @@ private:
     LastAlias m_lastAlias;
     std::uint64_t m_nScopeGeneration = 0;
     std::unique_ptr<CWriteScratch> m_spScratch; ///< null before the first value
+    std::u16string const * m_pEntryName = nullptr;
+    std::u16string const * m_pNamespace = nullptr; ///< see CNamespaceLoan
+    std::uint64_t m_nEntry = 0;
 };
 
 } // namespace QzXmlLib16

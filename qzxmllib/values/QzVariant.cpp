@@ -251,6 +251,16 @@ CSmartPtr<CXmlObjectBase> QzVariant::GetXmlObject() const
     return pHeld != nullptr && !m_isNil ? *pHeld : CSmartPtr<CXmlObjectBase>();
 }
 
+CSmartPtr<CXmlObjectBase> CVariantText::TakeObject(QzVariant & value)
+{
+    if (value.m_type == ItemType_Invalid)
+        return nullptr;
+    if (value.m_type != ItemType_XmlCollection)
+        value.CheckType(ItemType_XmlObjectBase);
+    auto * const pHeld = std::get_if<CSmartPtr<CXmlObjectBase>>(&value.m_value);
+    return pHeld != nullptr && !value.m_isNil ? std::move(*pHeld) : CSmartPtr<CXmlObjectBase>();
+}
+
 CSmartPtr<CXmlCollectionBase> QzVariant::GetXmlCollection() const
 {
     CheckType(ItemType_XmlCollection);

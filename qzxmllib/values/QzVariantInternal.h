@@ -28,6 +28,9 @@ struct CVariantText
         if (value.m_value.index() > 2)
             Drop(value);
     }
+    /// Takes the object or collection out of the variant, which then holds a null. A value without a type holds none.
+    static CSmartPtr<CXmlObjectBase> TakeObject(QzVariant & value);
+
     /// Drops what is no string and leaves all marks as they are.
     static void Drop(QzVariant & value) noexcept;
 
