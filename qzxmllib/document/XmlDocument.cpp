@@ -81,14 +81,14 @@ CXmlDocument::CXmlDocument(CSerializationContext const & ctx, bool (*pfnElementC
 CXmlDocument::~CXmlDocument()
 {
     if (m_pDocumentElement != nullptr)
-        CXmlTree::Destroy(m_pDocumentElement);
+        m_pTree->DestroyAll(m_pDocumentElement);
 }
 
 void CXmlDocument::Cleanup()
 {
     if (m_pDocumentElement != nullptr)
     {
-        CXmlTree::Destroy(std::exchange(m_pDocumentElement, nullptr));
+        m_pTree->DestroyAll(std::exchange(m_pDocumentElement, nullptr));
         m_pTree = std::make_unique<CXmlTree>(*this);
     }
     m_pData.reset();

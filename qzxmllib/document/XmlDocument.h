@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace QzXmlLib16
@@ -39,6 +40,35 @@ struct CXmlName
 
 struct XmlRuns;
 
+/// What a node keeps outside the memory of its document. The document has all of it in a ring, so that the nodes need
+/// not be visited when they all go.
+struct QZXMLLIB_API XmlOwned
+{
+    XmlOwned() noexcept : pNext(this), pPrevious(this) {}
+    explicit XmlOwned(XmlOwned & ring) noexcept : pNext(&ring), pPrevious(ring.pPrevious)
+    {
+        pPrevious->pNext = this;
+        ring.pPrevious = this;
+    }
+    XmlOwned(XmlOwned const &) = delete;
+    XmlOwned & operator=(XmlOwned const &) = delete;
+    virtual ~XmlOwned()
+    {
+        pPrevious->pNext = pNext;
+        pNext->pPrevious = pPrevious;
+    }
+
+    XmlOwned * pNext;
+    XmlOwned * pPrevious;
+};
+
+struct XmlOwnedText : XmlOwned
+{
+    XmlOwnedText(XmlOwned & ring, std::u16string text) : XmlOwned(ring), strText(std::move(text)) {}
+
+    std::u16string strText;
+};
+
 /// Text of a node. It lies in the memory of the document while it is short; a long one, and one that was asked for as
 /// a string object, is a string of its own. The text of an element with children is kept in runs, one for each gap
 /// between two children, until somebody asks for it.
@@ -51,19 +81,17 @@ public:
     ~CXmlText()
     {
         if (m_bString)
-            delete m_pString;
+            delete m_pOwned;
     }
 
-    std::u16string_view View()
-    {
-        if (m_bRuns || m_bString)
-            return String();
-        return std::u16string_view(m_pUnits, m_nUnits);
-    }
+    /// Whether the text lies in the memory of the document in one piece.
+    bool IsPlain() const { return !m_bRuns && !m_bString; }
+    /// Of a plain text.
+    std::u16string_view View() const { return std::u16string_view(m_pUnits, m_nUnits); }
     /// The text as a string object, made at the first call.
-    std::u16string & String();
+    std::u16string & String(XmlOwned & ring);
     std::u16string Copy() const;
-    std::size_t Size() const { return m_bString ? m_pString->size() : m_nUnits; }
+    std::size_t Size() const { return m_bString ? m_pOwned->strText.size() : m_nUnits; }
     /// Writes Size() code units at pOut.
     void CopyTo(char16_t * pOut) const;
 
@@ -79,7 +107,7 @@ private:
     union
     {
         char16_t * m_pUnits;
-        std::u16string * m_pString;
+        XmlOwnedText * m_pOwned;
         XmlRuns * m_pRuns;
     };
     /// Of all runs together, where there are some.
@@ -101,9 +129,9 @@ public:
     std::u16string const & GetLocalName() const { return m_pName->strLocalName; }
     std::u16string const & GetNamespaceURI() const { return m_pName->strNamespaceURI; }
     /// The value, carriage returns included. The first call makes the string object; GetValueView costs nothing.
-    std::u16string const & GetValue() const { return m_value.String(); }
+    std::u16string const & GetValue() const;
     /// The value where it lies. Valid until the document is loaded again or destroyed, or GetValue is called.
-    std::u16string_view GetValueView() const { return m_value.View(); }
+    std::u16string_view GetValueView() const { return m_value.IsPlain() ? m_value.View() : std::u16string_view(GetValue()); }
     CXmlName const * GetName() const { return m_pName; }
     /// The next attribute of the same element in document order, or null.
     CXmlAttribute * GetNextAttribute() const { return m_pNext; }
@@ -143,10 +171,10 @@ public:
     std::u16string const & GetNamespaceURI() const { return m_pName->strNamespaceURI; }
     /// All character data directly inside the element, joined, without carriage returns. The first call makes the
     /// string object.
-    std::u16string const & GetText() const { return m_text.String(); }
+    std::u16string const & GetText() const;
     /// The text where it lies; that of an element with children is joined at the first call. Valid until the document
     /// is loaded again or destroyed, or GetText is called.
-    std::u16string_view GetTextView() const { return m_text.View(); }
+    std::u16string_view GetTextView() const { return m_text.IsPlain() ? m_text.View() : std::u16string_view(GetText()); }
     /// A copy of the text, for those who keep it: nothing is made or joined in the document.
     std::u16string CopyText() const { return m_text.Copy(); }
     /// The same for those who bring the room: GetTextLength() code units.
@@ -175,8 +203,10 @@ private:
     friend class CFastInfosetReader;
 
     /// The attributes once somebody asked for a vector of them.
-    struct AttributeVector
+    struct AttributeVector : XmlOwned
     {
+        AttributeVector(XmlOwned & ring, CXmlAttribute * p) : XmlOwned(ring), pFirst(p) {}
+
         CXmlAttribute * pFirst;
         std::vector<CXmlAttribute *> attributes;
     };

@@ -19,23 +19,23 @@ CInstanceName g_xmlAttributeName(u"CXmlAttribute");
 
 } // namespace
 
-std::u16string & CXmlText::String()
+std::u16string & CXmlText::String(XmlOwned & ring)
 {
     if (m_bString)
-        return *m_pString;
-    m_pString = new std::u16string(Copy());
+        return m_pOwned->strText;
+    m_pOwned = new XmlOwnedText(ring, Copy());
     m_bString = 1;
     m_bRuns = 0;
     m_nUnits = 0;
     m_nCapacity = 0;
-    return *m_pString;
+    return m_pOwned->strText;
 }
 
 template <class F>
 void CXmlText::ForEachPiece(F const & take) const
 {
     if (m_bString)
-        return take(std::u16string_view(*m_pString));
+        return take(std::u16string_view(m_pOwned->strText));
     if (!m_bRuns)
         return take(std::u16string_view(m_pUnits, m_nUnits));
     for (XmlRun const * pRun = &m_pRuns->first; pRun != nullptr; pRun = pRun->pNext)
@@ -65,6 +65,11 @@ CXmlAttribute::CXmlAttribute(CXmlElement * pElement, CXmlName const & name)
 
 CXmlAttribute::~CXmlAttribute() = default;
 
+std::u16string const & CXmlAttribute::GetValue() const
+{
+    return m_value.String(m_pElement->GetTree().Owned());
+}
+
 std::u16string CXmlAttribute::GetXPath() const
 {
     std::u16string strPath = m_pElement->GetXPath() + u"/";
@@ -88,6 +93,11 @@ CXmlElement::~CXmlElement()
         delete m_pAttributes;
 }
 
+std::u16string const & CXmlElement::GetText() const
+{
+    return m_text.String(GetTree().Owned());
+}
+
 CXmlTree & CXmlElement::GetTree() const
 {
     return *GetDocument()->m_pTree;
@@ -100,8 +110,7 @@ std::vector<CXmlAttribute *> const & CXmlElement::GetAttributes() const
     {
         if (m_pFirstAttribute == nullptr)
             return *s_pNone;
-        auto pAttributes = std::make_unique<AttributeVector>();
-        pAttributes->pFirst = m_pFirstAttribute;
+        auto pAttributes = std::make_unique<AttributeVector>(GetTree().Owned(), m_pFirstAttribute);
         for (CXmlAttribute * p = m_pFirstAttribute; p != nullptr; p = p->m_pNext)
             pAttributes->attributes.push_back(p);
         m_pAttributes = pAttributes.release();

@@ -199,6 +199,7 @@ CXmlTree::~CXmlTree()
 CXmlElement * CXmlTree::CreateElement(CXmlName const & name, CXmlElement * pParent)
 {
     auto * const pElement = new (AllocateNode<CXmlElement>()) CXmlElement(name, pParent);
+    m_elements.Add(pElement->GetRecord());
     if (pParent != nullptr)
     {
         (pParent->m_pLastChild != nullptr ? pParent->m_pLastChild->m_pNextSibling : pParent->m_pFirstChild) = pElement;
@@ -212,6 +213,7 @@ CXmlAttribute * CXmlTree::CreateAttribute(CXmlElement & element, CXmlName const 
     if (element.m_text.m_bMark)
         element.m_pAttributes->attributes.reserve(element.m_pAttributes->attributes.size() + 1);
     auto * const pAttribute = new (AllocateNode<CXmlAttribute>()) CXmlAttribute(&element, name);
+    m_attributes.Add(pAttribute->GetRecord());
     if (CXmlAttribute * pLast = element.GetFirstAttribute())
     {
         if (m_pLastAttribute != nullptr && m_pLastAttribute->m_pElement == &element)
@@ -244,8 +246,12 @@ void CXmlTree::Destroy(CXmlElement * pTop)
             CXmlElement * const pNext = pElement->m_pNextSibling;
             CXmlElement * const pParent = pElement->m_pParent;
             for (CXmlAttribute * pAttribute = pElement->GetFirstAttribute(); pAttribute != nullptr;)
+            {
                 std::exchange(pAttribute, pAttribute->m_pNext)->~CXmlAttribute();
+                --m_attributes.nAlive;
+            }
             pElement->~CXmlElement();
+            --m_elements.nAlive;
             if (bTop)
                 return;
             pElement = pNext != nullptr ? pNext : pParent;
@@ -253,6 +259,17 @@ void CXmlTree::Destroy(CXmlElement * pTop)
                 break;
         }
     }
+}
+
+void CXmlTree::DestroyAll(CXmlElement * pRoot) noexcept
+{
+    if (m_elements.bMixed || m_attributes.bMixed)
+        return Destroy(pRoot);
+    // Their memory goes as a whole, and what they keep elsewhere hangs in the ring.
+    while (m_owned.pNext != &m_owned)
+        delete m_owned.pNext;
+    CXmlElement::CountGone(m_elements.pRecord, std::exchange(m_elements.nAlive, 0));
+    CXmlAttribute::CountGone(m_attributes.pRecord, std::exchange(m_attributes.nAlive, 0));
 }
 
 void CXmlTree::Release(CXmlElement * pTop)
@@ -361,7 +378,7 @@ void CXmlTree::AppendRun(CXmlElement & element, char16_t const * pText, std::siz
     CXmlText & text = element.m_text;
     if (text.m_bString)
     {
-        text.m_pString->append(pText, nUnits);
+        text.m_pOwned->strText.append(pText, nUnits);
         return;
     }
     XmlRuns & runs = BeginPiece(element);

@@ -180,10 +180,10 @@ public:
     CXmlElement * CreateElement(CXmlName const & name, CXmlElement * pParent);
     /// A new attribute without a value behind the last one of the element.
     CXmlAttribute * CreateAttribute(CXmlElement & element, CXmlName const & name);
-    /// Runs the destructors of an element and all below it. Its links to others stay as they are.
-    static void Destroy(CXmlElement * pTop);
-    /// As Destroy, and takes back all memory from the element on. Nothing outside the element may have been created
-    /// after it, and no other node may point to it any more.
+    /// Ends the life of all nodes.
+    void DestroyAll(CXmlElement * pRoot) noexcept;
+    /// Destroys an element and all below it, and takes back all memory from the element on. Nothing outside the element
+    /// may have been created after it, and no other node may point to it any more.
     void Release(CXmlElement * pTop);
 
     /// Makes room for nMost code units behind the text and calls fill(pointer to the room), which gives the number of
@@ -192,7 +192,7 @@ public:
     void Append(CXmlText & text, std::size_t nMost, F const & fill)
     {
         if (text.m_bString || text.m_nUnits + nMost > kLongestInBlock)
-            return AppendToString(text.String(), nMost, fill);
+            return AppendToString(text.String(m_owned), nMost, fill);
         bool const bTrim = MakeRoom(text, static_cast<std::uint32_t>(nMost));
         text.m_nUnits += static_cast<std::uint32_t>(fill(text.m_pUnits + text.m_nUnits));
         if (bTrim)
@@ -223,6 +223,8 @@ public:
         text.m_nUnits = static_cast<std::uint32_t>(nUnits);
         text.m_nCapacity = text.m_nUnits & kCapacityMask;
     }
+    /// The ring of what the nodes keep elsewhere.
+    XmlOwned & Owned() { return m_owned; }
     static CXmlText & ValueOf(CXmlAttribute & attribute) { return attribute.m_value; }
     static CXmlText & TextOf(CXmlElement & element) { return element.m_text; }
     /// Whether an element has neither text nor children yet.
@@ -245,6 +247,24 @@ public:
     static constexpr std::size_t kLongestInBlock = 4096;
 
 private:
+    /// Nodes of one class that are alive, as far as all of them are counted by the same record.
+    struct Census
+    {
+        CInstanceMonitor::ClassType * pRecord = nullptr;
+        std::size_t nAlive = 0;
+        bool bMixed = false;
+
+        void Add(CInstanceMonitor::ClassType * p) noexcept
+        {
+            if (nAlive == 0 && !bMixed)
+                pRecord = p;
+            bMixed = bMixed || p != pRecord;
+            ++nAlive;
+        }
+    };
+
+    /// Runs the destructors of an element and all below it. Its links to others stay as they are.
+    void Destroy(CXmlElement * pTop);
     static constexpr std::uint32_t kCapacityMask = (std::uint32_t(1) << 29) - 1;
 
     XmlRuns & BeginPiece(CXmlElement & element);
@@ -277,6 +297,9 @@ private:
     void Rewind(void * p);
 
     std::unique_ptr<CXmlNameTable> m_spNames;
+    XmlOwned m_owned;
+    Census m_elements;
+    Census m_attributes;
     std::vector<XmlBlock> m_blocks;
     std::size_t m_nHeld = 0;
     XmlBlock m_spare;

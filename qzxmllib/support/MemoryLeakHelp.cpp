@@ -94,6 +94,7 @@ struct CInstanceCounters
     static std::int64_t Sum(ClassType const & ct, std::atomic<std::int64_t> Counter::*pField, std::int64_t nBase);
     static void Retire(CInstanceCounters * pShard);
     static void CountUp(CInstanceMonitor & monitor, ClassType & ct);
+    static void CountDown(ClassType & ct, std::int64_t nInstances);
 };
 
 namespace
@@ -204,6 +205,21 @@ void CInstanceCounters::CountUp(CInstanceMonitor & monitor, ClassType & ct)
         CountShared(ct, 1, 1);
 }
 
+inline void CInstanceCounters::CountDown(ClassType & ct, std::int64_t nInstances)
+{
+    if (ct.bDetached.load(std::memory_order_relaxed))
+    {
+        if (ct.lInstanceCount.fetch_sub(nInstances) == nInstances)
+            delete &ct;
+        return;
+    }
+    CInstanceCounters * const pShard = t_pShard;
+    if (pShard != nullptr && ct.nIndex != kNotSharded)
+        Add(pShard->aCounters[ct.nIndex].lInstanceCount, -nInstances);
+    else
+        CountShared(ct, -nInstances, 0);
+}
+
 CInstanceMonitor::CInstanceMonitor(char16_t const * name) : m_pct(nullptr)
 {
     unsigned const nGeneration = g_nGeneration.load(std::memory_order_relaxed);
@@ -259,17 +275,13 @@ CInstanceMonitor::CInstanceMonitor(CInstanceMonitor const & other) : m_pct(nullp
 CInstanceMonitor::~CInstanceMonitor()
 {
     assert(m_pct != nullptr);
-    if (m_pct->bDetached.load(std::memory_order_relaxed))
-    {
-        if (m_pct->lInstanceCount.fetch_sub(1) == 1)
-            delete m_pct;
-        return;
-    }
-    CInstanceCounters * const pShard = t_pShard;
-    if (pShard != nullptr && m_pct->nIndex != kNotSharded)
-        CInstanceCounters::Add(pShard->aCounters[m_pct->nIndex].lInstanceCount, -1);
-    else
-        CInstanceCounters::CountShared(*m_pct, -1, 0);
+    CInstanceCounters::CountDown(*m_pct, 1);
+}
+
+void CInstanceMonitor::CountGone(ClassType * pRecord, std::size_t nInstances)
+{
+    if (nInstances != 0)
+        CInstanceCounters::CountDown(*pRecord, static_cast<std::int64_t>(nInstances));
 }
 
 std::u16string CInstanceMonitor::DumpState()

@@ -2,6 +2,7 @@
 
 #include "qzxmllib/support/Export.h"
 
+#include <cstddef>
 #include <list>
 #include <mutex>
 #include <string>
@@ -52,6 +53,10 @@ protected:
     explicit CInstanceMonitor(CInstanceName & name);
     /// Counts an instance that has come and gone, for one that need not be built.
     static void CountPassing(CInstanceName & name);
+    /// The record that this instance is counted by.
+    ClassType * GetRecord() const noexcept { return m_pct; }
+    /// Counts so many instances of a record out, for those that go without a destructor.
+    static void CountGone(ClassType * pRecord, std::size_t nInstances);
 
 private:
     friend struct CInstanceCounters;
