@@ -18,7 +18,7 @@ namespace
 void FetchNext(CNode const & node)
 {
     constexpr std::size_t kLine = 64;
-    constexpr std::size_t kFetched = 6 * kLine;
+    constexpr std::size_t kFetched = 16 * kLine;
     __builtin_prefetch(node.m_pNext);
     auto const * const pItem = reinterpret_cast<char const *>(node.m_spItem.Get());
     for (std::size_t n = 0; n < kFetched; n += kLine)

@@ -359,3 +359,39 @@ TEST(XmlDocumentTest, CountsItsNodes)
     doc.Cleanup();
     EXPECT_EQ(live(), "0 0 1 0 ");
 }
+
+/// A thread goes on with the names of its last document, and every document has names of its own.
+TEST(XmlDocumentTest, NamesAreThoseOfTheirDocument)
+{
+    auto const load = [](CXmlDocument & doc)
+    {
+        LoadText(doc, "<r xmlns='urn:r' xmlns:p='urn:p'><p:a k='1'/></r>");
+        CXmlElement * const pChild = doc.GetDocumentElement()->GetFirstElement();
+        EXPECT_EQ(pChild->GetDocument(), &doc);
+        EXPECT_EQ(pChild->GetXPath(), u"/r/p:a");
+        return pChild->GetName();
+    };
+    {
+        CXmlDocument first;
+        load(first);
+    }
+    CXmlDocument doc;
+    CXmlDocument other;
+    CXmlName const * const pName = load(doc);
+    EXPECT_NE(load(other), pName);
+    EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement()->GetDocument(), &doc);
+}
+
+/// Large input goes to the parser in one piece unless elements are dropped; lines are counted either way.
+TEST(XmlDocumentTest, NamesTheLineInLargeInput)
+{
+    std::string strXml = "<r>";
+    for (int nLine = 1; nLine < 100000; ++nLine)
+        strXml += "<a>text</a>\n";
+    strXml += "<b></r>";
+    for (bool const bDrop : {false, true})
+    {
+        CXmlDocument doc(bDrop ? &DropNamedX : nullptr);
+        ExpectThrows<CQzException>([&] { doc.LoadXml(strXml.c_str()); }, u"mismatched tag at line 100000");
+    }
+}

@@ -1,9 +1,13 @@
 #include "qzxmllib/document/XmlTextWriter.h"
 
+#include "qzxmllib/document/Encoder.h"
 #include "qzxmllib/document/TextStream.h"
+#include "qzxmllib/values/BinaryData.h"
 #include "tests/support/TestText.h"
 
 #include <functional>
+#include <iterator>
+#include <random>
 
 using namespace QzXmlLib16;
 
@@ -207,6 +211,88 @@ TEST(TextWriterLongTest, DeepAndLongOutputIsWhole)
         output.writer.EndDocument();
         EXPECT_TRUE(output.Next() == strExpected);
     }
+}
+
+/// One step of a document that is made up by chance, the same for every writer it is given.
+void ApplyChance(CXmlTextWriter & writer, std::mt19937 random, std::size_t nSteps)
+{
+    static std::u16string const s_names[] = {u"a", u"name", u"aLongElementName", u"n\xE9m", u"\x43F\x440\x438"};
+    static std::u16string const s_uris[] = {u"", u"", u"urn:a", u"urn:b\xE9"};
+    static std::u16string const s_values[] = {u"", u"1", u"plain", u"some plain text, longer", u"x<y & \"z\" > 'w'",
+        u"two\nlines", u"one\rline", u"caf\xE9", u"seven \x20AC", u"\U0001F600 and \U0001F601", u"<![CDATA[a<b]]>",
+        std::u16string(1024, u'v'), std::u16string(1500, u'\x20AC'), u"all\x7F\x80", std::u16string(u"cut\0off", 7)};
+    auto const pick = [&random](auto const & pool) -> std::u16string const & { return pool[random() % std::size(pool)]; };
+    writer.StartDocument();
+    writer.WriteHeader();
+    writer.WriteStartElement(pick(s_names), pick(s_uris));
+    for (std::size_t nDepth = 1; nDepth != 0; nSteps -= nSteps != 0 ? 1 : 0)
+    {
+        std::size_t const nStep = nSteps != 0 ? random() % 8 : 7;
+        if (nStep < 2)
+        {
+            writer.WriteStartElement(pick(s_names), pick(s_uris));
+            ++nDepth;
+            for (std::size_t n = random() % 3; n != 0; --n)
+                writer.WriteAttributeView(pick(s_names), pick(s_uris), pick(s_values), ItemType_string);
+        }
+        else if (nStep < 6)
+            writer.WriteElementView(pick(s_names), pick(s_uris), pick(s_values), ItemType_string);
+        else if (nStep == 6)
+            writer.WriteTextView(pick(s_values), ItemType_string);
+        else if (nSteps == 0 || nDepth > 1)
+        {
+            writer.WriteEndElement();
+            --nDepth;
+        }
+    }
+    writer.EndDocument();
+}
+
+/// The octets of documents of all sizes, one behind the other, are those of their wide text.
+TEST(TextWriterOctetsTest, AgreeWithTheWideText)
+{
+    std::mt19937 random(7);
+    for (int nDocument = 0; nDocument < 200; ++nDocument)
+    {
+        SCOPED_TRACE(nDocument);
+        std::size_t const nSteps = random() % (nDocument % 10 == 0 ? 3000 : 30);
+        std::mt19937 const chance(static_cast<unsigned>(random()));
+        bool const bFormat = random() % 4 != 0;
+        auto const write = [&](CTextStream & stream)
+        {
+            CXmlTextWriter writer(&stream);
+            writer.SetFormat(bFormat);
+            writer.SetIndentChars(nDocument % 3 == 0 ? u"  " : u"\t");
+            ApplyChance(writer, chance, nSteps);
+        };
+        CTextStream octets(XmlEncoding_UTF8);
+        write(octets);
+        // A class of its own makes the writer keep to code units.
+        struct WideStream : CTextStream
+        {
+            using CTextStream::CTextStream;
+        };
+        WideStream wide(XmlEncoding_UTF8);
+        write(wide);
+        std::u16string const strText = wide.GetText();
+        ASSERT_EQ(octets.GetLength(), strText.size());
+        std::string const strOctets = TextOf(octets.GetBinary());
+        ASSERT_TRUE(strOctets == TextOf(EncodeUtf8(strText.c_str())));
+        ASSERT_TRUE((nDocument % 2 != 0 ? octets.GetText() == strText : TextOf(octets.TakeBinary()) == strOctets));
+    }
+}
+
+TEST(TextWriterOctetsTest, WhatCannotBeEncodedIsToldByItsPlace)
+{
+    Output output;
+    output.writer.WriteStartElement(u"r", u"");
+    output.writer.WriteElementView(u"a", u"", u"caf\xE9", ItemType_string);
+    output.writer.WriteElementView(u"b", u"", u"x\xD83D", ItemType_string);
+    output.writer.WriteElementView(u"c", u"", u"good", ItemType_string);
+    output.writer.WriteEndElement();
+    ExpectThrows<CQzException>([&] { output.stream.GetBinary(); },
+        u"Failed to convert text to UTF-8. Invalid surrogate [0x0000D83D] at position [22].");
+    EXPECT_EQ(output.Next(), u"<r>\n\t<a>caf\xE9</a>\n\t<b>x\xD83D</b>\n\t<c>good</c>\n</r>\n");
 }
 
 } // namespace
