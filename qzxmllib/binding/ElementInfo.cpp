@@ -52,8 +52,7 @@ char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16
     return pText;
 }
 
-CElementInfo::CElementInfo(
-    char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool takesNamespace)
+CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool takesNamespace)
     : m_strElementName(OrEmpty(name)), m_strElementNamespace(OrEmpty(namespaceUri)), m_nPropertyIndex(propertyIndex),
       m_bTakesNamespace(takesNamespace)
 {

@@ -81,8 +81,7 @@ protected:
 
     /// For class, wildcard and collection entries.
     /// With takesNamespace ElementFromXml is told the namespace of the class that reads; without, an empty one.
-    CElementInfo(
-        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool takesNamespace = true);
+    CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool takesNamespace = true);
     /// For enumerations. A null default counts as empty.
     CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
         EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue);

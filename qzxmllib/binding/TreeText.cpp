@@ -32,7 +32,7 @@ std::u16string const & CTreeText::MakeString() const
     auto pString = std::make_unique<std::u16string>(View());
     std::u16string * pFirst = nullptr;
     return m_pString.compare_exchange_strong(pFirst, pString.get(), std::memory_order_acq_rel) ? *pString.release()
-                                                                                              : *pFirst;
+                                                                                               : *pFirst;
 }
 
 } // namespace QzXmlLib16

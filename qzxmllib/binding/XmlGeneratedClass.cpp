@@ -477,7 +477,8 @@ CXmlElement * CXmlGeneratedClass::ProcessElementSeqFromXml(
     {
         for (std::size_t i = nResume; ppElements[i] != nullptr; ++i)
         {
-            while (!ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType))
+            while (!ppElements[i]->ElementFromXml(
+                ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType))
             {
                 // The group as a whole did not match: the position goes back, what was read stays.
                 if (!bSkip || pCurrent == nullptr)
@@ -510,8 +511,8 @@ CXmlElement * CXmlGeneratedClass::ProcessElementAllFromXml(
     {
         pLast = pCurrent;
         for (std::size_t i = 0; i < nEntries; ++i)
-            if (!found.Get(i) &&
-                ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType))
+            if (!found.Get(i) && ppElements[i]->ElementFromXml(
+                                     ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType))
                 found.Set(i);
     }
     bool const bElement = eType == XmlElementType_Element;
@@ -535,7 +536,8 @@ CXmlElement * CXmlGeneratedClass::ProcessElementChoiceFromXml(CSerializationCont
     for (;;)
     {
         for (std::size_t i = 0; ppElements[i] != nullptr && !bFound; ++i)
-            bFound = ppElements[i]->ElementFromXml(ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType);
+            bFound = ppElements[i]->ElementFromXml(
+                ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType);
         // Only a class with an element of its own hunts through its children for a match.
         if (bFound || !bSkip || !bElement || pCurrent == nullptr)
             break;

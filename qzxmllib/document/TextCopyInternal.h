@@ -101,8 +101,7 @@ bool NarrowPlain(unsigned char * pOut, std::u16string_view text) noexcept
     }
     if (nUnits >= 4)
     {
-        __m128i const octets =
-            look(_mm_unpacklo_epi64(_mm_loadl_epi64(in(0)), _mm_loadl_epi64(in(nUnits - 4))));
+        __m128i const octets = look(_mm_unpacklo_epi64(_mm_loadl_epi64(in(0)), _mm_loadl_epi64(in(nUnits - 4))));
         int const nHead = _mm_cvtsi128_si32(octets);
         int const nTail = _mm_cvtsi128_si32(_mm_srli_si128(octets, 4));
         std::memcpy(pOut, &nHead, 4);
@@ -124,7 +123,10 @@ struct NoCare
 {
     static bool Is(char16_t) noexcept { return false; }
 #if defined(__SSE2__)
-    static unsigned Bits(__m128i) noexcept { return 0; }
+    static unsigned Bits(__m128i) noexcept
+    {
+        return 0;
+    }
 #endif
 };
 

@@ -44,8 +44,8 @@ public:
     char16_t * Room(std::size_t nUnits) noexcept { return m_buffer.Room(nUnits); }
     void Commit(std::size_t nUnits) noexcept { m_buffer.Commit(nUnits); }
 
-    /// Where a writer may put octets of UTF-8 behind all text so far instead of code units. Null if the stream is not for
-    /// octets, and while its text cannot be encoded.
+    /// Where a writer may put octets of UTF-8 behind all text so far instead of code units. Null if the stream is not
+    /// for octets, and while its text cannot be encoded.
     COctetChain * GetOctets()
     {
         if (m_spOctets == nullptr || m_bStayWide)

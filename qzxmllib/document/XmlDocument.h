@@ -131,7 +131,10 @@ public:
     /// The value, carriage returns included. The first call makes the string object; GetValueView costs nothing.
     std::u16string const & GetValue() const;
     /// The value where it lies. Valid until the document is loaded again or destroyed, or GetValue is called.
-    std::u16string_view GetValueView() const { return m_value.IsPlain() ? m_value.View() : std::u16string_view(GetValue()); }
+    std::u16string_view GetValueView() const
+    {
+        return m_value.IsPlain() ? m_value.View() : std::u16string_view(GetValue());
+    }
     CXmlName const * GetName() const { return m_pName; }
     /// The next attribute of the same element in document order, or null.
     CXmlAttribute * GetNextAttribute() const { return m_pNext; }
@@ -174,7 +177,10 @@ public:
     std::u16string const & GetText() const;
     /// The text where it lies; that of an element with children is joined at the first call. Valid until the document
     /// is loaded again or destroyed, or GetText is called.
-    std::u16string_view GetTextView() const { return m_text.IsPlain() ? m_text.View() : std::u16string_view(GetText()); }
+    std::u16string_view GetTextView() const
+    {
+        return m_text.IsPlain() ? m_text.View() : std::u16string_view(GetText());
+    }
     /// A copy of the text, for those who keep it: nothing is made or joined in the document.
     std::u16string CopyText() const { return m_text.Copy(); }
     /// The same for those who bring the room: GetTextLength() code units.

@@ -221,7 +221,8 @@ void ApplyChance(CXmlTextWriter & writer, std::mt19937 random, std::size_t nStep
     static std::u16string const s_values[] = {u"", u"1", u"plain", u"some plain text, longer", u"x<y & \"z\" > 'w'",
         u"two\nlines", u"one\rline", u"caf\xE9", u"seven \x20AC", u"\U0001F600 and \U0001F601", u"<![CDATA[a<b]]>",
         std::u16string(1024, u'v'), std::u16string(1500, u'\x20AC'), u"all\x7F\x80", std::u16string(u"cut\0off", 7)};
-    auto const pick = [&random](auto const & pool) -> std::u16string const & { return pool[random() % std::size(pool)]; };
+    auto const pick = [&random](auto const & pool) -> std::u16string const &
+    { return pool[random() % std::size(pool)]; };
     writer.StartDocument();
     writer.WriteHeader();
     writer.WriteStartElement(pick(s_names), pick(s_uris));
