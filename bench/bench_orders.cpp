@@ -187,7 +187,6 @@ void FastInfosetRows(Options const & options)
     }
 }
 
-/// JSON of the same objects against a bare parse of their XML text, under the options of ctx.
 /// The same document without classes of its own, as a tree of elements.
 void AnyRows(Options const & options)
 {
@@ -199,10 +198,14 @@ void AnyRows(Options const & options)
         return spRoot;
     };
     CSmartPtr<CElement> const spRoot = read();
-    CSmartPtr<CElement> const spCopy(new CRootElement);
-    spCopy->FromXmlStream(spRoot->ToXmlStream(true, false));
-    if (!AgreeElements(*spRoot, *spCopy))
-        throw CQzException(u"The tree of elements comes back changed");
+    {
+        // Not the tree that is measured: whoever asks an element for its collections makes them.
+        CSmartPtr<CElement> const spChecked = read();
+        CSmartPtr<CElement> const spCopy(new CRootElement);
+        spCopy->FromXmlStream(spRoot->ToXmlStream(true, false));
+        if (!AgreeElements(*spChecked, *spCopy))
+            throw CQzException(u"The tree of elements comes back changed");
+    }
     Timing::Job const bare = [&] { BareParse(strXml.data(), strXml.size()); };
     Timing::Result const reading = Timing::Compare(
         bare, [&] { read(); }, options.effort);
@@ -212,6 +215,7 @@ void AnyRows(Options const & options)
     PrintRow("tree of CElement to XML", writing.jobSeconds, strXml.size(), writing.ratio, "at least 2.0");
 }
 
+/// JSON of the same objects against a bare parse of their XML text, under the options of ctx.
 bool JsonRows(Options const & options, char const * pszKind, CSerializationContext const & ctx)
 {
     std::string strXml = ReadFile(options.strFile);

@@ -351,8 +351,8 @@ void CElement::ToXml_Int(CXmlWriter * pWriter, bool, char16_t const *, CSerializ
 
 void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & ctx) const
 {
-    bool const bAttributes = m_spAttributes != nullptr && m_spAttributes->GetCount() != 0;
-    bool const bChildren = m_spChildElements != nullptr && m_spChildElements->GetCount() != 0;
+    bool const bAttributes = m_spAttributes != nullptr && m_spAttributes->m_nCount != 0;
+    bool const bChildren = m_spChildElements != nullptr && m_spChildElements->m_nCount != 0;
     if (!bAttributes && !bChildren)
     {
         pWriter->WriteElementView(m_strElementName, m_strNamespace.String(), m_text.View(), ItemType_string);
