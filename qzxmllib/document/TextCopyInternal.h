@@ -17,6 +17,18 @@ namespace QzXmlLib16
 /// Code units that a piece copied by CopyLoose may run over its end.
 constexpr std::size_t kSlack = 8;
 
+/// The code unit that ends every text.
+struct CZero
+{
+    static bool Is(char16_t c) noexcept { return c == 0; }
+#if defined(__SSE2__)
+    static unsigned Bits(__m128i units) noexcept
+    {
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_setzero_si128())));
+    }
+#endif
+};
+
 /// The position of the first code unit that is not written as it stands, or the length. Care tells which are these: Is
 /// for one, Bits as the mask of eight.
 template <class Care>
@@ -61,6 +73,9 @@ inline char16_t * CopyLoose(char16_t * pOut, char16_t const * pIn, std::size_t n
 
 /// As above, from ASCII kept as octets to octets, sixteen at a time.
 constexpr std::size_t kOctetSlack = 16;
+/// What a text is filled up with that is copied either way.
+constexpr std::size_t kLongestSlack = std::max(kSlack, kOctetSlack);
+
 inline unsigned char * CopyLoose(unsigned char * pOut, char const * pIn, std::size_t nOctets) noexcept
 {
     for (std::size_t nAt = 0; nAt < nOctets; nAt += kOctetSlack)
@@ -117,18 +132,6 @@ bool NarrowPlain(unsigned char * pOut, std::u16string_view text) noexcept
     }
     return bPlain;
 }
-
-/// Nothing needs care.
-struct NoCare
-{
-    static bool Is(char16_t) noexcept { return false; }
-#if defined(__SSE2__)
-    static unsigned Bits(__m128i) noexcept
-    {
-        return 0;
-    }
-#endif
-};
 
 /// Copies a value. False if a code unit of it is not written as it stands; the copy is of no use then.
 template <class Care>

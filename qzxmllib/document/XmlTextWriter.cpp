@@ -1,11 +1,8 @@
 #include "qzxmllib/document/XmlTextWriter.h"
 
-#include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
-#include "qzxmllib/document/OctetChainInternal.h"
-#include "qzxmllib/document/TextCopyInternal.h"
-#include "qzxmllib/document/TextStream.h"
+#include "qzxmllib/document/PiecesInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
@@ -111,7 +108,7 @@ public:
     void Put(char16_t c) noexcept { *m_pAt++ = static_cast<unsigned char>(c); }
     void Put(std::u16string_view text) noexcept
     {
-        m_bGood = NarrowPlain<NoCare>(m_pAt, text) && m_bGood;
+        m_bGood = NarrowPlain<CZero>(m_pAt, text) && m_bGood;
         m_pAt += text.size();
     }
     std::size_t GetLength() const noexcept { return static_cast<std::size_t>(m_pAt - m_pRoom); }
@@ -137,34 +134,7 @@ private:
     CTextStream & m_stream;
 };
 
-constexpr std::size_t kNoText = std::u16string_view::npos;
-
-/// The octets of a text in UTF-8, or kNoText if something in it is not written as it stands or cannot be encoded.
-template <class Care>
-[[gnu::noinline]] std::size_t NarrowUnlessCare(unsigned char * pOut, std::u16string_view text)
-{
-    if (FindCare<Care>(text.data(), text.size()) != text.size())
-        return kNoText;
-    NarrowResult const result = NarrowUtf8(text.data(), text.size(), pOut);
-    return result.nUnits == text.size() ? result.nOctets : kNoText;
-}
-
 } // namespace
-
-struct CXmlTextWriter::TwinText
-{
-    std::u16string strWide;
-    std::string strOctets; ///< as long as strWide, or empty if that is not all ASCII
-
-    /// Fills both up so that CopyLoose may run over their end, and makes the octets.
-    void Finish()
-    {
-        strWide.append(std::max(kSlack, kOctetSlack), u' ');
-        strOctets.resize(strWide.size());
-        if (!NarrowPlain<NoCare>(reinterpret_cast<unsigned char *>(&strOctets[0]), strWide))
-            strOctets.clear();
-    }
-};
 
 struct CXmlTextWriter::TagText
 {
@@ -193,67 +163,6 @@ struct CXmlTextWriter::NameCaches
     CKnownDeclarations declarations;
 };
 
-namespace
-{
-
-/// Where elements and attributes go that are written in one piece: code units.
-class CWideOut
-{
-public:
-    explicit CWideOut(CTextStream & stream) noexcept : m_stream(stream) {}
-
-    /// Null if there is not enough room in one piece.
-    char16_t * Room(std::size_t nFixed, std::size_t nText) { return m_stream.Room(nFixed + nText + kSlack); }
-    template <class Twin>
-    static char16_t const * Of(Twin const & twin) noexcept
-    {
-        return twin.strWide.data();
-    }
-    /// The length of the text as it was written, or kNoText.
-    template <class Care>
-    static std::size_t PutText(char16_t * pOut, std::u16string_view text) noexcept
-    {
-        return CopyPlain<Care>(pOut, text) ? text.size() : kNoText;
-    }
-    void Commit(std::size_t nLength, std::size_t, std::size_t) noexcept { m_stream.Commit(nLength); }
-
-private:
-    CTextStream & m_stream;
-};
-
-/// The same for octets.
-class COctetOut
-{
-public:
-    explicit COctetOut(COctetChain & octets) noexcept : m_octets(octets) {}
-
-    unsigned char * Room(std::size_t nFixed, std::size_t nText)
-    {
-        std::size_t const nMost = nFixed + 3 * nText + kOctetSlack;
-        return nMost <= COctetChain::kMostRoom ? m_octets.Room(nMost) : nullptr;
-    }
-    template <class Twin>
-    static char const * Of(Twin const & twin) noexcept
-    {
-        return twin.strOctets.data();
-    }
-    template <class Care>
-    static std::size_t PutText(unsigned char * pOut, std::u16string_view text) noexcept
-    {
-        return NarrowPlain<Care>(pOut, text) ? text.size() : NarrowUnlessCare<Care>(pOut, text);
-    }
-    /// nText of the octets are nUnits code units of text, the others are ASCII.
-    void Commit(std::size_t nLength, std::size_t nText, std::size_t nUnits) noexcept
-    {
-        m_octets.Commit(nLength, nLength - nText + nUnits);
-    }
-
-private:
-    COctetChain & m_octets;
-};
-
-} // namespace
-
 CXmlTextWriter::CXmlTextWriter(CTextStream * pStream)
     : CXmlWriter(u"CXmlTextWriter"), m_strEOL(u"\n"), m_eEOLType(EOLType_LF), m_bFormat(true), m_pStream(pStream),
       m_spNames(CNameSpare<NameCaches>::Take())
@@ -271,14 +180,20 @@ CXmlTextWriter::~CXmlTextWriter()
     CNameSpare<NameCaches>::GiveBack(std::move(m_spNames));
 }
 
+/// Where octets can be written, or null.
+inline COctetChain * CXmlTextWriter::GetOctets() const
+{
+    return m_bOctets ? m_pStream->GetOctets() : nullptr;
+}
+
 inline void CXmlTextWriter::Put(char16_t const * pText, std::size_t nUnits)
 {
-    m_pStream->Write(pText, nUnits);
+    PutText(*m_pStream, GetOctets(), {pText, nUnits});
 }
 
 inline void CXmlTextWriter::Put(std::u16string_view text)
 {
-    m_pStream->Write(text.data(), text.size());
+    PutText(*m_pStream, GetOctets(), text);
 }
 
 inline void CXmlTextWriter::PutEOL()
@@ -290,12 +205,6 @@ inline void CXmlTextWriter::FlushIfFull()
 {
     if (m_pStream->NeedsFlush())
         m_pStream->Flush();
-}
-
-/// Where octets can be written, or null.
-inline COctetChain * CXmlTextWriter::GetOctets() const
-{
-    return m_bOctets ? m_pStream->GetOctets() : nullptr;
 }
 
 /// Lets write put at most nMax code units, straight into octets or into the block of the stream if they fit.
@@ -505,7 +414,7 @@ void CXmlTextWriter::WriteTextView(std::u16string_view text, ItemType)
         return;
     if (context.m_bStartTagOpen)
     {
-        m_pStream->Write(u'>');
+        Put(u">");
         context.m_bStartTagOpen = false;
     }
     if (text[0] == u'<' && text.substr(0, kCDataStart.size()) == kCDataStart)
@@ -586,7 +495,7 @@ void CXmlTextWriter::WriteAttributeView(
             to.Put(u'"');
         });
     WriteEscaped(value, true);
-    m_pStream->Write(u'"');
+    Put(u"\"");
     FlushIfFull();
 }
 
@@ -633,7 +542,7 @@ inline bool CXmlTextWriter::PutAttribute(Out out, TwinText const & head, std::u1
     auto * const pRoom = out.Room(head.strWide.size() + 1, value.size());
     if (pRoom == nullptr)
         return false;
-    auto * p = CopyLoose(pRoom, out.Of(head), head.strWide.size() - std::max(kSlack, kOctetSlack));
+    auto * p = CopyLoose(pRoom, out.Of(head), head.strWide.size() - kLongestSlack);
     std::size_t const nValue = out.template PutText<Care<true>>(p, value);
     if (nValue == kNoText)
         return false;
@@ -793,7 +702,7 @@ void CXmlTextWriter::SetIndentChars(std::u16string const & strIndentChars)
     std::u16string & strRun = spRun->strWide;
     strRun = UpToZero(strIndentChars);
     std::size_t const nUnits = strRun.size();
-    strRun.reserve(kIndentLevels * nUnits + std::max(kSlack, kOctetSlack));
+    strRun.reserve(kIndentLevels * nUnits + kLongestSlack);
     for (std::size_t nLevels = 1; nLevels < kIndentLevels; nLevels *= 2)
         strRun.append(strRun.data(), nLevels * nUnits);
     spRun->Finish();

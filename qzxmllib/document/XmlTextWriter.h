@@ -13,6 +13,7 @@ namespace QzXmlLib16
 {
 
 class COctetChain;
+struct TwinText;
 
 /// Writes XML text into a stream. Carriage returns in values vanish, line feeds in text become the line end, text
 /// that begins with "<![CDATA[" is written as it stands, and every text stops at its first code unit 0.
@@ -89,8 +90,6 @@ private:
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
     TagText const * MakeTags(
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
-    /// A text that is written often, and the same as octets.
-    struct TwinText;
     template <class Out>
     bool PutAttribute(Out out, TwinText const & head, std::u16string_view value);
     template <class Out>

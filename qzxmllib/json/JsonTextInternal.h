@@ -34,18 +34,6 @@ struct CNotBlank
 #endif
 };
 
-/// The code unit that ends every text.
-struct CZero
-{
-    static bool Is(char16_t c) noexcept { return c == 0; }
-#if defined(__SSE2__)
-    static unsigned Bits(__m128i units) noexcept
-    {
-        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_setzero_si128())));
-    }
-#endif
-};
-
 /// The position of the first code unit that is special in a JSON string, or the length.
 inline std::size_t FindSpecialInJson(char16_t const * pText, std::size_t nUnits) noexcept
 {

@@ -1,9 +1,8 @@
 #include "qzxmllib/json/JsonTextWriter.h"
 
-#include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
-#include "qzxmllib/document/TextStream.h"
+#include "qzxmllib/document/PiecesInternal.h"
 #include "qzxmllib/json/JsonTextInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
@@ -95,9 +94,9 @@ struct CJsonTextWriter::NameCaches
 {
     std::size_t GetSize() const noexcept { return std::max(elements.GetSize(), attributes.GetSize()); }
 
-    /// The name of a property with its quotes, the colon and one more quote, and kSlack code units.
-    CNameCache<std::u16string> elements;
-    CNameCache<std::u16string> attributes;
+    /// The name of a property with its quotes, the colon and one more quote.
+    CNameCache<TwinText> elements;
+    CNameCache<TwinText> attributes;
     CKnownDeclarations declarations;
     /// The options that the names were prepared for.
     JsonRoundTrip eRoundTrip = JsonRoundTrip_Full;
@@ -106,8 +105,9 @@ struct CJsonTextWriter::NameCaches
 
 CJsonTextWriter::CJsonTextWriter(CTextStream & stream)
     : CXmlWriter(u"CJsonTextWriter"), m_strIndentChars(u"\t"), m_strEOL(u"\n"), m_pStream(&stream),
-      m_spNames(CNameSpare<NameCaches>::Take())
+      m_spNames(CNameSpare<NameCaches>::Take()), m_spBreak(std::make_unique<TwinText>())
 {
+    ForgetBreak();
 }
 
 CJsonTextWriter::~CJsonTextWriter()
@@ -115,14 +115,20 @@ CJsonTextWriter::~CJsonTextWriter()
     CNameSpare<NameCaches>::GiveBack(std::move(m_spNames));
 }
 
+/// Where octets can be written, or null.
+inline COctetChain * CJsonTextWriter::GetOctets() const
+{
+    return m_bOctets ? m_pStream->GetOctets() : nullptr;
+}
+
 inline void CJsonTextWriter::Put(std::u16string_view text)
 {
-    m_pStream->Write(text.data(), text.size());
+    PutText(*m_pStream, GetOctets(), text);
 }
 
 inline void CJsonTextWriter::Put(char16_t c)
 {
-    m_pStream->Write(c);
+    PutText(*m_pStream, GetOctets(), {&c, 1});
 }
 
 inline void CJsonTextWriter::FlushIfFull()
@@ -131,30 +137,31 @@ inline void CJsonTextWriter::FlushIfFull()
         m_pStream->Flush();
 }
 
-/// A line end and, on the new line, the indentation of the depth; kSlack code units more may be read.
-inline std::u16string_view CJsonTextWriter::Break(std::int32_t nDepth)
+/// The length of a line end and, on the new line, the indentation of the depth. They lie in m_spBreak.
+inline std::size_t CJsonTextWriter::Break(std::int32_t nDepth)
 {
     if (!m_bFormat)
-        return {};
+        return 0;
     std::size_t const nUnits = m_strEOL.size() + static_cast<std::size_t>(nDepth) * m_strIndentChars.size();
-    if (m_strBreak.size() < nUnits + kSlack)
-        GrowBreak(nUnits + kSlack);
-    return {m_strBreak.data(), nUnits};
+    if (m_spBreak->strWide.size() < nUnits + kLongestSlack)
+        GrowBreak(nUnits);
+    return nUnits;
 }
 
 void CJsonTextWriter::GrowBreak(std::size_t nUnits)
 {
-    if (m_strBreak.empty())
-        m_strBreak = m_strEOL;
-    if (m_strIndentChars.empty())
-        m_strBreak.resize(nUnits);
-    while (m_strBreak.size() < nUnits)
-        m_strBreak += m_strIndentChars;
+    std::u16string & strBreak = m_spBreak->strWide;
+    std::size_t const nMost = 2 * nUnits;
+    strBreak = m_strEOL;
+    while (!m_strIndentChars.empty() && strBreak.size() < nMost)
+        strBreak += m_strIndentChars;
+    m_spBreak->Finish();
 }
 
 inline void CJsonTextWriter::PutBreak(std::int32_t nDepth)
 {
-    Put(Break(nDepth));
+    std::size_t const nUnits = Break(nDepth);
+    Put({m_spBreak->strWide.data(), nUnits});
 }
 
 /// A part of a name or a URI, which is not escaped where other tools do not matter.
@@ -248,7 +255,7 @@ void CJsonTextWriter::WriteValue(std::u16string_view text, ItemType eType)
 
 /// What the property of a name begins with. Null if its namespace has no alias, and for a name that needs escapes.
 template <bool bAttribute>
-inline std::u16string const * CJsonTextWriter::FindHead(
+inline TwinText const * CJsonTextWriter::FindHead(
     CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri)
 {
     if (!m_bNamesFit)
@@ -256,9 +263,17 @@ inline std::u16string const * CJsonTextWriter::FindHead(
     bool const bFull = m_eRoundTrip == JsonRoundTrip_Full;
     std::uint64_t const nVersion = bFull ? context.GetDeclarationsVersion() : kNoDeclarations;
     auto & names = bAttribute ? m_spNames->attributes : m_spNames->elements;
+    std::uint64_t const nEntry = EntryOf(strName);
+    if (nEntry != 0)
+        if (TwinText const * const pHead = names.FindNumber(nVersion, nEntry))
+            return pHead;
     std::u16string_view const uri = bFull ? std::u16string_view(strUri) : std::u16string_view();
-    std::u16string const * const pHead = names.Find(nVersion, strName, uri);
-    return pHead != nullptr ? pHead : MakeHead(context, bAttribute, strName, strUri);
+    TwinText * const pHead = names.Find(nVersion, strName, uri);
+    if (pHead == nullptr)
+        return MakeHead(context, bAttribute, strName, strUri);
+    if (nEntry != 0)
+        names.Number(nVersion, nEntry, *pHead);
+    return pHead;
 }
 
 void CJsonTextWriter::FitNames()
@@ -274,7 +289,7 @@ void CJsonTextWriter::FitNames()
     m_bNamesFit = true;
 }
 
-std::u16string const * CJsonTextWriter::MakeHead(
+TwinText const * CJsonTextWriter::MakeHead(
     CXmlWriterContext const & context, bool bAttribute, std::u16string const & strName, std::u16string const & strUri)
 {
     bool const bFull = m_eRoundTrip == JsonRoundTrip_Full;
@@ -291,18 +306,12 @@ std::u16string const * CJsonTextWriter::MakeHead(
     strHead.append(UpToZero(strName));
     if (m_bStrict && FindSpecialInJson(strHead.data() + 1, strHead.size() - 1) != strHead.size() - 1)
         return nullptr;
-    strHead.append(u"\": \"").append(kSlack, u' ');
+    strHead.append(u"\": \"");
     auto & names = bAttribute ? m_spNames->attributes : m_spNames->elements;
-    std::u16string & strKept = names.Keep(bFull ? context.GetDeclarationsVersion() : kNoDeclarations, strName, strUri);
-    strKept = std::move(strHead);
-    return &strKept;
-}
-
-/// The beginning of one more property of the element, without its name, in the room given.
-inline char16_t * CJsonTextWriter::PutSeparator(char16_t * pRoom, std::u16string_view lineBreak) const
-{
-    *pRoom = m_bObjectPending ? u'{' : u',';
-    return CopyLoose(pRoom + 1, lineBreak.data(), lineBreak.size());
+    TwinText & head = names.Keep(bFull ? context.GetDeclarationsVersion() : kNoDeclarations, strName, strUri);
+    head.strWide = std::move(strHead);
+    head.Finish();
+    return &head;
 }
 
 /// Whether a property of the element would be the first thing in an array.
@@ -312,6 +321,20 @@ inline bool CJsonTextWriter::OpensArray(CXmlWriterContext const & holder) const
            holder.GetParent()->m_eArrayState == ArrayState_Announced;
 }
 
+/// Calls put with the place for octets, if all that goes there besides a value is ASCII, or else with that for code
+/// units. False if neither took it.
+template <class F>
+inline bool CJsonTextWriter::PutInOnePiece(bool bAscii, F const & put)
+{
+    COctetChain * const pOctets = bAscii && !m_spBreak->strOctets.empty() ? GetOctets() : nullptr;
+    if (pOctets != nullptr && put(COctetOut(*pOctets)))
+        return true;
+    if (!put(CWideOut(*m_pStream)))
+        return false;
+    FlushIfFull();
+    return true;
+}
+
 /// Writes a property in one piece. False, and nothing done, if it is not of the usual kind.
 template <bool bAttribute>
 [[gnu::always_inline]] inline bool CJsonTextWriter::WriteShortProperty(CXmlWriterContext & holder,
@@ -319,30 +342,36 @@ template <bool bAttribute>
 {
     if (value.size() > kLongestInOnePiece || OpensArray(holder))
         return false;
-    std::u16string const * const pHead = FindHead<bAttribute>(holder, strName, strUri);
+    TwinText const * const pHead = FindHead<bAttribute>(holder, strName, strUri);
     if (pHead == nullptr)
         return false;
-    std::u16string_view const lineBreak = Break(holder.m_nDepth + 1);
-    char16_t * const pRoom = m_pStream->Room(lineBreak.size() + pHead->size() + value.size() + 2 + kSlack);
-    if (pRoom == nullptr)
+    std::size_t const nBreak = Break(holder.m_nDepth + 1);
+    std::size_t const nHead = pHead->strWide.size() - kLongestSlack;
+    bool const bUnquoted = IsUnquoted(eType) && (!m_bStrict || IsJsonLiteral(value));
+    auto const put = [&](auto out)
+    {
+        auto * const pRoom = out.Room(nBreak + nHead + 2, value.size());
+        if (pRoom == nullptr)
+            return false;
+        auto * p = pRoom + 1;
+        if (m_bObjectPending)
+            *pRoom = u'{';
+        else
+            *pRoom = u',';
+        p = CopyLoose(CopyLoose(p, out.Of(*m_spBreak), nBreak), out.Of(*pHead), nHead);
+        std::size_t const nValue =
+            bUnquoted ? out.template PutText<CZero>(--p, value) : out.template PutText<CSpecialInJson>(p, value);
+        if (nValue == kNoText)
+            return false;
+        p += nValue;
+        if (!bUnquoted)
+            *p++ = u'"';
+        out.Commit(static_cast<std::size_t>(p - pRoom), nValue, value.size());
+        return true;
+    };
+    if (!PutInOnePiece(!pHead->strOctets.empty(), put))
         return false;
-    char16_t * p = CopyLoose(PutSeparator(pRoom, lineBreak), pHead->data(), pHead->size() - kSlack);
-    if (IsUnquoted(eType) && (!m_bStrict || IsJsonLiteral(value)))
-    {
-        if (!CopyPlain<CZero>(--p, value))
-            return false;
-        p += value.size();
-    }
-    else
-    {
-        if (!CopyPlain<CSpecialInJson>(p, value))
-            return false;
-        p += value.size();
-        *p++ = u'"';
-    }
-    m_pStream->Commit(static_cast<std::size_t>(p - pRoom));
     m_bObjectPending = false;
-    FlushIfFull();
     return true;
 }
 
@@ -350,6 +379,7 @@ void CJsonTextWriter::StartDocument()
 {
     CXmlWriter::StartDocument();
     m_bWholeElements = typeid(*this) == typeid(CJsonTextWriter);
+    m_bOctets = typeid(*m_pStream) == typeid(CTextStream);
     m_pStream->Open();
 }
 
@@ -536,21 +566,27 @@ bool CJsonTextWriter::WriteShortStart(
 {
     if (OpensArray(holder))
         return false;
-    std::u16string_view head;
-    if (bNamed)
-    {
-        std::u16string const * const pHead = FindHead<false>(holder, strName, strUri);
-        if (pHead == nullptr)
-            return false;
-        head = {pHead->data(), pHead->size() - kSlack - 1};
-    }
-    std::u16string_view const lineBreak = Break(holder.m_nDepth + 1);
-    char16_t * const pRoom = m_pStream->Room(1 + lineBreak.size() + head.size() + kSlack);
-    if (pRoom == nullptr)
+    TwinText const * const pHead = bNamed ? FindHead<false>(holder, strName, strUri) : m_spBreak.get();
+    if (pHead == nullptr)
         return false;
-    char16_t const * const p = CopyLoose(PutSeparator(pRoom, lineBreak), head.data(), head.size());
-    m_pStream->Commit(static_cast<std::size_t>(p - pRoom));
-    return true;
+    std::size_t const nBreak = Break(holder.m_nDepth + 1);
+    // Without the quote in front of a value.
+    std::size_t const nHead = bNamed ? pHead->strWide.size() - kLongestSlack - 1 : 0;
+    auto const put = [&](auto out)
+    {
+        auto * const pRoom = out.Room(1 + nBreak + nHead, 0);
+        if (pRoom == nullptr)
+            return false;
+        auto * p = pRoom + 1;
+        if (m_bObjectPending)
+            *pRoom = u'{';
+        else
+            *pRoom = u',';
+        p = CopyLoose(CopyLoose(p, out.Of(*m_spBreak), nBreak), out.Of(*pHead), nHead);
+        out.Commit(static_cast<std::size_t>(p - pRoom), 0, 0);
+        return true;
+    };
+    return PutInOnePiece(!pHead->strOctets.empty(), put);
 }
 
 void CJsonTextWriter::WriteElementView(
@@ -661,13 +697,19 @@ void CJsonTextWriter::SetEOL(EOLType eEOLType)
         throw CQzException(u"Invalid EOL type.");
     m_strEOL = eEOLType == EOLType_CRLF ? u"\r\n" : u"\n";
     m_eEOLType = eEOLType;
-    m_strBreak.clear();
+    ForgetBreak();
 }
 
 void CJsonTextWriter::SetIndentChars(char16_t const * pszIndentChars)
 {
     m_strIndentChars = pszIndentChars;
-    m_strBreak.clear();
+    ForgetBreak();
+}
+
+void CJsonTextWriter::ForgetBreak()
+{
+    m_spBreak->strWide.clear();
+    m_spBreak->Finish();
 }
 
 } // namespace QzXmlLib16

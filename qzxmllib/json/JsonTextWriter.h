@@ -15,6 +15,9 @@
 namespace QzXmlLib16
 {
 
+class COctetChain;
+struct TwinText;
+
 /// Writes JSON into a stream while the object is walked. An element becomes a property whose value is an object if it
 /// has attributes or children and else its text; an element with nothing is null. A collection becomes an array. Line
 /// feeds in values become the line end, carriage returns vanish, and every text stops at its first code unit 0.
@@ -91,8 +94,10 @@ private:
 
     void Put(std::u16string_view text);
     void Put(char16_t c);
-    std::u16string_view Break(std::int32_t nDepth);
+    COctetChain * GetOctets() const;
+    std::size_t Break(std::int32_t nDepth);
     void GrowBreak(std::size_t nUnits);
+    void ForgetBreak();
     void PutBreak(std::int32_t nDepth);
     void PutRaw(std::u16string_view text);
     void PutName(std::u16string_view mark, std::u16string const * pAlias, std::u16string const & strName);
@@ -111,12 +116,13 @@ private:
     void FlushIfFull();
     void FitNames();
     template <bool bAttribute>
-    std::u16string const * FindHead(
+    TwinText const * FindHead(
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
-    std::u16string const * MakeHead(CXmlWriterContext const & context, bool bAttribute, std::u16string const & strName,
+    TwinText const * MakeHead(CXmlWriterContext const & context, bool bAttribute, std::u16string const & strName,
         std::u16string const & strUri);
     bool OpensArray(CXmlWriterContext const & holder) const;
-    char16_t * PutSeparator(char16_t * pRoom, std::u16string_view lineBreak) const;
+    template <class F>
+    bool PutInOnePiece(bool bAscii, F const & put);
     template <bool bAttribute>
     bool WriteShortProperty(CXmlWriterContext & holder, std::u16string const & strName, std::u16string const & strUri,
         std::u16string_view value, ItemType eType);
@@ -137,8 +143,10 @@ private:
     std::unique_ptr<NameCaches> m_spNames;
     /// Whether the names kept there were prepared for the options of this writer.
     bool m_bNamesFit = false;
-    /// The line end and as much indentation as was needed so far, and some code units more that may be copied with it.
-    std::u16string m_strBreak;
+    /// Whether the stream keeps octets and nobody else has ideas of what it does with code units.
+    bool m_bOctets = false;
+    /// The line end and as much indentation as was needed so far.
+    std::unique_ptr<TwinText> m_spBreak;
     /// One for each open array, innermost last. Records behind m_nArrays are kept for their strings.
     std::vector<ItemName> m_arrays;
     std::size_t m_nArrays = 0;
