@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/document/Encoder.h"
+#include "qzxmllib/document/ParserMemoryInternal.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
 #include "qzxmllib/support/QzException.h"
 
@@ -15,7 +16,7 @@ namespace QzXmlLib16
 namespace
 {
 
-constexpr char kSeparator = '|';
+constexpr char kSeparator[] = "|";
 
 /// Behind every piece but the last the parser counts the lines, which input in one piece is spared. The copy that the
 /// parser makes of it is gone before objects are built from the tree; where elements are dropped as they come it would
@@ -31,7 +32,10 @@ std::u16string DecodeParserText(char const * pszText)
 
 } // namespace
 
-CExpatReader::CExpatReader(CXmlDocument & doc) : CInstanceMonitor(u"CExpatReader"), m_doc(doc) {}
+CExpatReader::CExpatReader(CXmlDocument & doc)
+    : CInstanceMonitor(u"CExpatReader"), m_doc(doc), m_spMemory(std::make_unique<CParserMemory>())
+{
+}
 
 CExpatReader::~CExpatReader()
 {
@@ -44,10 +48,12 @@ void CExpatReader::Init()
     m_pFailure = nullptr;
     m_nHeld = 0;
     m_nMaxDepth = m_doc.GetContext().GetReadLimits().nMaxDepth;
-    m_parser = m_doc.m_eSchemaType == SchemaType_NoNamespaces ? XML_ParserCreate(nullptr)
-                                                              : XML_ParserCreateNS(nullptr, kSeparator);
+    CParserMemory::Use const use(*m_spMemory);
+    bool const bNamespaces = m_doc.m_eSchemaType != SchemaType_NoNamespaces;
+    m_parser = XML_ParserCreate_MM(nullptr, CParserMemory::GetFunctions(), bNamespaces ? kSeparator : nullptr);
     if (m_parser == nullptr)
         throw std::bad_alloc();
+    XML_SetHashSalt(m_parser, MakeHashSalt());
     XML_SetUserData(m_parser, this);
     XML_SetElementHandler(m_parser, StartElementHandler, EndElementHandler);
     XML_SetNamespaceDeclHandler(m_parser, StartNamespaceHandler, EndNamespaceHandler);
@@ -58,6 +64,7 @@ void CExpatReader::Init()
 
 void CExpatReader::Parse(unsigned char const * pOctets, std::size_t nOctets, bool bFinal)
 {
+    CParserMemory::Use const use(*m_spMemory);
     bool const bWhole = bFinal && nOctets <= kWholeOctets && m_doc.m_pfnElementComplete == nullptr;
     std::size_t const nMost = bWhole ? kWholeOctets : kPieceOctets;
     for (;;)

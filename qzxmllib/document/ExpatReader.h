@@ -6,11 +6,14 @@
 
 #include <cstddef>
 #include <exception>
+#include <memory>
 
 struct XML_ParserStruct;
 
 namespace QzXmlLib16
 {
+
+class CParserMemory;
 
 /// Turns the events of the XML parser into the tree of a document. Call Init, then Parse for each piece of the input;
 /// after the last piece or a failure the reader can only be destroyed.
@@ -46,6 +49,7 @@ private:
     void FreeParser();
 
     CXmlDocument & m_doc;
+    std::unique_ptr<CParserMemory> m_spMemory;
     XML_ParserStruct * m_parser = nullptr;
     std::size_t m_nMaxDepth = 0;
     /// What a handler has thrown. No exception passes through the frames of the parser.
