@@ -294,9 +294,10 @@ public:
     /// Adds a new item at the end. It belongs to the collection.
     Item * Add()
     {
-        QzXmlLib16::CSmartPtr<Item> const spItem(new Item(m_strElementName.c_str()));
-        AppendItem(spItem);
-        return spItem;
+        QzXmlLib16::CSmartPtr<Item> spItem(new Item(m_strElementName.c_str()));
+        Item * const pItem = spItem;
+        TakeItem(std::move(spItem));
+        return pItem;
     }
     template <class F>
     void ForEach(F && call) const

@@ -274,7 +274,7 @@ void CElementInfo::ValidateCollection(CSerializationContext const & ctx, CXmlGen
         return;
     QzVariant value;
     ReadProperty(pClass, value);
-    value.GetXmlCollection()->ValidateCount(ctx);
+    CVariantText::CollectionOf(value)->ValidateCount(ctx);
 }
 
 void CElementInfo::ObjectAttributesToXml(XmlElementType eType, CSerializationContext const & ctx,
@@ -415,7 +415,7 @@ CXmlElement * CElementInfo::ReadCollection(CXmlGeneratedClass * pClass, CXmlElem
     CSerializationContext const & ctx, QzVariant & value) const
 {
     InvokePropertyGet(pClass, value);
-    return FromXml_Int(value.GetXmlCollection(), pParent, pCurrent, ctx, false);
+    return FromXml_Int(CVariantText::CollectionOf(value), pParent, pCurrent, ctx, false);
 }
 
 bool CElementInfo::ValidateMandatory(bool bFound, bool bStrict) const

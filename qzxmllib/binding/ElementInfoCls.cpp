@@ -4,6 +4,7 @@
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/QzVariant.h"
+#include "qzxmllib/values/QzVariantInternal.h"
 
 using namespace QzXmlLib16;
 
@@ -33,7 +34,7 @@ CSmartPtr<CXmlObjectBase> CElementInfo::HeldObject(CXmlGeneratedClass * pClass) 
 {
     QzVariant value;
     InvokePropertyGet(pClass, value);
-    CSmartPtr<CXmlObjectBase> const spObject = ObjectOf(value);
+    CSmartPtr<CXmlObjectBase> spObject = CVariantText::TakeObject(value);
     WriteMandatory(spObject != nullptr);
     return spObject;
 }

@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/values/QzVariant.h"
+#include "qzxmllib/values/QzVariantInternal.h"
 
 namespace QzXmlLib16Data
 {
@@ -25,8 +26,8 @@ bool CElementInfoSeqCol::EndSequence(
     CSerializationContext const & ctx, QzVariant const & value, XmlElementType parentType)
 {
     if (parentType != XmlElementType_Element)
-        return value.GetXmlCollection()->IsValidCount(ctx);
-    value.GetXmlCollection()->ValidateCount(ctx);
+        return QzXmlLib16::CVariantText::CollectionOf(value)->IsValidCount(ctx);
+    QzXmlLib16::CVariantText::CollectionOf(value)->ValidateCount(ctx);
     return true;
 }
 
@@ -68,13 +69,13 @@ bool CElementInfoChoiceCol::EndChoice(CSerializationContext const & ctx, QzVaria
     if (parentType != XmlElementType_Element)
     {
         // A bad number of items in a pseudo class puts the position back; the items stay.
-        if (!value.GetXmlCollection()->IsValidCount(ctx))
+        if (!QzXmlLib16::CVariantText::CollectionOf(value)->IsValidCount(ctx))
             return false;
         *ppCurrent = pHeld;
         return true;
     }
     *ppCurrent = pHeld;
-    value.GetXmlCollection()->ValidateCount(ctx);
+    QzXmlLib16::CVariantText::CollectionOf(value)->ValidateCount(ctx);
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/QzVariant.h"
+#include "qzxmllib/values/QzVariantInternal.h"
 
 #include <string_view>
 
@@ -85,7 +86,7 @@ CXmlElement * CElementInfo::ReadUntypedCollection(CXmlGeneratedClass * pClass, C
     CXmlElement * pCurrent, CSerializationContext const & ctx, QzVariant & value) const
 {
     InvokePropertyGet(pClass, value);
-    CSmartPtr<CXmlCollectionBase> const spCollection = value.GetXmlCollection();
+    CSmartPtr<CXmlCollectionBase> const spCollection = CVariantText::CollectionOf(value);
     auto * const pElements = dynamic_cast<CElementCol *>(spCollection.Get());
     if (pElements == nullptr)
         throw CQzException(u"Serialization Data Error : The collection should be a CElementCol, it was not!");

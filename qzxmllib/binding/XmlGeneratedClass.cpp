@@ -197,7 +197,7 @@ bool CXmlGeneratedClass::DoesElementContainOptionalElements() const
         {
             QzVariant value;
             ReadProperty(pEntry->GetPropertyIndex(), value);
-            if (value.GetXmlCollection()->GetMinOccurs() == 0)
+            if (CVariantText::CollectionOf(value)->GetMinOccurs() == 0)
                 return true;
         }
         else if (IsOneOf<CElementInfoChoicePrimOpt, CElementInfoChoiceClsOpt, CElementInfoChoiceAbsClsOpt,

@@ -261,11 +261,17 @@ CSmartPtr<CXmlObjectBase> CVariantText::TakeObject(QzVariant & value)
     return pHeld != nullptr && !value.m_isNil ? std::move(*pHeld) : CSmartPtr<CXmlObjectBase>();
 }
 
+CXmlCollectionBase * CVariantText::CollectionOf(QzVariant const & value)
+{
+    value.CheckType(ItemType_XmlCollection);
+    auto const * const pHeld = std::get_if<CSmartPtr<CXmlObjectBase>>(&value.m_value);
+    // Only SetXmlCollection gives this kind, so the object is a collection.
+    return pHeld != nullptr && !value.m_isNil ? static_cast<CXmlCollectionBase *>(pHeld->Get()) : nullptr;
+}
+
 CSmartPtr<CXmlCollectionBase> QzVariant::GetXmlCollection() const
 {
-    CheckType(ItemType_XmlCollection);
-    // Only SetXmlCollection gives this kind, so the object is a collection.
-    return static_cast<CXmlCollectionBase *>(GetXmlObject().Get());
+    return CVariantText::CollectionOf(*this);
 }
 
 std::u16string_view CVariantText::View(QzVariant const & value, char16_t const * pszFormat, std::u16string & strScratch)

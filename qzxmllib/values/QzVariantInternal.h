@@ -31,6 +31,9 @@ struct CVariantText
     /// Takes the object or collection out of the variant, which then holds a null. A value without a type holds none.
     static CSmartPtr<CXmlObjectBase> TakeObject(QzVariant & value);
 
+    /// The collection in the variant, which goes on holding it.
+    static CXmlCollectionBase * CollectionOf(QzVariant const & value);
+
     /// Drops what is no string and leaves all marks as they are.
     static void Drop(QzVariant & value) noexcept;
 
