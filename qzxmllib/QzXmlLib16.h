@@ -13,6 +13,7 @@
 #include "qzxmllib/binding/ElementInfoCol.h"
 #include "qzxmllib/binding/ElementInfoPrim.h"
 #include "qzxmllib/binding/ElementInfoUntpd.h"
+#include "qzxmllib/binding/EntryId.h"
 #include "qzxmllib/binding/EventSink.h"
 #include "qzxmllib/binding/ItemList.h"
 #include "qzxmllib/binding/MetadataTypes.h"

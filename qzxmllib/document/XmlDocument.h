@@ -42,7 +42,7 @@ struct XmlRuns;
 
 /// What a node keeps outside the memory of its document. The document has all of it in a ring, so that the nodes need
 /// not be visited when they all go.
-struct QZXMLLIB_API XmlOwned
+struct XmlOwned
 {
     XmlOwned() noexcept : pNext(this), pPrevious(this) {}
     explicit XmlOwned(XmlOwned & ring) noexcept : pNext(&ring), pPrevious(ring.pPrevious)
