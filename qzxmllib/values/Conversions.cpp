@@ -1,5 +1,6 @@
 #include "qzxmllib/values/Conversions.h"
 
+#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/FormatStringInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BigInteger.h"
@@ -671,9 +672,13 @@ bool CConversions::booleanFromString(std::u16string_view text, WhitespaceRule eR
 {
     std::u16string strScratch;
     std::u16string_view const changed = CWhitespaceUtils::ApplyRule(eRule, text, strScratch);
-    if (EqualsLower(changed, u"true") || changed == u"1")
+    if (EqualText(changed, u"true") || EqualText(changed, u"1"))
         return true;
-    if (EqualsLower(changed, u"false") || changed == u"0")
+    if (EqualText(changed, u"false") || EqualText(changed, u"0"))
+        return false;
+    if (EqualsLower(changed, u"true"))
+        return true;
+    if (EqualsLower(changed, u"false"))
         return false;
     throw CQzInvalidValueException(FormatString(u"A Boolean Value read from an XML document was invalid [%s]. Valid "
                                                 u"values are 'true', 'false', '1', or '0'",

@@ -14,7 +14,7 @@ namespace
 {
 
 /// Whether the text has no unit up to cLast.
-bool HasNoneUpTo(std::u16string_view text, char16_t cLast)
+inline bool HasNoneUpTo(std::u16string_view text, char16_t cLast)
 {
     char16_t const * const p = text.data();
     std::size_t const n = text.size();
@@ -32,6 +32,14 @@ bool HasNoneUpTo(std::u16string_view text, char16_t cLast)
             if (i + 8 >= n)
                 return _mm_movemask_epi8(found) == 0;
         }
+    }
+    if (n >= 4)
+    {
+        // Both halves in one register; they overlap too.
+        __m128i const units = _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<__m128i const *>(p)),
+            _mm_loadl_epi64(reinterpret_cast<__m128i const *>(p + n - 4)));
+        __m128i const above = _mm_subs_epu16(units, _mm_set1_epi16(static_cast<short>(cLast)));
+        return _mm_movemask_epi8(_mm_cmpeq_epi16(above, _mm_setzero_si128())) == 0;
     }
 #endif
     return std::none_of(p, p + n, [cLast](char16_t c) { return c <= cLast; });
@@ -83,8 +91,6 @@ bool HasRunInside(std::u16string_view text)
 
 std::u16string_view CollapseView(std::u16string_view text, std::u16string & strScratch)
 {
-    if (HasNoneUpTo(text, u' '))
-        return text;
     while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.front()))
         text.remove_prefix(1);
     while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.back()))
@@ -117,6 +123,9 @@ std::u16string Owned(std::u16string_view (*pfnRule)(std::u16string_view, std::u1
 std::u16string_view CWhitespaceUtils::ApplyRule(
     WhitespaceRule eRule, std::u16string_view text, std::u16string & strScratch)
 {
+    // The rules differ in what they do with white space, and most values have none.
+    if (eRule <= WhitespaceRule_Collapse && eRule > WhitespaceRule_None && HasNoneUpTo(text, u' '))
+        return text;
     switch (eRule)
     {
     case WhitespaceRule_None:
