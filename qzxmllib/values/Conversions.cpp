@@ -1,6 +1,5 @@
 #include "qzxmllib/values/Conversions.h"
 
-#include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/FormatStringInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/BigInteger.h"
@@ -672,9 +671,9 @@ bool CConversions::booleanFromString(std::u16string_view text, WhitespaceRule eR
 {
     std::u16string strScratch;
     std::u16string_view const changed = CWhitespaceUtils::ApplyRule(eRule, text, strScratch);
-    if (EqualText(changed, u"true") || EqualText(changed, u"1"))
+    if (changed == u"true" || changed == u"1")
         return true;
-    if (EqualText(changed, u"false") || EqualText(changed, u"0"))
+    if (changed == u"false" || changed == u"0")
         return false;
     if (EqualsLower(changed, u"true"))
         return true;
