@@ -12,7 +12,7 @@ namespace QzXmlLib16
 
 /// Magnitude of a number of any length: the storage and the unsigned arithmetic under CBigInteger. Works on chunks of
 /// nine decimal digits, least significant first, so that text converts digit by digit and a power of ten only moves
-/// digits. Up to 54 digits lie in the object itself. There are never zero chunks at the high end; zero has none.
+/// digits. Up to 36 digits lie in the object itself. There are never zero chunks at the high end; zero has none.
 class QZXMLLIB_API CBigDigits
 {
 public:
@@ -82,7 +82,7 @@ public:
     CBigDigits CutPow10(std::size_t nExponent);
 
 private:
-    static constexpr std::uint32_t kInline = 6;
+    static constexpr std::uint32_t kInline = 4;
     static constexpr std::uint32_t kBorrowed = 0;
 
     std::uint32_t const * Chunks() const noexcept { return m_nCapacity == kInline ? m_aInline : m_pChunks; }
