@@ -249,6 +249,12 @@ CInstanceMonitor::CInstanceMonitor(CInstanceName & name) : m_pct(nullptr)
         pShard->Count(*m_pct);
         return;
     }
+    CountFirst(name, nGeneration);
+}
+
+// Apart from the constructor, which then has nothing to save.
+__attribute__((noinline)) void CInstanceMonitor::CountFirst(CInstanceName & name, unsigned nGeneration)
+{
     ClassType & ct = CInstanceCounters::Find(name.m_pszName);
     CInstanceCounters::CountUp(*this, ct);
     if (ct.nIndex == kNotSharded)

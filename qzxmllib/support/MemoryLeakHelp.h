@@ -61,6 +61,9 @@ protected:
 private:
     friend struct CInstanceCounters;
 
+    /// Counts this instance by a name that is not yet remembered, and remembers it.
+    void CountFirst(CInstanceName & name, unsigned nGeneration);
+
     ClassType * m_pct;
 
     static std::list<ClassType *> ms_List;
