@@ -222,4 +222,38 @@ private:
         ItemType eNilType, Assign const & assign) const;
 };
 
+/// A mandatory entry of some kind: the property must have been written.
+template <class Kind>
+class CElementInfoMnd : public Kind
+{
+public:
+    using Kind::Kind;
+    bool ElementToXml(
+        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override
+    {
+        return this->WriteMandatory(Kind::ElementToXml(ctx, pClass, pWriter));
+    }
+};
+
+/// A mandatory entry of an all group.
+template <class Kind>
+class CElementInfoAllMnd : public CElementInfoMnd<Kind>
+{
+public:
+    using CElementInfoMnd<Kind>::CElementInfoMnd;
+    bool Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool bFound, bool bStrict) const override
+    {
+        return this->ValidateMandatory(bFound, bStrict);
+    }
+};
+
+/// An optional entry of an all group.
+template <class Kind>
+class CElementInfoAllOpt : public Kind
+{
+public:
+    using Kind::Kind;
+    bool Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool, bool) const override { return true; }
+};
+
 } // namespace QzXmlLib16Data

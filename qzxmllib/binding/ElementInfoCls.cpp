@@ -111,7 +111,7 @@ bool CElementInfoSeqClsOpt::ElementFromXml(CSerializationContext const & ctx, CX
     return true;
 }
 
-bool CElementInfoAllClsOpt::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
+bool CElementInfoCls::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
     CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType)
 {
     return ReadNewObject(ctx, pClass, pParent, ppCurrent, m_entry);
@@ -223,13 +223,7 @@ bool CElementInfo::ReadSubstitute(CSerializationContext const & ctx, CXmlGenerat
     return true;
 }
 
-bool CElementInfoAllAbsClsMnd::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
-    CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType)
-{
-    return ReadSubstitute(ctx, pClass, pParent, ppCurrent, m_entry);
-}
-
-bool CElementInfoAllAbsClsOpt::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
+bool CElementInfoAbsCls::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
     CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType)
 {
     return ReadSubstitute(ctx, pClass, pParent, ppCurrent, m_entry);
@@ -248,59 +242,18 @@ bool CElementInfoChoiceAbsClsOpt::ElementFromXml(CSerializationContext const & c
     return true;
 }
 
-// What all of them share.
+// Writing.
 
-bool CElementInfoSeqClsMnd::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return WriteMandatory(ElementToXmlCls(ctx, pClass, pWriter, false));
-}
-
-void CElementInfoSeqClsMnd::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoSeqClsOpt::ElementToXml(
+bool CElementInfoCls::ElementToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
     return ElementToXmlCls(ctx, pClass, pWriter, false);
 }
 
-void CElementInfoSeqClsOpt::PseudoChildAttributeToXml(
+void CElementInfoCls::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
     ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoAllClsMnd::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return WriteMandatory(ElementToXmlCls(ctx, pClass, pWriter, false));
-}
-
-void CElementInfoAllClsMnd::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoAllClsOpt::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return ElementToXmlCls(ctx, pClass, pWriter, false);
-}
-
-void CElementInfoAllClsOpt::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoAllClsOpt::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool, bool) const
-{
-    return true;
 }
 
 bool CElementInfoChoiceClsOpt::ElementToXml(
@@ -309,78 +262,13 @@ bool CElementInfoChoiceClsOpt::ElementToXml(
     return ElementToXmlCls(ctx, pClass, pWriter, true);
 }
 
-void CElementInfoChoiceClsOpt::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoSeqAbsClsMnd::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return WriteMandatory(ElementToXmlCls(ctx, pClass, pWriter, false));
-}
-
-void CElementInfoSeqAbsClsMnd::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoSeqAbsClsOpt::ElementToXml(
+bool CElementInfoAbsCls::ElementToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
     return ElementToXmlCls(ctx, pClass, pWriter, false);
 }
 
-void CElementInfoSeqAbsClsOpt::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoAllAbsClsMnd::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return WriteMandatory(ElementToXmlCls(ctx, pClass, pWriter, false));
-}
-
-void CElementInfoAllAbsClsMnd::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoAllAbsClsMnd::Validate(
-    CSerializationContext const &, CXmlGeneratedClass const *, bool bFound, bool bStrict) const
-{
-    return ValidateMandatory(bFound, bStrict);
-}
-
-bool CElementInfoAllAbsClsOpt::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return ElementToXmlCls(ctx, pClass, pWriter, false);
-}
-
-void CElementInfoAllAbsClsOpt::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);
-}
-
-bool CElementInfoAllAbsClsOpt::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool, bool) const
-{
-    return true;
-}
-
-bool CElementInfoChoiceAbsClsOpt::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return ElementToXmlCls(ctx, pClass, pWriter, false);
-}
-
-void CElementInfoChoiceAbsClsOpt::PseudoChildAttributeToXml(
+void CElementInfoAbsCls::PseudoChildAttributeToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
     ObjectAttributesToXml(m_entry.m_eElementType, ctx, pClass, pWriter);

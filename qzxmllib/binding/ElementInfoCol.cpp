@@ -79,40 +79,4 @@ bool CElementInfoChoiceCol::EndChoice(CSerializationContext const & ctx, QzVaria
     return true;
 }
 
-void CElementInfoSeqClsCol::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
-}
-
-void CElementInfoSeqAbsClsCol::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
-}
-
-void CElementInfoAllClsCol::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
-}
-
-void CElementInfoAllAbsClsCol::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
-}
-
-void CElementInfoChoiceClsCol::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
-}
-
-void CElementInfoChoiceAbsClsCol::PseudoChildAttributeToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
-}
-
 } // namespace QzXmlLib16Data

@@ -5,6 +5,27 @@
 namespace QzXmlLib16Data
 {
 
+/// A collection of objects in the group of Col. Objects in pseudo position write their attributes on the start tag of
+/// the parent.
+template <class Col>
+class CElementInfoClsCol : public Col
+{
+public:
+    CElementInfoClsCol(
+        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, XmlElementType eElementType)
+        : Col(name, namespaceUri, propertyIndex), m_eElementType(eElementType)
+    {
+    }
+    void PseudoChildAttributeToXml(
+        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override
+    {
+        this->CollectionAttributesToXml(m_eElementType, ctx, pClass, pWriter);
+    }
+
+private:
+    XmlElementType m_eElementType;
+};
+
 /// A collection in a sequence.
 class QZXMLLIB_API CElementInfoSeqCol : public CElementInfo
 {
@@ -38,35 +59,17 @@ public:
 };
 
 /// A collection of objects of one class in a sequence.
-class QZXMLLIB_API CElementInfoSeqClsCol : public CElementInfoSeqCol
+class QZXMLLIB_API CElementInfoSeqClsCol : public CElementInfoClsCol<CElementInfoSeqCol>
 {
 public:
-    CElementInfoSeqClsCol(
-        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, XmlElementType eElementType)
-        : CElementInfoSeqCol(name, namespaceUri, propertyIndex), m_eElementType(eElementType)
-    {
-    }
-    void PseudoChildAttributeToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-
-private:
-    XmlElementType m_eElementType;
+    using CElementInfoClsCol::CElementInfoClsCol;
 };
 
 /// A collection of objects whose elements name their classes in a sequence.
-class QZXMLLIB_API CElementInfoSeqAbsClsCol : public CElementInfoSeqCol
+class QZXMLLIB_API CElementInfoSeqAbsClsCol : public CElementInfoClsCol<CElementInfoSeqCol>
 {
 public:
-    CElementInfoSeqAbsClsCol(
-        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, XmlElementType eElementType)
-        : CElementInfoSeqCol(name, namespaceUri, propertyIndex), m_eElementType(eElementType)
-    {
-    }
-    void PseudoChildAttributeToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-
-private:
-    XmlElementType m_eElementType;
+    using CElementInfoClsCol::CElementInfoClsCol;
 };
 
 /// A collection in an all group.
@@ -98,35 +101,17 @@ public:
 };
 
 /// A collection of objects of one class in an all group.
-class QZXMLLIB_API CElementInfoAllClsCol : public CElementInfoAllCol
+class QZXMLLIB_API CElementInfoAllClsCol : public CElementInfoClsCol<CElementInfoAllCol>
 {
 public:
-    CElementInfoAllClsCol(
-        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, XmlElementType eElementType)
-        : CElementInfoAllCol(name, namespaceUri, propertyIndex), m_eElementType(eElementType)
-    {
-    }
-    void PseudoChildAttributeToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-
-private:
-    XmlElementType m_eElementType;
+    using CElementInfoClsCol::CElementInfoClsCol;
 };
 
 /// A collection of objects whose elements name their classes in an all group.
-class QZXMLLIB_API CElementInfoAllAbsClsCol : public CElementInfoAllCol
+class QZXMLLIB_API CElementInfoAllAbsClsCol : public CElementInfoClsCol<CElementInfoAllCol>
 {
 public:
-    CElementInfoAllAbsClsCol(
-        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, XmlElementType eElementType)
-        : CElementInfoAllCol(name, namespaceUri, propertyIndex), m_eElementType(eElementType)
-    {
-    }
-    void PseudoChildAttributeToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-
-private:
-    XmlElementType m_eElementType;
+    using CElementInfoClsCol::CElementInfoClsCol;
 };
 
 /// A collection in a choice.
@@ -163,35 +148,17 @@ public:
 };
 
 /// A collection of objects of one class in a choice.
-class QZXMLLIB_API CElementInfoChoiceClsCol : public CElementInfoChoiceCol
+class QZXMLLIB_API CElementInfoChoiceClsCol : public CElementInfoClsCol<CElementInfoChoiceCol>
 {
 public:
-    CElementInfoChoiceClsCol(
-        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, XmlElementType eElementType)
-        : CElementInfoChoiceCol(name, namespaceUri, propertyIndex), m_eElementType(eElementType)
-    {
-    }
-    void PseudoChildAttributeToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-
-private:
-    XmlElementType m_eElementType;
+    using CElementInfoClsCol::CElementInfoClsCol;
 };
 
 /// A collection of objects whose elements name their classes in a choice.
-class QZXMLLIB_API CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol
+class QZXMLLIB_API CElementInfoChoiceAbsClsCol : public CElementInfoClsCol<CElementInfoChoiceCol>
 {
 public:
-    CElementInfoChoiceAbsClsCol(
-        char16_t const * name, char16_t const * namespaceUri, int propertyIndex, XmlElementType eElementType)
-        : CElementInfoChoiceCol(name, namespaceUri, propertyIndex), m_eElementType(eElementType)
-    {
-    }
-    void PseudoChildAttributeToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-
-private:
-    XmlElementType m_eElementType;
+    using CElementInfoClsCol::CElementInfoClsCol;
 };
 
 } // namespace QzXmlLib16Data

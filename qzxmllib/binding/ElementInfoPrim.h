@@ -5,11 +5,11 @@
 namespace QzXmlLib16Data
 {
 
-/// A mandatory primitive in a sequence.
-class QZXMLLIB_API CElementInfoSeqPrimMnd : public CElementInfo
+/// A primitive: what its entries share, whatever their group.
+class QZXMLLIB_API CElementInfoPrim : public CElementInfo
 {
 public:
-    CElementInfoSeqPrimMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
+    CElementInfoPrim(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
         ItemType eItemType, char16_t const * format, QzXmlLib16::CWhitespaceUtils::WhitespaceRule eWhitespaceRule,
         CPrimitiveRestrictions const & restrictions, char16_t const * defaultValue)
         : CElementInfo(name, namespaceUri, propertyIndex, nillable, eItemType, format, eWhitespaceRule, restrictions,
@@ -18,159 +18,103 @@ public:
     }
     bool ElementToXml(
         CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    /// Reads the element if it is this entry's, and tells whether it was.
+    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
+        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
+};
+
+/// An enumeration: what its entries share, whatever their group.
+class QZXMLLIB_API CElementInfoEnum : public CElementInfo
+{
+public:
+    CElementInfoEnum(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
+        EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue)
+        : CElementInfo(name, namespaceUri, propertyIndex, nillable, pfnToString, pfnFromString, defaultValue)
+    {
+    }
+    bool ElementToXml(
+        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    /// Reads the element if it is this entry's, and tells whether it was.
+    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
+        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
+};
+
+/// A mandatory primitive in a sequence.
+class QZXMLLIB_API CElementInfoSeqPrimMnd : public CElementInfoMnd<CElementInfoPrim>
+{
+public:
+    using CElementInfoMnd::CElementInfoMnd;
     bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
 };
 
 /// An optional primitive in a sequence.
-class QZXMLLIB_API CElementInfoSeqPrimOpt : public CElementInfo
+class QZXMLLIB_API CElementInfoSeqPrimOpt : public CElementInfoPrim
 {
 public:
-    CElementInfoSeqPrimOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        ItemType eItemType, char16_t const * format, QzXmlLib16::CWhitespaceUtils::WhitespaceRule eWhitespaceRule,
-        CPrimitiveRestrictions const & restrictions, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, eItemType, format, eWhitespaceRule, restrictions,
-              defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    using CElementInfoPrim::CElementInfoPrim;
     bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
 };
 
 /// A mandatory enumeration in a sequence.
-class QZXMLLIB_API CElementInfoSeqEnumMnd : public CElementInfo
+class QZXMLLIB_API CElementInfoSeqEnumMnd : public CElementInfoMnd<CElementInfoEnum>
 {
 public:
-    CElementInfoSeqEnumMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, pfnToString, pfnFromString, defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    using CElementInfoMnd::CElementInfoMnd;
     bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
 };
 
 /// An optional enumeration in a sequence.
-class QZXMLLIB_API CElementInfoSeqEnumOpt : public CElementInfo
+class QZXMLLIB_API CElementInfoSeqEnumOpt : public CElementInfoEnum
 {
 public:
-    CElementInfoSeqEnumOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, pfnToString, pfnFromString, defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    using CElementInfoEnum::CElementInfoEnum;
     bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
 };
 
 /// A mandatory primitive in an all group.
-class QZXMLLIB_API CElementInfoAllPrimMnd : public CElementInfo
+class QZXMLLIB_API CElementInfoAllPrimMnd : public CElementInfoAllMnd<CElementInfoPrim>
 {
 public:
-    CElementInfoAllPrimMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        ItemType eItemType, char16_t const * format, QzXmlLib16::CWhitespaceUtils::WhitespaceRule eWhitespaceRule,
-        CPrimitiveRestrictions const & restrictions, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, eItemType, format, eWhitespaceRule, restrictions,
-              defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
-        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
-    bool Validate(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, bool bFound, bool bStrict) const override;
+    using CElementInfoAllMnd::CElementInfoAllMnd;
 };
 
 /// An optional primitive in an all group.
-class QZXMLLIB_API CElementInfoAllPrimOpt : public CElementInfo
+class QZXMLLIB_API CElementInfoAllPrimOpt : public CElementInfoAllOpt<CElementInfoPrim>
 {
 public:
-    CElementInfoAllPrimOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        ItemType eItemType, char16_t const * format, QzXmlLib16::CWhitespaceUtils::WhitespaceRule eWhitespaceRule,
-        CPrimitiveRestrictions const & restrictions, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, eItemType, format, eWhitespaceRule, restrictions,
-              defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
-        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
-    bool Validate(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, bool bFound, bool bStrict) const override;
+    using CElementInfoAllOpt::CElementInfoAllOpt;
 };
 
 /// A mandatory enumeration in an all group.
-class QZXMLLIB_API CElementInfoAllEnumMnd : public CElementInfo
+class QZXMLLIB_API CElementInfoAllEnumMnd : public CElementInfoAllMnd<CElementInfoEnum>
 {
 public:
-    CElementInfoAllEnumMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, pfnToString, pfnFromString, defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
-        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
-    bool Validate(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, bool bFound, bool bStrict) const override;
+    using CElementInfoAllMnd::CElementInfoAllMnd;
 };
 
 /// An optional enumeration in an all group.
-class QZXMLLIB_API CElementInfoAllEnumOpt : public CElementInfo
+class QZXMLLIB_API CElementInfoAllEnumOpt : public CElementInfoAllOpt<CElementInfoEnum>
 {
 public:
-    CElementInfoAllEnumOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, pfnToString, pfnFromString, defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
-        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
-    bool Validate(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, bool bFound, bool bStrict) const override;
+    using CElementInfoAllOpt::CElementInfoAllOpt;
 };
 
 /// An optional primitive in a choice.
-class QZXMLLIB_API CElementInfoChoicePrimOpt : public CElementInfo
+class QZXMLLIB_API CElementInfoChoicePrimOpt : public CElementInfoPrim
 {
 public:
-    CElementInfoChoicePrimOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        ItemType eItemType, char16_t const * format, QzXmlLib16::CWhitespaceUtils::WhitespaceRule eWhitespaceRule,
-        CPrimitiveRestrictions const & restrictions, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, eItemType, format, eWhitespaceRule, restrictions,
-              defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
-        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
+    using CElementInfoPrim::CElementInfoPrim;
 };
 
 /// An optional enumeration in a choice.
-class QZXMLLIB_API CElementInfoChoiceEnumOpt : public CElementInfo
+class QZXMLLIB_API CElementInfoChoiceEnumOpt : public CElementInfoEnum
 {
 public:
-    CElementInfoChoiceEnumOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool nillable,
-        EnumToStringFunction pfnToString, EnumFromStringFunction pfnFromString, char16_t const * defaultValue)
-        : CElementInfo(name, namespaceUri, propertyIndex, nillable, pfnToString, pfnFromString, defaultValue)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
-        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
+    using CElementInfoEnum::CElementInfoEnum;
 };
 
 } // namespace QzXmlLib16Data

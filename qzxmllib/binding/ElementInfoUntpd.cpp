@@ -96,12 +96,6 @@ CXmlElement * CElementInfo::ReadUntypedCollection(CXmlGeneratedClass * pClass, C
         pCurrent != nullptr ? pCurrent->GetNamespaceURI().c_str() : u"", pParent, pCurrent, ctx);
 }
 
-bool CElementInfoSeqUntpdMnd::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return WriteMandatory(ElementToXmlCls(ctx, pClass, pWriter, false));
-}
-
 bool CElementInfoSeqUntpdMnd::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
     CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType parentType)
 {
@@ -121,7 +115,7 @@ bool CElementInfoSeqUntpdMnd::ElementFromXml(CSerializationContext const & ctx, 
     return false;
 }
 
-bool CElementInfoSeqUntpdOpt::ElementToXml(
+bool CElementInfoUntpd::ElementToXml(
     CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
 {
     return ElementToXmlCls(ctx, pClass, pWriter, false);
@@ -142,12 +136,6 @@ bool CElementInfoSeqUntpdCol::ElementFromXml(CSerializationContext const & ctx, 
     return EndSequence(ctx, value, parentType);
 }
 
-bool CElementInfoAllUntpdMnd::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return WriteMandatory(ElementToXmlCls(ctx, pClass, pWriter, false));
-}
-
 bool CElementInfoAllUntpdMnd::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
     CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType)
 {
@@ -158,33 +146,10 @@ bool CElementInfoAllUntpdMnd::ElementFromXml(CSerializationContext const & ctx, 
     return true;
 }
 
-bool CElementInfoAllUntpdMnd::Validate(
-    CSerializationContext const &, CXmlGeneratedClass const *, bool bFound, bool bStrict) const
-{
-    return ValidateMandatory(bFound, bStrict);
-}
-
-bool CElementInfoAllUntpdOpt::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return ElementToXmlCls(ctx, pClass, pWriter, false);
-}
-
-bool CElementInfoAllUntpdOpt::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
+bool CElementInfoUntpd::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
     CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType)
 {
     return ReadNewUntyped(ctx, pClass, pParent, ppCurrent, parentNamespace, m_entry);
-}
-
-bool CElementInfoAllUntpdOpt::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool, bool) const
-{
-    return true;
-}
-
-bool CElementInfoChoiceUntpdOpt::ElementToXml(
-    CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const
-{
-    return ElementToXmlCls(ctx, pClass, pWriter, false);
 }
 
 bool CElementInfoChoiceUntpdOpt::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,

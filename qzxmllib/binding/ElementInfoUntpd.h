@@ -9,40 +9,41 @@ namespace QzXmlLib16Data
 // stands for a wildcard; any other name takes elements of that local name with any content. The namespace list and the
 // target namespace are those of an XML Schema wildcard.
 
-/// Mandatory untyped content in a sequence. The property holds the element that is filled.
-class QZXMLLIB_API CElementInfoSeqUntpdMnd : public CElementInfo
+/// Untyped content: what its entries share, whatever their group.
+class QZXMLLIB_API CElementInfoUntpd : public CElementInfo
 {
 public:
-    CElementInfoSeqUntpdMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
+    CElementInfoUntpd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
         char16_t const * namespaceList, char16_t const * targetNamespace)
         : CElementInfo(name, namespaceUri, propertyIndex), m_entry(namespaceList, targetNamespace)
     {
     }
     bool ElementToXml(
         CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    /// Reads a new element and sets the property. True when it was there.
     bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
 
-private:
+protected:
     UntypedEntry m_entry;
 };
 
-/// Optional untyped content in a sequence.
-class QZXMLLIB_API CElementInfoSeqUntpdOpt : public CElementInfo
+/// Mandatory untyped content in a sequence. The property holds the element that is filled.
+class QZXMLLIB_API CElementInfoSeqUntpdMnd : public CElementInfoMnd<CElementInfoUntpd>
 {
 public:
-    CElementInfoSeqUntpdOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
-        char16_t const * namespaceList, char16_t const * targetNamespace)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry(namespaceList, targetNamespace)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    using CElementInfoMnd::CElementInfoMnd;
     bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
+};
 
-private:
-    UntypedEntry m_entry;
+/// Optional untyped content in a sequence.
+class QZXMLLIB_API CElementInfoSeqUntpdOpt : public CElementInfoUntpd
+{
+public:
+    using CElementInfoUntpd::CElementInfoUntpd;
+    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
+        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
 };
 
 /// A collection of untyped content in a sequence. With a name it takes the run of elements that have the name and
@@ -56,43 +57,19 @@ public:
 };
 
 /// Mandatory untyped content in an all group. The property holds the element that is filled.
-class QZXMLLIB_API CElementInfoAllUntpdMnd : public CElementInfo
+class QZXMLLIB_API CElementInfoAllUntpdMnd : public CElementInfoAllMnd<CElementInfoUntpd>
 {
 public:
-    CElementInfoAllUntpdMnd(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
-        char16_t const * namespaceList, char16_t const * targetNamespace)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry(namespaceList, targetNamespace)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    using CElementInfoAllMnd::CElementInfoAllMnd;
     bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
-    bool Validate(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, bool bFound, bool bStrict) const override;
-
-private:
-    UntypedEntry m_entry;
 };
 
 /// Optional untyped content in an all group.
-class QZXMLLIB_API CElementInfoAllUntpdOpt : public CElementInfo
+class QZXMLLIB_API CElementInfoAllUntpdOpt : public CElementInfoAllOpt<CElementInfoUntpd>
 {
 public:
-    CElementInfoAllUntpdOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
-        char16_t const * namespaceList, char16_t const * targetNamespace)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry(namespaceList, targetNamespace)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
-    bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
-        CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
-    bool Validate(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, bool bFound, bool bStrict) const override;
-
-private:
-    UntypedEntry m_entry;
+    using CElementInfoAllOpt::CElementInfoAllOpt;
 };
 
 /// A collection of untyped content in an all group.
@@ -103,21 +80,12 @@ public:
 };
 
 /// Untyped content in a choice. It sets the property to null when it does not match, so it stands last in its table.
-class QZXMLLIB_API CElementInfoChoiceUntpdOpt : public CElementInfo
+class QZXMLLIB_API CElementInfoChoiceUntpdOpt : public CElementInfoUntpd
 {
 public:
-    CElementInfoChoiceUntpdOpt(char16_t const * name, char16_t const * namespaceUri, int propertyIndex,
-        char16_t const * namespaceList, char16_t const * targetNamespace)
-        : CElementInfo(name, namespaceUri, propertyIndex), m_entry(namespaceList, targetNamespace)
-    {
-    }
-    bool ElementToXml(
-        CSerializationContext const & ctx, CXmlGeneratedClass const * pClass, CXmlWriter * pWriter) const override;
+    using CElementInfoUntpd::CElementInfoUntpd;
     bool ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
-
-private:
-    UntypedEntry m_entry;
 };
 
 /// A collection of untyped content in a choice. With a name it takes the run of elements that have the name and
