@@ -372,7 +372,9 @@ void CXmlDocument::EndElement()
     m_pTree->Trim(pElement->m_text);
     if (m_pfnElementComplete == nullptr || !m_pfnElementComplete(pElement) || pElement->m_pParent == nullptr)
         return;
-    m_pTree->Release(pElement->m_pParent->RemoveLastChildElement(m_pPreviousSiblings[m_pElementStack.size()]));
+    CXmlElement & parent = *pElement->m_pParent;
+    m_pTree->Release(parent.RemoveLastChildElement(m_pPreviousSiblings[m_pElementStack.size()]));
+    m_pTree->EndPiece(parent);
 }
 
 void CXmlDocument::AddElementAttribute(

@@ -331,8 +331,7 @@ void CXmlTree::KeepRun(XmlRuns & runs, std::u16string_view head, std::u16string_
     pRun->nUnits += static_cast<std::uint32_t>(head.size() + tail.size());
 }
 
-/// The runs of the element's text. Behind another child than before, the run of the old gap is closed.
-XmlRuns & CXmlTree::BeginPiece(CXmlElement & element)
+XmlRuns & CXmlTree::RunsOf(CXmlElement & element)
 {
     CXmlText & text = element.m_text;
     if (!text.m_bRuns)
@@ -345,22 +344,40 @@ XmlRuns & CXmlTree::BeginPiece(CXmlElement & element)
         text.m_bRuns = 1;
         text.m_nCapacity = 0;
     }
-    XmlRuns & runs = *text.m_pRuns;
-    if (runs.pBehind == element.m_pLastChild)
-        return runs;
+    return *text.m_pRuns;
+}
+
+/// Closes the run of the old gap; that of the new one is expected to be the same.
+void CXmlTree::StartPiece(XmlRuns & runs, CXmlElement const * pBehind)
+{
     if (runs.bMatching && runs.nMatched == runs.pLast->nUnits)
         ++runs.pLast->nRepeat;
-    else if (runs.bMatching)
+    else if (runs.bMatching && runs.nMatched != 0)
         KeepRun(runs, {}, {runs.pLast->pUnits, runs.nMatched});
-    runs.pBehind = element.m_pLastChild;
+    runs.pBehind = pBehind;
     runs.nMatched = 0;
     runs.bMatching = true;
+}
+
+/// The runs of the element's text. Behind another child than before a new one begins.
+XmlRuns & CXmlTree::BeginPiece(CXmlElement & element)
+{
+    XmlRuns & runs = RunsOf(element);
+    if (runs.pBehind != element.m_pLastChild)
+        StartPiece(runs, element.m_pLastChild);
     return runs;
+}
+
+void CXmlTree::EndPiece(CXmlElement & element)
+{
+    CXmlText const & text = element.m_text;
+    if (!text.m_bString && (text.m_bRuns || text.m_nUnits != 0))
+        StartPiece(RunsOf(element), element.m_pLastChild);
 }
 
 bool CXmlTree::MatchRun(CXmlElement & element, char const * pText, std::size_t nOctets)
 {
-    if (element.m_text.m_bString)
+    if (element.m_text.m_bString || nOctets > kMostUnits - element.m_text.m_nUnits)
         return false;
     XmlRuns & runs = BeginPiece(element);
     if (!runs.bMatching || nOctets > runs.pLast->nUnits - runs.nMatched)
@@ -376,9 +393,9 @@ bool CXmlTree::MatchRun(CXmlElement & element, char const * pText, std::size_t n
 void CXmlTree::AppendRun(CXmlElement & element, char16_t const * pText, std::size_t nUnits)
 {
     CXmlText & text = element.m_text;
-    if (text.m_bString)
+    if (text.m_bString || nUnits > kMostUnits - text.m_nUnits)
     {
-        text.m_pOwned->strText.append(pText, nUnits);
+        text.String(m_owned).append(pText, nUnits);
         return;
     }
     XmlRuns & runs = BeginPiece(element);

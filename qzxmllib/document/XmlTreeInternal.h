@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -223,6 +224,8 @@ public:
         text.m_nUnits = static_cast<std::uint32_t>(nUnits);
         text.m_nCapacity = text.m_nUnits & kCapacityMask;
     }
+    /// Tells an element that its last child has been dropped: what text comes next stands in another gap.
+    void EndPiece(CXmlElement & element);
     /// The ring of what the nodes keep elsewhere.
     XmlOwned & Owned() { return m_owned; }
     static CXmlText & ValueOf(CXmlAttribute & attribute) { return attribute.m_value; }
@@ -265,8 +268,12 @@ private:
 
     /// Runs the destructors of an element and all below it. Its links to others stay as they are.
     void Destroy(CXmlElement * pTop);
+    /// The most that a text counts itself; a longer one is a string.
+    static constexpr std::uint32_t kMostUnits = std::numeric_limits<std::uint32_t>::max();
     static constexpr std::uint32_t kCapacityMask = (std::uint32_t(1) << 29) - 1;
 
+    XmlRuns & RunsOf(CXmlElement & element);
+    void StartPiece(XmlRuns & runs, CXmlElement const * pBehind);
     XmlRuns & BeginPiece(CXmlElement & element);
     void KeepRun(XmlRuns & runs, std::u16string_view head, std::u16string_view tail);
     static unsigned char * EndOf(CXmlText const & text)

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <functional>
+#include <iterator>
+#include <random>
 #include <stdexcept>
 
 using namespace QzXmlLib16;
@@ -293,6 +295,11 @@ bool DropNamedX(CXmlElement * pElement)
     return pElement->GetLocalName() == u"x";
 }
 
+bool DropX(CXmlElement * pElement)
+{
+    return pElement->GetLocalName() == u"x";
+}
+
 bool ThrowAtX(CXmlElement * pElement)
 {
     if (pElement->GetLocalName() == u"x")
@@ -328,6 +335,32 @@ TEST(XmlDocumentTest, DropsWhatTheFunctionConsumed)
         strTree += " (k \"" + std::to_string(i) + "\")";
     }
     EXPECT_EQ(LoadText(some, strXml + "</r>"), strTree);
+}
+
+/// Text between children is kept by gaps, equal gaps once, whichever of the children are dropped.
+TEST(XmlDocumentTest, TextStaysWhenElementsAreDropped)
+{
+    std::mt19937 random(7);
+    char const * const aGaps[] = {"", "\n  ", "\n  ", "\n  ", "\n", "\n  \n  ", "\n  x", "a&amp;b", "\xC3\xA4\n"};
+    for (int nDocument = 0; nDocument < 500; ++nDocument)
+    {
+        std::string strXml = "<r>";
+        std::string strText;
+        for (int nChild = 0; nChild < 12; ++nChild)
+        {
+            std::string const strGap = aGaps[random() % std::size(aGaps)];
+            strXml += strGap + (random() % 3 != 0 ? "<x>\n  <x/>\n  </x>" : "<k/>");
+            strText += strGap;
+        }
+        CXmlDocument doc(&DropX);
+        LoadText(doc, strXml + "\n</r>");
+        for (std::size_t n; (n = strText.find("&amp;")) != std::string::npos;)
+            strText.replace(n, 5, "&");
+        CXmlElement const & root = *doc.GetDocumentElement();
+        std::size_t const nLength = root.GetTextLength();
+        EXPECT_EQ(Utf8(root.GetText()), strText + "\n") << strXml;
+        EXPECT_EQ(root.GetText().size(), nLength) << strXml;
+    }
 }
 
 TEST(XmlDocumentTest, PassesOnWhatTheFunctionThrows)
