@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -89,13 +90,28 @@ double GainOfTwoThreads(Job const & first, Job const & second, Effort const & ef
                 repeat(first);
                 repeat(second);
             });
+        // The other thread has its memory before the time begins, as the first one has.
+        std::promise<void> ready;
+        std::promise<void> start;
+        std::promise<void> done;
+        std::thread other(
+            [&]
+            {
+                second();
+                ready.set_value();
+                start.get_future().wait();
+                repeat(second);
+                done.set_value();
+            });
+        ready.get_future().wait();
         double const together = Seconds(
             [&]
             {
-                std::thread other([&] { repeat(second); });
+                start.set_value();
                 repeat(first);
-                other.join();
+                done.get_future().wait();
             });
+        other.join();
         gains.push_back(alone / together);
     }
     return Median(gains);
