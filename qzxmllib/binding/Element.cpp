@@ -62,8 +62,8 @@ void RequireText(char16_t const * pText, char16_t const * pszMessage)
 
 std::int32_t OpenLevels(CXmlWriter const & writer)
 {
-    CXmlWriter::CXmlWriterContext const * const pContext = writer.GetContext();
-    return t_nOuterLevels + (pContext != nullptr ? pContext->m_nDepth + 1 : 0);
+    // The depth of the innermost record is no such count: writers indent by it.
+    return t_nOuterLevels + static_cast<std::int32_t>(writer.GetOpenElements());
 }
 
 /// Counts the levels outside a fragment while it is written.
