@@ -9,7 +9,8 @@ namespace QzXmlLib16Data
 // stands for a wildcard; any other name takes elements of that local name with any content. The namespace list and the
 // target namespace are those of an XML Schema wildcard.
 
-/// Mandatory untyped content in a sequence. The property holds the element that is filled.
+/// Mandatory untyped content in a sequence. The property holds the element that is filled; reading adds to it, so
+/// Init has to bring a new one.
 class QZXMLLIB_API CElementInfoSeqUntpdMnd : public CElementInfo
 {
 public:
@@ -55,7 +56,8 @@ public:
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
 };
 
-/// Mandatory untyped content in an all group. The property holds the element that is filled.
+/// Mandatory untyped content in an all group. The property holds the element that is filled; reading adds to it, so
+/// Init has to bring a new one.
 class QZXMLLIB_API CElementInfoAllUntpdMnd : public CElementInfo
 {
 public:
