@@ -21,7 +21,8 @@ public:
 protected:
     /// The local part of the type name, empty for an element without xsi:type. pElement must not be null.
     static std::u16string GetElementType(CXmlElement * pElement);
-    /// The namespace of the type: that of its prefix, or the element's own when the prefix is missing or unknown.
+    /// The namespace of the type: that of its prefix, or the element's own when the prefix is missing or unknown. Of
+    /// several declarations of a prefix in the document the last holds, wherever it stands.
     static std::u16string GetElementTypeNamespaceUri(CXmlElement * pElement);
 };
 

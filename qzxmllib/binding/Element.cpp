@@ -5,6 +5,7 @@
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/document/XmlTextWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
+#include "qzxmllib/support/ExceptionChainInternal.h"
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/FunctionsInternal.h"
@@ -61,8 +62,8 @@ void RequireText(char16_t const * pText, char16_t const * pszMessage)
 
 std::int32_t OpenLevels(CXmlWriter const & writer)
 {
-    CXmlWriter::CXmlWriterContext const * const pContext = writer.GetContext();
-    return t_nOuterLevels + (pContext != nullptr ? pContext->m_nDepth + 1 : 0);
+    // The depth of the innermost record is no such count: writers indent by it.
+    return t_nOuterLevels + static_cast<std::int32_t>(writer.GetOpenElements());
 }
 
 /// Counts the levels outside a fragment while it is written.
@@ -452,15 +453,23 @@ void CElement::SetNamespaceRestrictions(char16_t const * restriction, char16_t c
             pChild->TestNamespaces(strRestriction, strTarget);
         }
     }
-    catch (CQzInvalidNamespaceException const & cause)
+    catch (CQzInvalidNamespaceException & cause)
     {
-        auto spFailure = std::make_unique<CQzInvalidNamespaceException>(cause);
-        for (auto it = levels.rbegin(); it != levels.rend(); ++it)
-            spFailure = std::make_unique<CQzInvalidNamespaceException>(
+        auto const wrap = [&](CQzException & inner, Level const & level)
+        {
+            return CExceptionChain::Wrap<CQzInvalidNamespaceException>(inner,
                 FormatString(u"The namespace %s in the class %s is invalid against restriction %s",
-                    it->pElement->m_strNamespace.String(), it->pElement->m_strElementName, strRestriction),
-                std::u16string(), *spFailure);
-        throw CQzInvalidNamespaceException(*spFailure);
+                    level.pElement->m_strNamespace.String(), level.pElement->m_strElementName, strRestriction),
+                std::u16string());
+        };
+        std::unique_ptr<CQzInvalidNamespaceException> spFailure;
+        CQzException * pFailure = &cause;
+        for (; levels.size() > 1; levels.pop_back())
+        {
+            spFailure.reset(new CQzInvalidNamespaceException(wrap(*pFailure, levels.back())));
+            pFailure = spFailure.get();
+        }
+        throw wrap(*pFailure, levels.back());
     }
 }
 

@@ -32,7 +32,7 @@ class QZXMLLIB_API CElement : public CXmlObjectBase, private CInstanceMonitor, p
 public:
     /// An element without a namespace that reads any element.
     explicit CElement(char16_t const * name);
-    /// An element that reads elements of this namespace only. A keyword of namespace lists as namespace throws
+    /// An element that reads elements of this namespace or none. A keyword of namespace lists as namespace throws
     /// CQzInvalidNamespaceException.
     CElement(char16_t const * name, char16_t const * namespaceUri);
     /// Throws CQzInvalidNamespaceException for a null argument and for a namespace outside the restriction.

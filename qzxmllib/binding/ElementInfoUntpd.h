@@ -28,7 +28,8 @@ protected:
     UntypedEntry m_entry;
 };
 
-/// Mandatory untyped content in a sequence. The property holds the element that is filled.
+/// Mandatory untyped content in a sequence. The property holds the element that is filled; reading adds to it, so
+/// Init has to bring a new one.
 class QZXMLLIB_API CElementInfoSeqUntpdMnd : public CElementInfoMnd<CElementInfoUntpd>
 {
 public:
@@ -56,7 +57,8 @@ public:
         CXmlElement ** ppCurrent, char16_t const * parentNamespace, XmlElementType parentType) override;
 };
 
-/// Mandatory untyped content in an all group. The property holds the element that is filled.
+/// Mandatory untyped content in an all group. The property holds the element that is filled; reading adds to it, so
+/// Init has to bring a new one.
 class QZXMLLIB_API CElementInfoAllUntpdMnd : public CElementInfoAllMnd<CElementInfoUntpd>
 {
 public:

@@ -170,6 +170,8 @@ public:
 
     /// The innermost open element, or null.
     CXmlWriterContext const * GetContext() const noexcept { return m_pContext; }
+    /// The number of open elements.
+    std::size_t GetOpenElements() const noexcept { return m_nSlotsUsed; }
     /// Those of the document, set with no element open. The map holds the XML namespace from the start.
     std::u16string const & GetDefaultNamespace() const noexcept { return m_strDefaultNamespace; }
     CNamespaceMap const & GetNamespaces() const noexcept { return m_mapNamespaces; }

@@ -252,11 +252,31 @@ TEST(OpenContentDepthTest, LimitIsTenThousandLevels)
             CSmartPtr<CElement> const spClone = spElement->Clone();
             EXPECT_EQ(XmlOf(*spClone).size(), strDocument.size() - 3);
             spClone->SetNamespaceRestrictions(u"##local", u"");
+            CSmartPtr<CElement> const spFaulty = Parsed(Nested(9999).insert(3 * 9999, "<b xmlns='urn:x'/>"));
+            try
+            {
+                spFaulty->SetNamespaceRestrictions(u"##local", u"");
+                ADD_FAILURE();
+            }
+            catch (CQzInvalidNamespaceException const & e)
+            {
+                int nLayers = 0;
+                for (CQzException const * p = &e; p != nullptr; p = p->GetInnerException())
+                    ++nLayers;
+                EXPECT_EQ(nLayers, 10001);
+            }
+            void (*const writers[])(CElement &) = {[](CElement & element) { element.ToXml(false, false); },
+                [](CElement & element) { element.ToFastInfosetStream(); },
+                [](CElement & element) { element.ToJson(false); }};
 
             CSmartPtr<CElement> const spDeeper(new CElement(u"a"));
             spDeeper->GetChildElements()->Add(spClone);
             std::u16string const strMessage = u"Elements are nested deeper than 10000 levels.";
-            ExpectThrows<CQzException>([&] { spDeeper->ToXml(); }, strMessage);
+            for (auto const pfnWrite : writers)
+            {
+                pfnWrite(*spClone);
+                ExpectThrows<CQzException>([&] { pfnWrite(*spDeeper); }, strMessage);
+            }
             ExpectThrows<CQzException>([&] { spDeeper->Clone(); }, strMessage);
             ExpectThrows<CQzException>([&] { spDeeper->SetNamespaceRestrictions(u"##local", u""); }, strMessage);
         });
