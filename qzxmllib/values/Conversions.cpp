@@ -339,6 +339,18 @@ std::u16string Printed(void (*pfnPrint)(Value const &, std::u16string_view, std:
 
 void PrintDigits(std::uint64_t nMagnitude, bool bMinus, std::u16string & strOut)
 {
+    if (nMagnitude < 1000)
+    {
+        // Four code units that the compiler puts down at once, so that the copy need not wait for each of them.
+        auto const n = static_cast<std::uint32_t>(nMagnitude);
+        char16_t aShort[4] = {u'-', static_cast<char16_t>(u'0' + n / 100), static_cast<char16_t>(u'0' + n / 10 % 10),
+            static_cast<char16_t>(u'0' + n % 10)};
+        std::size_t const nFirst = n >= 100 ? 1 : n >= 10 ? 2 : 3;
+        if (bMinus && nFirst != 1)
+            aShort[nFirst - 1] = u'-';
+        strOut.assign(aShort + nFirst - (bMinus ? 1 : 0), 4 - nFirst + (bMinus ? 1 : 0));
+        return;
+    }
     char16_t aText[24];
     char16_t * const pLast = std::end(aText);
     char16_t * p = pLast;
