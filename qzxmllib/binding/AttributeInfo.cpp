@@ -18,6 +18,16 @@ using namespace QzXmlLib16;
 namespace QzXmlLib16Data
 {
 
+namespace
+{
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowNoAttributeCol()
+{
+    throw CQzException(u"Serialization Data Error : The collection should be a CAttributeCol, it was not!");
+}
+
+} // namespace
+
 CAttributeInfo::CAttributeInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool optional,
     char16_t const * defaultValue)
     : m_strAttributeName(OrEmpty(name)), m_strAttributeNamespace(OrEmpty(namespaceUri)),
@@ -213,7 +223,10 @@ void CAttributeInfoAny::AttributeToXml(
 {
     QzVariant value;
     ReadProperty(pClass, value);
-    ToXml_Int(value.GetXmlCollection(), pWriter, false, GetTargetNamespace(pClass).c_str(), ctx);
+    CSmartPtr<CXmlCollectionBase> const spCollection = value.GetXmlCollection();
+    if (spCollection == nullptr)
+        ThrowNoAttributeCol();
+    ToXml_Int(spCollection, pWriter, false, GetTargetNamespace(pClass).c_str(), ctx);
 }
 
 bool CAttributeInfoAny::AttributeFromXml(
@@ -227,7 +240,7 @@ bool CAttributeInfoAny::AttributeFromXml(
     CSmartPtr<CXmlCollectionBase> const spCollection = value.GetXmlCollection();
     auto * const pAttributes = dynamic_cast<CAttributeCol *>(spCollection.Get());
     if (pAttributes == nullptr)
-        throw CQzException(u"Serialization Data Error : The collection should be a CAttributeCol, it was not!");
+        ThrowNoAttributeCol();
     pAttributes->Add(pAttribute->GetLocalName().c_str(), pAttribute->GetValue().c_str(), strNamespace.c_str());
     return true;
 }

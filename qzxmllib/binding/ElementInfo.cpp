@@ -157,7 +157,14 @@ CSmartPtr<CXmlCollectionBase> CElementInfo::CollectionToWrite(
 {
     CWriteLease const lease(*pWriter);
     ReadProperty(pClass, lease.Value());
-    return lease.Value().GetXmlCollection();
+    return &CollectionIn(lease.Value());
+}
+
+CXmlCollectionBase & CElementInfo::CollectionIn(QzVariant const & value) const
+{
+    CXmlCollectionBase * const pCollection = CVariantText::CollectionOf(value);
+    WriteMandatory(pCollection != nullptr);
+    return *pCollection;
 }
 
 CXmlElement * CElementInfo::FromXml_Int(CXmlObjectBase * pObject, CXmlElement * pElement, CXmlElement * pChild,
@@ -274,7 +281,7 @@ void CElementInfo::ValidateCollection(CSerializationContext const & ctx, CXmlGen
         return;
     QzVariant value;
     ReadProperty(pClass, value);
-    CVariantText::CollectionOf(value)->ValidateCount(ctx);
+    CollectionIn(value).ValidateCount(ctx);
 }
 
 void CElementInfo::ObjectAttributesToXml(XmlElementType eType, CSerializationContext const & ctx,
@@ -415,7 +422,7 @@ CXmlElement * CElementInfo::ReadCollection(CXmlGeneratedClass * pClass, CXmlElem
     CSerializationContext const & ctx, QzVariant & value) const
 {
     InvokePropertyGet(pClass, value);
-    return FromXml_Int(CVariantText::CollectionOf(value), pParent, pCurrent, ctx, false);
+    return FromXml_Int(&CollectionIn(value), pParent, pCurrent, ctx, false);
 }
 
 bool CElementInfo::ValidateMandatory(bool bFound, bool bStrict) const

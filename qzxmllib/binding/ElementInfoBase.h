@@ -170,6 +170,8 @@ protected:
     /// Fills a new object as pseudo and, if it took anything, sets the property. *ppCurrent takes the position.
     bool ReadPseudoObject(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement * pParent,
         CXmlElement ** ppCurrent, CXmlObjectBase * pObject) const;
+    /// The collection that a property gave; throws when it is null.
+    CXmlCollectionBase & CollectionIn(QzVariant const & value) const;
     /// Lets the collection of the property read from *ppCurrent on and gives the position behind.
     CXmlElement * ReadCollection(CXmlGeneratedClass * pClass, CXmlElement * pParent, CXmlElement * pCurrent,
         CSerializationContext const & ctx, QzVariant & value) const;

@@ -411,6 +411,43 @@ TEST(ElementInfoTest, PropertyFailuresAreLayered)
     EXPECT_THROW(spObject->ToXml(), int);
 }
 
+TEST(ElementInfoTest, CollectionsMayNotBeNull)
+{
+    auto const expect = [](auto const & fill, char const * pszXml, char16_t const * pszMessage)
+    {
+        CTableSchema schema;
+        fill(schema);
+        schema.OnInit([](CTableClass & object) { object[0].SetXmlCollection(nullptr); });
+        CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+        CSerializationContext ctx;
+        for (bool const bIgnore : {false, true})
+        {
+            ctx.SetIgnoreInvalidCollectionCounts(bIgnore);
+            for (auto const & step : std::vector<std::function<void()>>{[&] { spObject->FromXml(pszXml, ctx); },
+                     [&] { XmlOf(*spObject, ctx); }})
+            {
+                try
+                {
+                    step();
+                    ADD_FAILURE() << Utf8(pszMessage);
+                }
+                catch (CQzException const & e)
+                {
+                    EXPECT_NE(e.GetFullMessage().find(pszMessage), std::u16string::npos) << Utf8(e.GetFullMessage());
+                }
+            }
+        }
+    };
+    char16_t const * const pszNull = u"The Property [c] is mandatory, it may not be NULL";
+    expect([](CTableSchema & s) { s.Element<CElementInfoSeqCol>(u"c"); }, "<r><c/></r>", pszNull);
+    expect([](CTableSchema & s) { s.Element<CElementInfoAllCol>(u"c"); }, "<r><c/></r>", pszNull);
+    expect([](CTableSchema & s) { s.Element<CElementInfoChoiceCol>(u"c"); }, "<r><c/></r>", pszNull);
+    expect([](CTableSchema & s) { s.Element<CElementInfoSeqClsCol>(u"c", XmlElementType_Pseudo); }, "<r><c/></r>",
+        pszNull);
+    expect([](CTableSchema & s) { s.Attribute<CAttributeInfoAny>(u"c", true, u"##any", u"", nullptr); }, "<r c='1'/>",
+        u"The collection should be a CAttributeCol, it was not!");
+}
+
 TEST(ElementInfoTest, UnknownEnumerationNumberAndRestrictionOfAClass)
 {
     CTableSchema schema;
