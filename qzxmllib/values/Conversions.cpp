@@ -302,7 +302,8 @@ bool EqualsLower(std::u16string_view text, std::u16string_view lower)
         [](char16_t a, char16_t b) { return (a >= u'A' && a <= u'Z' ? a + 32 : a) == b; });
 }
 
-/// The whole number at the start of a format, as atoi takes it: 0 without one, and the nearest int beyond the range.
+/// The number of decimal places at the start of a format, as atoi takes it: 0 without one. More than 1000 count as
+/// 1000.
 int ReadPlaces(std::u16string_view format)
 {
     while (!format.empty() && IsNumberSpace(format[0]))
@@ -311,8 +312,8 @@ int ReadPlaces(std::u16string_view format)
     if (bMinus || (!format.empty() && format[0] == u'+'))
         format.remove_prefix(1);
     Digits const digits = ReadDigits(format);
-    std::uint64_t const nLargest = static_cast<std::uint64_t>(std::numeric_limits<int>::max());
-    int const nPlaces = static_cast<int>(digits.bOverflow ? nLargest : std::min(digits.nValue, nLargest));
+    constexpr std::uint64_t nMost = 1000;
+    int const nPlaces = static_cast<int>(digits.bOverflow ? nMost : std::min(digits.nValue, nMost));
     return bMinus ? -nPlaces : nPlaces;
 }
 

@@ -25,7 +25,8 @@ void CheckPrimitiveVariant(
 inline void CheckPrimitive(
     char16_t const * pszName, QzVariant const & value, ItemType eType, CPrimitiveRestrictions const & restrictions)
 {
-    if (value.GetTypeAsEnum() != eType || eType == ItemType_char || HasFacets(restrictions))
+    bool const bChecked = eType >= ItemType_hexBinary && eType <= ItemType_integer && eType != ItemType_char;
+    if (value.GetTypeAsEnum() != eType || !bChecked || HasFacets(restrictions))
         CheckPrimitiveVariant(pszName, value, eType, restrictions);
 }
 

@@ -55,13 +55,17 @@ bool IsOneOf(char16_t c, std::u16string_view units)
 /// within brackets. A repeated group costs the engine memory for each turn, a repeated set costs none.
 bool MayUseSets(std::u16string_view pattern)
 {
+    // A parenthesis will stand in front of the pattern.
+    if (!pattern.empty() && IsOneOf(pattern[0], u"?*"))
+        return false;
     bool bInBrackets = false;
     for (std::size_t i = 0; i < pattern.size(); ++i)
     {
         char16_t const cNext = i + 1 < pattern.size() ? pattern[i + 1] : u'\0';
         if (pattern[i] == u'\\')
         {
-            if (IsOneOf(cNext, bInBrackets ? u"iIcCpQ" : u"123456789gkQ"))
+            // The engine takes no notice of \E, and the unit 1 becomes two backslashes, so brackets end elsewhere.
+            if (IsOneOf(cNext, bInBrackets ? u"iIcCpQE\x01" : u"123456789gkQE\x01"))
                 return false;
             ++i;
         }

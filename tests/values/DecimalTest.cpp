@@ -1,5 +1,6 @@
 #include "qzxmllib/values/Decimal.h"
 
+#include "qzxmllib/values/Conversions.h"
 #include "tests/support/TestText.h"
 
 #include <cmath>
@@ -148,6 +149,18 @@ TEST(DecimalTest, FollowsTheLimitOfPlaces)
         EXPECT_EQ((CDecimal(11) / CDecimal(4)).ToString(), u"3");
         EXPECT_EQ(CDecimal(u"5").ToString(2), u"5.0");
     }
+}
+
+TEST(DecimalTest, TakesTheNumberOfPlacesFromAFormat)
+{
+    CPlacesScope scope(3000);
+    auto const Threes = [](std::size_t n) { return u"12." + std::u16string(n, u'3'); };
+    CDecimal const value(Threes(2000));
+    std::pair<char16_t const *, std::size_t> const aCases[] = {{u" +2 places", 2}, {u"%.2f", 0}, {u"-2", 0},
+        {u"999", 999}, {u"1001", 1000}, {u"99999999999999999999999", 1000}};
+    for (auto const & [pszFormat, nPlaces] : aCases)
+        EXPECT_EQ(CConversions::decimalToString(value, pszFormat), Threes(nPlaces)) << Utf8(pszFormat);
+    EXPECT_EQ(CConversions::decimalToString(value, u""), Threes(2000));
 }
 
 TEST(DecimalTest, ConvertsToNativeTypesOrOverflows)

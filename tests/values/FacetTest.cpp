@@ -1,6 +1,7 @@
 #include "tests/support/FacetCheck.h"
 #include "tests/support/TestText.h"
 
+#include "qzxmllib/binding/ElementInfoPrim.h"
 #include "qzxmllib/binding/PlainCol.h"
 
 #include <atomic>
@@ -99,6 +100,18 @@ TEST(FacetCheckTest, CharAndValuesOfAnotherKindNeverPass)
     QzXmlLib16Data::CAttributeInfoPrimitive const entry(
         u"n", u"", 0, false, ItemType_i4, u"", CWhitespaceUtils::WhitespaceRule_None, CPrimitiveRestrictions(), u"");
     ExpectThrows<CQzException>([&] { entry.CheckRestriction(value); }, u"Invalid Type 12");
+
+    auto const checkElement = [](ItemType eType, QzVariant const & held)
+    {
+        QzXmlLib16Data::CElementInfoSeqPrimOpt(
+            u"n", u"", 0, false, eType, u"", CWhitespaceUtils::WhitespaceRule_None, CPrimitiveRestrictions(), u"")
+            .CheckRestriction(held);
+    };
+    ExpectThrows<CQzException>([&] { checkElement(ItemType_Invalid, QzVariant()); }, u"Invalid Type 0");
+    ExpectThrows<CQzInvalidValueException>([&] { checkElement(ItemType_Invalid, value); }, u"Unknown type [r8].");
+    EXPECT_NO_THROW(checkElement(ItemType_r8, value));
+    value.SetXmlObject(nullptr);
+    ExpectThrows<CQzException>([&] { checkElement(ItemType_XmlObjectBase, value); }, u"Invalid Type 27");
 }
 
 /// A collection whose facets can be changed, as they are public fields.

@@ -43,6 +43,8 @@ Case const kCases[] = {{u"[a-z]+", u"abc", true}, {u"[a-z]+", u"abc1", false}, {
     {u"\\p{IsLatin-1Supplement}*", u"\u0080\u00FF", true}, {u"\\p{IsLatin-1Supplement}*", u"\u0100", false},
     {u"\\p{IsLatinExtended-A}*", u"\u0100\u017F", true}, {u"\\p{IsLatinExtended-A}*", u"\u0180", false},
     {u"\\p{IsLatinExtended-B}*", u"\u0180\u024F", true}, {u"\\p{IsLatinExtended-B}*", u"\u0250", false},
+    // The engine takes no notice of \E, so the bracket behind it does not end the set.
+    {u"[\\E]\\c-]+", u"]|(a", true}, {u"[\\E]\\c-]+", u"[-]", false}, {u"[a\\\x01]\\c]+", u"]|", true},
     {u"\\p{Lu}\\d", u"\u00C95", true}, {u"[\\w-.]+", u"a-.", true}, {u"[^]+-\\p{Lu}\\]]", u"b", true},
     {u"[a-z]+", std::u16string(u"ab\0c", 4), false}, {std::u16string(u"a\0b", 3), std::u16string(u"a\0b", 3), true},
     {u"\\c+", kLong, true}, {u"(\\i|\\c)+", kLong.substr(0, 100000), true},
@@ -55,7 +57,8 @@ TEST(PatternWordsTest, RefusedPatternIsTold)
 {
     // By the expression that the message shows.
     std::pair<char16_t const *, std::string> const kRefused[] = {{u"[a", "[a"}, {u"(\\c", "((\\w|\\.|-|:)"},
-        {u"[\\i-[:]][\\c-[:]]*", "[([^\\W\\d]|:)-[:]][(\\w|\\.|-|:)-[:]]*"}, {u"\\p{IsNoBlock}", "\\p{IsNoBlock}"}};
+        {u"[\\i-[:]][\\c-[:]]*", "[([^\\W\\d]|:)-[:]][(\\w|\\.|-|:)-[:]]*"}, {u"\\p{IsNoBlock}", "\\p{IsNoBlock}"},
+        {u"*:\\i", "*:([^\\W\\d]|:)"}};
     for (auto const & [pszPattern, strShown] : kRefused)
         try
         {
