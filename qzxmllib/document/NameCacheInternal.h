@@ -2,13 +2,13 @@
 
 #include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
+#include "qzxmllib/support/ThreadSpareInternal.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -64,7 +64,8 @@ public:
         m_slots[i & (m_slots.size() - 1)] = {nVersion, nHash, static_cast<std::uint32_t>(m_entries.size() - 1)};
         return entry.value;
     }
-    std::size_t GetSize() const noexcept { return m_entries.size(); }
+    /// Whether these are more names than are worth keeping for the next document.
+    bool IsLarge() const noexcept { return m_entries.size() > kMostNamesKept; }
     void Clear() noexcept
     {
         m_latest.fill({});
@@ -186,39 +187,6 @@ private:
     std::u16string m_strDefaultNamespace;
     CXmlWriter::CNamespaceMap m_namespaces;
     std::uint64_t m_nVersion = 0; ///< 0 for none
-};
-
-/// What a reader or writer has made of names, kept by the thread for the next one: documents of one kind follow each
-/// other. GetSize of Names tells how much there is.
-template <class Names>
-class CNameSpare
-{
-public:
-    static std::unique_ptr<Names> Take()
-    {
-        Names * const pSpare = std::exchange(t_pSpare, nullptr);
-        return std::unique_ptr<Names>(pSpare != nullptr ? pSpare : new Names);
-    }
-    static void GiveBack(std::unique_ptr<Names> spNames) noexcept
-    {
-        struct Cleaner
-        {
-            ~Cleaner()
-            {
-                t_bThreadEnds = true;
-                delete std::exchange(t_pSpare, nullptr);
-            }
-        };
-        if (t_bThreadEnds || t_pSpare != nullptr || spNames->GetSize() > kMostKept)
-            return;
-        static thread_local Cleaner const t_cleaner;
-        t_pSpare = spNames.release();
-    }
-
-private:
-    static constexpr std::size_t kMostKept = 512;
-    static inline thread_local Names * t_pSpare = nullptr;
-    static inline thread_local bool t_bThreadEnds = false;
 };
 
 } // namespace QzXmlLib16

@@ -147,10 +147,10 @@ struct CXmlTextWriter::TagText
     std::u16string_view GetAlias() const { return {tags.strWide.data() + 1, nAlias}; }
 };
 
-/// Kept by CNameSpare.
+/// Kept by CThreadSpare.
 struct CXmlTextWriter::NameCaches
 {
-    std::size_t GetSize() const noexcept { return std::max(elements.GetSize(), attributes.GetSize()); }
+    bool IsLarge() const noexcept { return elements.IsLarge() || attributes.IsLarge(); }
 
     CNameCache<TagText> elements;
     /// The beginning of an attribute up to the quote in front of its value.
@@ -165,7 +165,7 @@ struct CXmlTextWriter::NameCaches
 
 CXmlTextWriter::CXmlTextWriter(CTextStream * pStream)
     : CXmlWriter(u"CXmlTextWriter"), m_strEOL(u"\n"), m_eEOLType(EOLType_LF), m_bFormat(true), m_pStream(pStream),
-      m_spNames(CNameSpare<NameCaches>::Take())
+      m_spNames(CThreadSpare<NameCaches>::Take())
 {
     m_spIndentRun = std::move(m_spNames->spIndentRun);
     m_strIndentChars = std::move(m_spNames->strIndentChars);
@@ -177,7 +177,7 @@ CXmlTextWriter::~CXmlTextWriter()
 {
     m_spNames->spIndentRun = std::move(m_spIndentRun);
     m_spNames->strIndentChars = std::move(m_strIndentChars);
-    CNameSpare<NameCaches>::GiveBack(std::move(m_spNames));
+    CThreadSpare<NameCaches>::GiveBack(std::move(m_spNames));
 }
 
 /// Where octets can be written, or null.

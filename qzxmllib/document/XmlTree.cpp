@@ -193,7 +193,7 @@ CXmlTree::~CXmlTree()
     for (XmlBlock const & block : m_blocks)
         ReturnXmlBlock(block);
     ReturnXmlBlock(m_spare);
-    CNameSpare<CXmlNameTable>::GiveBack(std::move(m_spNames));
+    CThreadSpare<CXmlNameTable>::GiveBack(std::move(m_spNames));
 }
 
 CXmlElement * CXmlTree::CreateElement(CXmlName const & name, CXmlElement * pParent)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/BlockMemoryInternal.h"
+#include "qzxmllib/support/ThreadSpareInternal.h"
 
 #include <cstdint>
 #include <cstring>
@@ -86,7 +86,7 @@ public:
     CXmlName const & FromText(std::u16string_view namespaceURI, std::u16string_view localName);
     /// Makes all names those of the document.
     void SetDocument(CXmlDocument & doc) noexcept;
-    std::size_t GetSize() const noexcept { return m_records.size(); }
+    bool IsLarge() const noexcept { return m_records.size() > kMostNamesKept; }
 
 private:
     CXmlNameRecord const & FindFromParser(char const * pszRaw)
@@ -167,7 +167,7 @@ private:
 class CXmlTree
 {
 public:
-    explicit CXmlTree(CXmlDocument & doc) : m_spNames(CNameSpare<CXmlNameTable>::Take())
+    explicit CXmlTree(CXmlDocument & doc) : m_spNames(CThreadSpare<CXmlNameTable>::Take())
     {
         m_spNames->SetDocument(doc);
     }

@@ -98,9 +98,7 @@ public:
         for (std::uint32_t dwIndex = 1; dwIndex <= first.Size(); ++dwIndex)
             Enter(Number(first.Key(dwIndex)));
     }
-    bool IsLarge() const noexcept { return m_ids.Size() > kMostKept; }
-
-    static constexpr std::size_t kMostKept = 512;
+    bool IsLarge() const noexcept { return m_ids.Size() > kMostNamesKept; }
 
 private:
     struct Entry
@@ -110,7 +108,7 @@ private:
     };
 
     /// What is kept from earlier documents must not take a place from this one.
-    static constexpr std::size_t kMostIds = CFIVocabulary::kMaxEntries + kMostKept;
+    static constexpr std::size_t kMostIds = CFIVocabulary::kMaxEntries + kMostNamesKept;
 
     CIndexMap m_ids{kMostIds};
     std::vector<Entry> m_entries;
@@ -142,7 +140,7 @@ struct CFastInfosetWriter::KnownName
     }
 };
 
-/// Kept by the thread from one writer to the next: documents of one kind follow each other.
+/// Kept by CThreadSpare.
 struct CFastInfosetWriter::Tables
 {
     /// By the names that callers use.
@@ -156,44 +154,15 @@ struct CFastInfosetWriter::Tables
     CIndexMap attributeValues;
     CIndexMap characterChunks;
     std::uint64_t nDocument = 0;
-    /// The declarations of the last root, with their version.
-    std::u16string strDefaultNamespace;
-    CNamespaceMap namespaces;
-    std::uint64_t nVersion = 0;
+    CKnownDeclarations declarations;
     unsigned char abyOctets[kBlock];
-
-    static thread_local Tables * t_pSpare;
-    static thread_local bool t_bThreadEnds;
 
     Tables() {} // leaves the octets as they are
 
-    static std::unique_ptr<Tables> Take()
-    {
-        std::unique_ptr<Tables> spTables(std::exchange(t_pSpare, nullptr));
-        if (spTables == nullptr)
-            spTables.reset(new Tables);
-        return spTables;
-    }
-    static void GiveBack(std::unique_ptr<Tables> spTables)
-    {
-        struct Cleaner
-        {
-            ~Cleaner()
-            {
-                t_bThreadEnds = true;
-                delete std::exchange(t_pSpare, nullptr);
-            }
-        };
-        if (t_bThreadEnds || t_pSpare != nullptr || spTables->IsLarge())
-            return;
-        static thread_local Cleaner const t_cleaner;
-        t_pSpare = spTables.release();
-    }
     bool IsLarge() const noexcept
     {
-        return knownElements.GetSize() > CNames::kMostKept || knownAttributes.GetSize() > CNames::kMostKept ||
-               elementNames.IsLarge() || attributeNames.IsLarge() || prefixes.IsLarge() || namespaceNames.IsLarge() ||
-               localNames.IsLarge();
+        return knownElements.IsLarge() || knownAttributes.IsLarge() || elementNames.IsLarge() ||
+               attributeNames.IsLarge() || prefixes.IsLarge() || namespaceNames.IsLarge() || localNames.IsLarge();
     }
 
     /// A new document.
@@ -217,12 +186,9 @@ struct CFastInfosetWriter::Tables
     }
 };
 
-thread_local CFastInfosetWriter::Tables * CFastInfosetWriter::Tables::t_pSpare = nullptr;
-thread_local bool CFastInfosetWriter::Tables::t_bThreadEnds = false;
-
 CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream)
-    : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context), m_spTables(Tables::Take()),
-      m_pOctets(m_spTables->abyOctets)
+    : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context),
+      m_spTables(CThreadSpare<Tables>::Take()), m_pOctets(m_spTables->abyOctets)
 {
     m_pVocabulary = context.GetUseGeneratedVocabulary() ? context.GetVocabulary() : &CFIVocabulary::Smallest();
     m_spTables->Begin(*m_pVocabulary);
@@ -233,7 +199,7 @@ CFastInfosetWriter::~CFastInfosetWriter()
     // The base frees the records from the innermost one on, and the pending one owns all others.
     if (m_pPendingContext != nullptr)
         m_pContext = m_pPendingContext;
-    Tables::GiveBack(std::move(m_spTables));
+    CThreadSpare<Tables>::GiveBack(std::move(m_spTables));
 }
 
 /// Makes room for so many octets, at most kBlock, and gives it. The octets count when m_nUsed is raised.
@@ -563,7 +529,7 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
         if (!NeedsNoPrefix(context, context.m_strNamespace))
             prefix = *FindPrefix(context, context.m_strNamespace).pAlias;
         if (m_pContext == nullptr)
-            KnowDeclarations(context);
+            SetDeclarationsVersion(context, m_spTables->declarations.VersionOf(context));
         KnownName const name = WriteName(kElementName, dwLead, prefix, context.m_strNamespace, context.m_strName);
         CNameCache<KnownName> & known = m_spTables->knownElements;
         std::uint64_t const nVersion = context.GetDeclarationsVersion();
@@ -572,22 +538,6 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
     }
     m_pContext = m_pPendingContext;
     m_pPendingContext = nullptr;
-}
-
-/// Gives declarations that are the same as those of the last root their version, so that what was made of names holds.
-void CFastInfosetWriter::KnowDeclarations(CXmlWriterContext & root)
-{
-    Tables & tables = *m_spTables;
-    if (tables.nVersion != 0 && tables.strDefaultNamespace == root.GetDefaultNamespace() &&
-        tables.namespaces == root.GetNamespaces())
-    {
-        SetDeclarationsVersion(root, tables.nVersion);
-        return;
-    }
-    tables.nVersion = 0;
-    tables.strDefaultNamespace = root.GetDefaultNamespace();
-    tables.namespaces = root.GetNamespaces();
-    tables.nVersion = root.GetDeclarationsVersion();
 }
 
 inline bool CFastInfosetWriter::IsKnown(KnownName const & name) const noexcept

@@ -63,7 +63,6 @@ private:
     void ClosePendingTerminator();
     void CloseAttributeList(CXmlWriterContext & context);
     CXmlWriterContext & RequireAttributes();
-    void KnowDeclarations(CXmlWriterContext & root);
     bool IsKnown(KnownName const & name) const noexcept;
     void WriteKnownName(FINameForm const & form, unsigned dwLead, KnownName & name);
     void WriteFirst(FINameForm const & form, unsigned dwLead, KnownName & name);

@@ -89,10 +89,10 @@ constexpr std::uint64_t kNoDeclarations = ~std::uint64_t(0);
 
 } // namespace
 
-/// Kept by CNameSpare.
+/// Kept by CThreadSpare.
 struct CJsonTextWriter::NameCaches
 {
-    std::size_t GetSize() const noexcept { return std::max(elements.GetSize(), attributes.GetSize()); }
+    bool IsLarge() const noexcept { return elements.IsLarge() || attributes.IsLarge(); }
 
     /// The name of a property with its quotes, the colon and one more quote.
     CNameCache<TwinText> elements;
@@ -105,14 +105,14 @@ struct CJsonTextWriter::NameCaches
 
 CJsonTextWriter::CJsonTextWriter(CTextStream & stream)
     : CXmlWriter(u"CJsonTextWriter"), m_strIndentChars(u"\t"), m_strEOL(u"\n"), m_pStream(&stream),
-      m_spNames(CNameSpare<NameCaches>::Take()), m_spBreak(std::make_unique<TwinText>())
+      m_spNames(CThreadSpare<NameCaches>::Take()), m_spBreak(std::make_unique<TwinText>())
 {
     ForgetBreak();
 }
 
 CJsonTextWriter::~CJsonTextWriter()
 {
-    CNameSpare<NameCaches>::GiveBack(std::move(m_spNames));
+    CThreadSpare<NameCaches>::GiveBack(std::move(m_spNames));
 }
 
 /// Where octets can be written, or null.

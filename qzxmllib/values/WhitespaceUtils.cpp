@@ -123,8 +123,9 @@ std::u16string Owned(std::u16string_view (*pfnRule)(std::u16string_view, std::u1
 std::u16string_view CWhitespaceUtils::ApplyRule(
     WhitespaceRule eRule, std::u16string_view text, std::u16string & strScratch)
 {
-    // The rules differ in what they do with white space, and most values have none.
-    if (eRule <= WhitespaceRule_Collapse && eRule > WhitespaceRule_None && HasNoneUpTo(text, u' '))
+    // The rules differ in what they do with white space, and most values have none. Only collapsing changes blanks.
+    char16_t const cLast = eRule == WhitespaceRule_Collapse ? u' ' : u'\r';
+    if (eRule <= WhitespaceRule_Collapse && eRule > WhitespaceRule_None && HasNoneUpTo(text, cLast))
         return text;
     switch (eRule)
     {
