@@ -1,5 +1,6 @@
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
+#include "qzxmllib/document/PlainTextInternal.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 
@@ -60,41 +61,6 @@ std::u16string Widen(std::string_view text)
 }
 
 constexpr std::size_t kShortPiece = 64;
-
-bool IsPlain(char c)
-{
-    return static_cast<signed char>(c) >= 0 && c != '\r';
-}
-
-/// Widens octets, and tells whether all of them are ASCII and none is a carriage return; if not, what is written at
-/// pOut is of no use.
-bool WidenPlain(char const * pText, std::size_t nOctets, char16_t * pOut)
-{
-    bool bPlain = true;
-#if defined(__SSE2__)
-    if (nOctets >= 8)
-    {
-        // Eight at a time; the last eight may overlap those before.
-        __m128i odd = _mm_setzero_si128();
-        for (std::size_t n = 0;; n += 8)
-        {
-            std::size_t const nAt = n + 8 < nOctets ? n : nOctets - 8;
-            __m128i const octets = _mm_loadl_epi64(reinterpret_cast<__m128i const *>(pText + nAt));
-            odd = _mm_or_si128(odd, _mm_or_si128(octets, _mm_cmpeq_epi8(octets, _mm_set1_epi8('\r'))));
-            _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + nAt), _mm_unpacklo_epi8(octets, _mm_setzero_si128()));
-            if (n + 8 >= nOctets)
-                break;
-        }
-        return _mm_movemask_epi8(odd) == 0;
-    }
-#endif
-    for (std::size_t n = 0; n < nOctets; ++n)
-    {
-        bPlain = bPlain && IsPlain(pText[n]);
-        pOut[n] = static_cast<unsigned char>(pText[n]);
-    }
-    return bPlain;
-}
 
 /// Tells whether octets are ASCII and the same text as as many code units.
 bool EqualAscii(char16_t const * pUnits, char const * pText, std::size_t nOctets)
@@ -290,7 +256,7 @@ void CXmlTree::AppendUtf8ExcludingCR(CXmlText & text, char const * pText, std::s
     if (nOctets <= kShortPiece && !text.m_bString && text.m_nUnits + nOctets <= kLongestInBlock)
     {
         bool const bTrim = MakeRoom(text, static_cast<std::uint32_t>(nOctets));
-        if (WidenPlain(pText, nOctets, text.m_pUnits + text.m_nUnits))
+        if (WidenPlain(reinterpret_cast<unsigned char const *>(pText), nOctets, text.m_pUnits + text.m_nUnits))
         {
             text.m_nUnits += static_cast<std::uint32_t>(nOctets);
             return;

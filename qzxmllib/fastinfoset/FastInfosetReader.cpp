@@ -2,11 +2,11 @@
 
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/document/Encoder.h"
+#include "qzxmllib/document/PlainTextInternal.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetContext.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
-#include "qzxmllib/fastinfoset/PlainTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>

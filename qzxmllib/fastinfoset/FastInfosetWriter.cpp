@@ -4,9 +4,9 @@
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NameCacheInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
+#include "qzxmllib/document/PlainTextInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
-#include "qzxmllib/fastinfoset/PlainTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/support/Utf8Internal.h"
 
