@@ -65,7 +65,9 @@ void CExpatReader::Init()
 void CExpatReader::Parse(unsigned char const * pOctets, std::size_t nOctets, bool bFinal)
 {
     CParserMemory::Use const use(*m_spMemory);
-    bool const bWhole = bFinal && nOctets <= kWholeOctets && m_doc.m_pfnElementComplete == nullptr;
+    bool const bAlone = m_doc.m_pfnElementComplete == nullptr;
+    CXmlTree::CountTogether const together(*m_doc.m_pTree, bAlone);
+    bool const bWhole = bFinal && nOctets <= kWholeOctets && bAlone;
     std::size_t const nMost = bWhole ? kWholeOctets : kPieceOctets;
     for (;;)
     {

@@ -153,7 +153,12 @@ private:
     friend class CXmlElement;
     friend class CXmlTree;
 
-    CXmlAttribute(CXmlElement * pElement, CXmlName const & name);
+    CXmlAttribute(CXmlName const & name, CXmlElement * pElement);
+    /// Counted by the tree, as one of the record.
+    CXmlAttribute(CXmlName const & name, CXmlElement * pElement, ClassType * pRecord) noexcept
+        : CInstanceMonitor(pRecord), m_pElement(pElement), m_pName(&name)
+    {
+    }
     ~CXmlAttribute() override;
 
     CXmlElement * m_pElement;
@@ -217,7 +222,12 @@ private:
         std::vector<CXmlAttribute *> attributes;
     };
 
-    explicit CXmlElement(CXmlName const & name, CXmlElement * pParent);
+    CXmlElement(CXmlName const & name, CXmlElement * pParent);
+    /// Counted by the tree, as one of the record.
+    CXmlElement(CXmlName const & name, CXmlElement * pParent, ClassType * pRecord) noexcept
+        : CInstanceMonitor(pRecord), m_pParent(pParent), m_pName(&name), m_pFirstAttribute(nullptr)
+    {
+    }
     /// Leaves children and attributes alone: the tree destroys them one by one.
     ~CXmlElement() override;
 

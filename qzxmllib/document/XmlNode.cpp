@@ -58,7 +58,7 @@ void CXmlText::CopyTo(char16_t * pOut) const
     ForEachPiece([&pOut](std::u16string_view piece) { pOut += piece.copy(pOut, piece.size()); });
 }
 
-CXmlAttribute::CXmlAttribute(CXmlElement * pElement, CXmlName const & name)
+CXmlAttribute::CXmlAttribute(CXmlName const & name, CXmlElement * pElement)
     : CInstanceMonitor(g_xmlAttributeName), m_pElement(pElement), m_pName(&name)
 {
 }

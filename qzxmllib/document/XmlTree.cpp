@@ -162,24 +162,17 @@ CXmlTree::~CXmlTree()
     CThreadSpare<CXmlNameTable>::GiveBack(std::move(m_spNames));
 }
 
-CXmlElement * CXmlTree::CreateElement(CXmlName const & name, CXmlElement * pParent)
+void CXmlTree::CountNew()
 {
-    auto * const pElement = new (AllocateNode<CXmlElement>()) CXmlElement(name, pParent);
-    m_elements.Add(pElement->GetRecord());
-    if (pParent != nullptr)
-    {
-        (pParent->m_pLastChild != nullptr ? pParent->m_pLastChild->m_pNextSibling : pParent->m_pFirstChild) = pElement;
-        pParent->m_pLastChild = pElement;
-    }
-    return pElement;
+    CXmlElement::CountCome(m_elements.pRecord, std::exchange(m_elements.nNew, 0));
+    CXmlAttribute::CountCome(m_attributes.pRecord, std::exchange(m_attributes.nNew, 0));
 }
 
 CXmlAttribute * CXmlTree::CreateAttribute(CXmlElement & element, CXmlName const & name)
 {
     if (element.m_text.m_bMark)
         element.m_pAttributes->attributes.reserve(element.m_pAttributes->attributes.size() + 1);
-    auto * const pAttribute = new (AllocateNode<CXmlAttribute>()) CXmlAttribute(&element, name);
-    m_attributes.Add(pAttribute->GetRecord());
+    CXmlAttribute * const pAttribute = NewNode<CXmlAttribute>(m_attributes, name, &element);
     if (CXmlAttribute * pLast = element.GetFirstAttribute())
     {
         if (m_pLastAttribute != nullptr && m_pLastAttribute->m_pElement == &element)

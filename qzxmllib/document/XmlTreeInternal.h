@@ -177,8 +177,38 @@ public:
 
     CXmlNameTable & Names() { return *m_spNames; }
 
+    /// While one lives, new nodes are counted together, if bWanted: when no code of the application runs meanwhile.
+    class CountTogether
+    {
+    public:
+        explicit CountTogether(CXmlTree & tree, bool bWanted = true) noexcept : m_tree(tree)
+        {
+            tree.m_bCountTogether = bWanted;
+        }
+        CountTogether(CountTogether const &) = delete;
+        CountTogether & operator=(CountTogether const &) = delete;
+        ~CountTogether()
+        {
+            m_tree.CountNew();
+            m_tree.m_bCountTogether = false;
+        }
+
+    private:
+        CXmlTree & m_tree;
+    };
+
     /// A new element behind the last child of pParent, which is null for a root.
-    CXmlElement * CreateElement(CXmlName const & name, CXmlElement * pParent);
+    CXmlElement * CreateElement(CXmlName const & name, CXmlElement * pParent)
+    {
+        CXmlElement * const pElement = NewNode<CXmlElement>(m_elements, name, pParent);
+        if (pParent != nullptr)
+        {
+            (pParent->m_pLastChild != nullptr ? pParent->m_pLastChild->m_pNextSibling : pParent->m_pFirstChild) =
+                pElement;
+            pParent->m_pLastChild = pElement;
+        }
+        return pElement;
+    }
     /// A new attribute without a value behind the last one of the element.
     CXmlAttribute * CreateAttribute(CXmlElement & element, CXmlName const & name);
     /// Ends the life of all nodes.
@@ -255,6 +285,8 @@ private:
     {
         CInstanceMonitor::ClassType * pRecord = nullptr;
         std::size_t nAlive = 0;
+        /// Those that the record does not count yet.
+        std::size_t nNew = 0;
         bool bMixed = false;
 
         void Add(CInstanceMonitor::ClassType * p) noexcept
@@ -298,6 +330,22 @@ private:
         m_pCursor += sizeof(T) + nGap;
         return p;
     }
+    template <class T>
+    T * NewNode(Census & census, CXmlName const & name, CXmlElement * pElement)
+    {
+        void * const p = AllocateNode<T>();
+        if (m_bCountTogether && census.nAlive != 0 && !census.bMixed)
+        {
+            ++census.nAlive;
+            ++census.nNew;
+            return new (p) T(name, pElement, census.pRecord);
+        }
+        T * const pNode = new (p) T(name, pElement);
+        census.Add(pNode->GetRecord());
+        return pNode;
+    }
+    /// Counts the nodes that are not counted yet.
+    void CountNew();
     void * AllocateInNewBlock(std::size_t nOctets);
     /// True if the room was made to measure, so that what the text does not fill can be taken back.
     bool MakeRoom(CXmlText & text, std::uint32_t nMore);
@@ -307,6 +355,7 @@ private:
     XmlOwned m_owned;
     Census m_elements;
     Census m_attributes;
+    bool m_bCountTogether = false;
     std::vector<XmlBlock> m_blocks;
     std::size_t m_nHeld = 0;
     XmlBlock m_spare;

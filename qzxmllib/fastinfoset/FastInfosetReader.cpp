@@ -29,6 +29,7 @@ constexpr unsigned char kComment = 0xE2;
 constexpr unsigned char kDocumentType = 0xC4 >> 2;
 constexpr unsigned char kEntityReference = 0xC8 >> 2;
 constexpr unsigned char kNamespaceAttribute = 0xCC >> 2;
+constexpr unsigned char kChunk = 0x80 >> 6;
 
 constexpr char16_t kPrefixes[] = u"prefixes";
 constexpr char16_t kNamespaceNames[] = u"namespace names";
@@ -124,6 +125,7 @@ bool CFastInfosetReader::ReadDocument(unsigned char const * pOctets, std::size_t
     m_pTree = m_doc.m_pTree.get();
     m_pElement = nullptr;
     m_nDepth = 0;
+    CXmlTree::CountTogether const together(*m_pTree);
     SkipHeader();
     ReadChildren();
     if (m_doc.m_pDocumentElement == nullptr)
@@ -496,6 +498,81 @@ void CFastInfosetReader::ReadChildren()
     }
 }
 
+/// Reads the usual forms of a chunk: UTF-8 in one of the two shorter forms, and an index in one of those. p stands
+/// behind the lead octet. Gives what stands behind the chunk; null, and nothing done, if it is anything else or the
+/// limits are reached.
+inline unsigned char const * CFastInfosetReader::ReadShortText(
+    unsigned char const * p, unsigned char byLead, CText & text)
+{
+    auto const nLeft = static_cast<std::size_t>(m_pEnd - p);
+    if ((byLead & 0x20) != 0)
+    {
+        std::size_t nEntry = byLead & 0x0F;
+        if ((byLead & 0x10) != 0)
+        {
+            if ((byLead & 0x0C) != 0 || nLeft == 0)
+                return nullptr;
+            nEntry = 0x10 + (nEntry << 8 | *p++);
+        }
+        if (nEntry >= m_characterChunks.size())
+            return nullptr;
+        text = m_characterChunks[nEntry];
+        if (!text.bShared || m_nNamedUnits + text.nUnits > m_nMaxNamedUnits)
+            return nullptr;
+        m_nNamedUnits += text.nUnits;
+        return p;
+    }
+    std::size_t nOctets = (byLead & 0x01) + 1u;
+    if ((byLead & 0x02) != 0)
+    {
+        if ((byLead & 0x01) != 0 || nLeft == 0)
+            return nullptr;
+        nOctets = *p++ + std::size_t(3);
+    }
+    if ((byLead & 0x0C) != 0 || nOctets > static_cast<std::size_t>(m_pEnd - p))
+        return nullptr;
+    char16_t * const pUnits = m_pTree->Offer(nOctets);
+    if (!WidenPlain(p, nOctets, pUnits))
+        return nullptr;
+    m_pTree->Take(nOctets);
+    text = std::u16string_view(pUnits, nOctets);
+    text.bShared = true;
+    if ((byLead & 0x10) != 0)
+        m_characterChunks.push_back(text);
+    return p + nOctets;
+}
+
+/// Reads an element of the usual kind that holds one text: an early name, no attributes, a short chunk, the end. False,
+/// and nothing done, if something else comes next. The position stays in a register, as most elements are read here.
+inline bool CFastInfosetReader::ReadLeaf()
+{
+    unsigned char const * p = m_pCurrent;
+    if (m_pEnd - p < 3 || m_nDepth >= m_nMaxDepth)
+        return false;
+    std::size_t const nEntry = *p++;
+    FIForm const & shortest = *kElementName.indexes.begin();
+    if (nEntry > shortest.dwData || nEntry >= m_elementNames.size() || m_elementNames[nEntry] == nullptr)
+        return false;
+    unsigned char const byChunk = *p++;
+    if (byChunk >> 6 != kChunk)
+        return false;
+    CText text{std::u16string_view()};
+    p = ReadShortText(p, byChunk, text);
+    if (p == nullptr)
+        return false;
+    CXmlElement * const pElement = m_pTree->CreateElement(*m_elementNames[nEntry], m_pElement);
+    CXmlTree::Assign(CXmlTree::TextOf(*pElement), text.pUnits, text.nUnits);
+    if (p != m_pEnd && *p == kTerminator)
+    {
+        m_pCurrent = p + 1;
+        return true;
+    }
+    m_pCurrent = p;
+    m_pElement = pElement;
+    ++m_nDepth;
+    return true;
+}
+
 /// The root and all below it. The tree tells where the reading is, so no depth is too deep for the native stack.
 void CFastInfosetReader::ReadElements(unsigned char byLead)
 {
@@ -503,6 +580,8 @@ void CFastInfosetReader::ReadElements(unsigned char byLead)
         EndElement();
     while (m_pElement != nullptr)
     {
+        if (ReadLeaf())
+            continue;
         byLead = ReadOctet();
         if (byLead < 0x80)
         {
@@ -630,61 +709,20 @@ void CFastInfosetReader::ReadAttribute(CXmlElement * pElement, unsigned char byL
         CXmlDocument::AddElementAttribute(pElement, name, text);
 }
 
-/// Reads the usual forms of a chunk into a text that has nothing yet: UTF-8 in one of the two shorter forms, and an
-/// index in one of those. False, and nothing done, if it is anything else or the limits are reached.
-inline bool CFastInfosetReader::ReadShortText(CXmlText & text, unsigned char byLead)
-{
-    unsigned char const * p = m_pCurrent;
-    auto const nLeft = static_cast<std::size_t>(m_pEnd - p);
-    if ((byLead & 0x20) != 0)
-    {
-        std::size_t nEntry = byLead & 0x0F;
-        if ((byLead & 0x10) != 0)
-        {
-            if ((byLead & 0x0C) != 0 || nLeft == 0)
-                return false;
-            nEntry = 0x10 + (nEntry << 8 | *p++);
-        }
-        if (nEntry >= m_characterChunks.size())
-            return false;
-        CText const & entry = m_characterChunks[nEntry];
-        if (!entry.bShared || m_nNamedUnits + entry.nUnits > m_nMaxNamedUnits)
-            return false;
-        m_nNamedUnits += entry.nUnits;
-        CXmlTree::Assign(text, entry.pUnits, entry.nUnits);
-        m_pCurrent = p;
-        return true;
-    }
-    std::size_t nOctets = (byLead & 0x01) + 1u;
-    if ((byLead & 0x02) != 0)
-    {
-        if ((byLead & 0x01) != 0 || nLeft == 0)
-            return false;
-        nOctets = *p++ + std::size_t(3);
-    }
-    if ((byLead & 0x0C) != 0 || nOctets > static_cast<std::size_t>(m_pEnd - p))
-        return false;
-    char16_t * const pUnits = m_pTree->Offer(nOctets);
-    if (!WidenPlain(p, nOctets, pUnits))
-        return false;
-    m_pTree->Take(nOctets);
-    CXmlTree::Assign(text, pUnits, nOctets);
-    m_pCurrent = p + nOctets;
-    if ((byLead & 0x10) != 0)
-    {
-        m_characterChunks.push_back(std::u16string_view(pUnits, nOctets));
-        m_characterChunks.back().bShared = true;
-    }
-    return true;
-}
-
 /// X.891 clause C.7. A table keeps carriage returns, the text of an element does not.
 void CFastInfosetReader::ReadText(CXmlElement * pElement, unsigned char byLead)
 {
-    if (CXmlTree::IsBare(*pElement) && ReadShortText(CXmlTree::TextOf(*pElement), byLead))
-        return;
-    CString const chunk = ReadChunk(byLead);
     CText text{std::u16string_view()};
+    if (CXmlTree::IsBare(*pElement))
+    {
+        if (unsigned char const * const pBehind = ReadShortText(m_pCurrent, byLead, text))
+        {
+            CXmlTree::Assign(CXmlTree::TextOf(*pElement), text.pUnits, text.nUnits);
+            m_pCurrent = pBehind;
+            return;
+        }
+    }
+    CString const chunk = ReadChunk(byLead);
     if (chunk.bIndex)
     {
         text = At(m_characterChunks, chunk.dwIndex, kCharacterChunks);

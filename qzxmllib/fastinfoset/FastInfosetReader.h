@@ -109,7 +109,8 @@ private:
     void EndElement();
     void ReadNamespaceAttributes();
     void ReadAttribute(CXmlElement * pElement, unsigned char byLead);
-    bool ReadShortText(CXmlText & text, unsigned char byLead);
+    unsigned char const * ReadShortText(unsigned char const * p, unsigned char byLead, CText & text);
+    bool ReadLeaf();
     void ReadText(CXmlElement * pElement, unsigned char byLead);
     CXmlName const & ReadName(FINameForm const & form, unsigned char byLead);
     CXmlName const & ReadLiteralName(unsigned char byLead, CNameCache & names);

@@ -61,11 +61,11 @@ struct CInstanceCounters
         counter.store(counter.load(std::memory_order_relaxed) + nDelta, std::memory_order_relaxed);
     }
 
-    void Count(ClassType & ct)
+    void Count(ClassType & ct, std::int64_t nInstances = 1)
     {
         Counter & counter = aCounters[ct.nIndex];
-        Add(counter.lInstanceCount, 1);
-        Add(counter.lTotalCount, 1);
+        Add(counter.lInstanceCount, nInstances);
+        Add(counter.lTotalCount, nInstances);
     }
 
     ClassType * Cached(char16_t const * name, unsigned nGeneration) const
@@ -93,7 +93,7 @@ struct CInstanceCounters
     static ClassType & Find(char16_t const * name);
     static std::int64_t Sum(ClassType const & ct, std::atomic<std::int64_t> Counter::*pField, std::int64_t nBase);
     static void Retire(CInstanceCounters * pShard);
-    static void CountUp(CInstanceMonitor & monitor, ClassType & ct);
+    static void CountUp(ClassType & ct, std::int64_t nInstances);
     static void CountDown(ClassType & ct, std::int64_t nInstances);
 };
 
@@ -195,14 +195,13 @@ void CInstanceCounters::Retire(CInstanceCounters * pShard)
     delete pShard;
 }
 
-void CInstanceCounters::CountUp(CInstanceMonitor & monitor, ClassType & ct)
+void CInstanceCounters::CountUp(ClassType & ct, std::int64_t nInstances)
 {
-    monitor.m_pct = &ct;
     CInstanceCounters * const pShard = t_pShard != nullptr ? t_pShard : OfThread();
     if (pShard != nullptr && ct.nIndex != kNotSharded && !ct.bDetached.load(std::memory_order_relaxed))
-        pShard->Count(ct);
+        pShard->Count(ct, nInstances);
     else
-        CountShared(ct, 1, 1);
+        CountShared(ct, nInstances, nInstances);
 }
 
 inline void CInstanceCounters::CountDown(ClassType & ct, std::int64_t nInstances)
@@ -234,7 +233,8 @@ CInstanceMonitor::CInstanceMonitor(char16_t const * name) : m_pct(nullptr)
         }
     }
     ClassType & ct = CInstanceCounters::Find(name);
-    CInstanceCounters::CountUp(*this, ct);
+    CInstanceCounters::CountUp(ct, 1);
+    m_pct = &ct;
     if (t_pShard != nullptr && ct.nIndex != kNotSharded)
         t_pShard->Remember(name, &ct, nGeneration);
 }
@@ -256,7 +256,8 @@ CInstanceMonitor::CInstanceMonitor(CInstanceName & name) : m_pct(nullptr)
 __attribute__((noinline)) void CInstanceMonitor::CountFirst(CInstanceName & name, unsigned nGeneration)
 {
     ClassType & ct = CInstanceCounters::Find(name.m_pszName);
-    CInstanceCounters::CountUp(*this, ct);
+    CInstanceCounters::CountUp(ct, 1);
+    m_pct = &ct;
     if (ct.nIndex == kNotSharded)
         return;
     name.m_pct.store(&ct, std::memory_order_relaxed);
@@ -273,15 +274,21 @@ void CInstanceMonitor::CountPassing(CInstanceName & name)
         CInstanceMonitor const passing(name);
 }
 
-CInstanceMonitor::CInstanceMonitor(CInstanceMonitor const & other) : m_pct(nullptr)
+CInstanceMonitor::CInstanceMonitor(CInstanceMonitor const & other) : m_pct(other.m_pct)
 {
-    CInstanceCounters::CountUp(*this, *other.m_pct);
+    CInstanceCounters::CountUp(*m_pct, 1);
 }
 
 CInstanceMonitor::~CInstanceMonitor()
 {
     assert(m_pct != nullptr);
     CInstanceCounters::CountDown(*m_pct, 1);
+}
+
+void CInstanceMonitor::CountCome(ClassType * pRecord, std::size_t nInstances)
+{
+    if (nInstances != 0)
+        CInstanceCounters::CountUp(*pRecord, static_cast<std::int64_t>(nInstances));
 }
 
 void CInstanceMonitor::CountGone(ClassType * pRecord, std::size_t nInstances)

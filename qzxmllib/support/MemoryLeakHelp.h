@@ -55,6 +55,10 @@ protected:
     static void CountPassing(CInstanceName & name);
     /// The record that this instance is counted by.
     ClassType * GetRecord() const noexcept { return m_pct; }
+    /// For an instance that CountCome counts.
+    explicit CInstanceMonitor(ClassType * pRecord) noexcept : m_pct(pRecord) {}
+    /// Counts so many instances of a record in, of those that were made by the constructor above.
+    static void CountCome(ClassType * pRecord, std::size_t nInstances);
     /// Counts so many instances of a record out, for those that go without a destructor.
     static void CountGone(ClassType * pRecord, std::size_t nInstances);
 
