@@ -9,6 +9,7 @@
 #include "qzxmllib/values/DateTimeSpan.h"
 #include "qzxmllib/values/DateTimeTextInternal.h"
 #include "qzxmllib/values/Decimal.h"
+#include "qzxmllib/values/ShortNumberInternal.h"
 
 #include <algorithm>
 #include <charconv>
@@ -67,11 +68,25 @@ Digits ReadDigits(std::u16string_view text)
     return digits;
 }
 
+/// For text without white space no rule has anything to do, if it is one.
+bool IsRule(CConversions::WhitespaceRule eRule)
+{
+    return eRule >= CWhitespaceUtils::WhitespaceRule_None && eRule <= CWhitespaceUtils::WhitespaceRule_Collapse;
+}
+
+bool ReadUsualNumber(std::u16string_view text, CConversions::WhitespaceRule eRule, ShortNumber & number)
+{
+    return IsRule(eRule) && ReadShortNumber(text, number);
+}
+
 /// A whole number as strtol and strtoul of the width of T take it: white space and a sign may stand in front, a minus
 /// before an unsigned number wraps, and a number out of range is told before a rest behind it.
 template <class T>
 T ParseInteger(std::u16string_view given, CConversions::WhitespaceRule eRule, char16_t const * pszKind)
 {
+    ShortNumber number;
+    if (ReadUsualNumber(given, eRule, number) && number.nPlaces == 0)
+        return static_cast<T>(number.nDigits);
     std::u16string strScratch;
     std::u16string_view const text = CWhitespaceUtils::ApplyRule(eRule, given, strScratch);
     std::size_t nPos = 0;
@@ -137,6 +152,10 @@ double ParseDouble(std::u16string_view given, CConversions::WhitespaceRule eRule
 {
     // "INF" and "-INF" are among the forms that ReadDouble knows.
     static constexpr std::u16string_view kNoNumbers[] = {u"NaN", u"1.#QNAN", u"-NAN"};
+    // A quotient of two numbers that a double holds is rounded once, as it must be.
+    ShortNumber number;
+    if (ReadUsualNumber(given, eRule, number))
+        return static_cast<double>(number.nDigits) / kPowersOfPlaces[number.nPlaces];
     std::u16string strScratch;
     std::u16string_view const text = CWhitespaceUtils::ApplyRule(eRule, given, strScratch);
     double dValue = 0;
@@ -293,6 +312,23 @@ void PrintTwoDigits(std::u16string_view hyphens, std::uint8_t nValue, std::u16st
         strOut.push_back(static_cast<char16_t>(u'0' + nValue / 100));
     strOut.push_back(static_cast<char16_t>(u'0' + nValue / 10 % 10));
     strOut.push_back(static_cast<char16_t>(u'0' + nValue % 10));
+}
+
+/// Reads the words true and false, without regard to the case of ASCII letters. They are compared as a whole, as it is
+/// mostly open which of them comes. False for anything else.
+bool ReadTrueOrFalse(std::u16string_view text, bool & bValue)
+{
+    std::size_t const n = text.size();
+    if (n != 4 && n != 5)
+        return false;
+    auto const lower = [&text](std::size_t i) { return std::uint64_t(text[i] | 0x20u); };
+    auto const four = [](auto const & at) { return at(0) | at(1) << 16 | at(2) << 32 | at(3) << 48; };
+    auto const word = [](char const * psz) { return [psz](std::size_t i) { return std::uint64_t(psz[i]); }; };
+    std::uint64_t const nFour = four(lower);
+    std::uint64_t const nLast = lower(n - 1);
+    bValue = (n == 4) & (nFour == four(word("true")));
+    bool const bFalse = (n == 5) & (nFour == four(word("fals"))) & (nLast == u'e');
+    return bValue | bFalse;
 }
 
 /// Compares without regard to the case of ASCII letters. The second text is in lower case.
@@ -682,15 +718,14 @@ std::u16string CConversions::stringFromString(std::u16string_view text, Whitespa
 
 bool CConversions::booleanFromString(std::u16string_view text, WhitespaceRule eRule)
 {
+    bool bValue = false;
+    if (IsRule(eRule) && ReadTrueOrFalse(text, bValue))
+        return bValue;
     std::u16string strScratch;
     std::u16string_view const changed = CWhitespaceUtils::ApplyRule(eRule, text, strScratch);
-    if (changed == u"true" || changed == u"1")
+    if (changed == u"1" || EqualsLower(changed, u"true"))
         return true;
-    if (changed == u"false" || changed == u"0")
-        return false;
-    if (EqualsLower(changed, u"true"))
-        return true;
-    if (EqualsLower(changed, u"false"))
+    if (changed == u"0" || EqualsLower(changed, u"false"))
         return false;
     throw CQzInvalidValueException(FormatString(u"A Boolean Value read from an XML document was invalid [%s]. Valid "
                                                 u"values are 'true', 'false', '1', or '0'",
@@ -699,6 +734,9 @@ bool CConversions::booleanFromString(std::u16string_view text, WhitespaceRule eR
 
 CDecimal CConversions::decimalFromString(std::u16string_view text, WhitespaceRule eRule)
 {
+    ShortNumber number;
+    if (ReadUsualNumber(text, eRule, number))
+        return CDecimal(number);
     std::u16string strScratch;
     return CDecimal(CWhitespaceUtils::ApplyRule(eRule, text, strScratch));
 }

@@ -2,6 +2,7 @@
 
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/ConversionsInternal.h"
+#include "qzxmllib/values/ShortNumberInternal.h"
 
 #include <algorithm>
 #include <charconv>
@@ -97,6 +98,11 @@ CDecimal::CDecimal(char16_t const * pText)
 CDecimal::CDecimal(std::u16string_view text)
 {
     Parse(text);
+}
+
+CDecimal::CDecimal(ShortNumber const & number)
+{
+    Set(number);
 }
 
 CDecimal::CDecimal(CBigInteger integerPart, CBigInteger fractionPart, int nFractionDivider) noexcept
@@ -312,8 +318,25 @@ void CDecimal::Normalize(CDecimal & a, CDecimal & b)
     b.ChangeFractionalDivider(nPlaces);
 }
 
+// What Parse makes of the same number. The value is new.
+void CDecimal::Set(ShortNumber const & number)
+{
+    std::uint32_t const nPower = kPowersOfPlaces[number.nPlaces];
+    std::uint32_t nFraction = number.nDigits % nPower;
+    unsigned nPlaces = number.nPlaces;
+    for (; nPlaces > 1 && nFraction % 10 == 0; --nPlaces)
+        nFraction /= 10;
+    m_integerPart.m_digits = CBigDigits(std::uint64_t(number.nDigits / nPower));
+    m_fractionPart.m_digits = CBigDigits(std::uint64_t(nFraction));
+    m_nFractionDivider = static_cast<std::int32_t>(std::max(nPlaces, 1u));
+    LimitPlaces();
+}
+
 void CDecimal::Parse(std::u16string_view text)
 {
+    ShortNumber number;
+    if (ReadShortNumber(text, number))
+        return Set(number);
     std::size_t const nUnits = text.size();
     std::size_t i = 0;
     bool bMinus = false;

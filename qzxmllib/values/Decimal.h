@@ -10,6 +10,8 @@
 namespace QzXmlLib16
 {
 
+struct ShortNumber;
+
 /// Exact decimal number of any length: the value of the XML Schema type decimal. Held as an integer part and the digits
 /// behind the point. What is parsed, multiplied or divided keeps at most GetMaxDecimalPlaces() places; the rest is
 /// rounded off, an exact half towards zero.
@@ -89,13 +91,16 @@ public:
     CBigInteger ToBigInteger() const;
 
 private:
+    friend class CConversions;
     friend void PrintDecimal(CDecimal const & value, std::u16string_view format, std::u16string & strOut);
 
+    explicit CDecimal(ShortNumber const & number);
     CDecimal(CBigInteger integerPart, CBigInteger fractionPart, int nFractionDivider) noexcept;
 
     static CDecimal FromScaled(std::int32_t nSign, CBigDigits digits, int nPlaces);
     static void Normalize(CDecimal & a, CDecimal & b);
     void Parse(std::u16string_view text);
+    void Set(ShortNumber const & number);
     void Print(std::u16string & strOut) const;
     void ApplyExponent(bool bMinus, std::int64_t nExponent, std::u16string_view text);
     void Rationalise();

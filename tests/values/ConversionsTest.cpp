@@ -3,9 +3,11 @@
 #include "qzxmllib/values/QzVariant.h"
 #include "tests/support/TestText.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cmath>
 #include <limits>
+#include <random>
 
 using namespace QzXmlLib16;
 using testing::ValuesIn;
@@ -48,14 +50,15 @@ TextCase const kTexts[] = {{ItemType_i1, kNone, u"-128", u"-128"}, {ItemType_i1,
     {ItemType_r8, kNone, u"1.#QNAN", u"NaN"}, {ItemType_r8, kNone, u"-NAN", u"NaN"},
     {ItemType_r8, kNone, u"nan", u"NaN"}, {ItemType_boolean, kNone, u"TRUE", u"true"},
     {ItemType_boolean, kCollapse, u" 1 ", u"true"}, {ItemType_boolean, kNone, u"0", u"false"},
-    {ItemType_boolean, kNone, u"fAlSe", u"false"}, {ItemType_char, kNone, u" ", u" "},
-    {ItemType_char, kCollapse, u"\n\u20ac", u"\u20ac"}, {ItemType_string, kCollapse, u" a  b ", u"a b"},
-    {ItemType_string, kNone, u"", u""}, {ItemType_hexBinary, kCollapse, u" 0aFf ", u"0AFF"},
-    {ItemType_base64Binary, kNone, u"Q Q", u"QQ=="}, {ItemType_duration, kCollapse, u" P1DT0.5S ", u"P1DT0.5S"},
-    {ItemType_yearMonth, kNone, u"2001-05", u"2001-05"}, {ItemType_monthDay, kNone, u"--02-29", u"--02-29"},
-    {ItemType_year, kCollapse, u" 0012 ", u"12"}, {ItemType_year, kNone, u"2001-05", u"2001"},
-    {ItemType_year, kNone, u"-0001", u"65535"}, {ItemType_month, kNone, u"--03", u"--03"},
-    {ItemType_day, kNone, u"---31", u"---31"}, {ItemType_date, kNone, u"2001-10-26Z", u"2001-10-26Z"},
+    {ItemType_boolean, kNone, u"fAlSe", u"false"}, {ItemType_boolean, kCollapse, u" tRuE", u"true"},
+    {ItemType_char, kNone, u" ", u" "}, {ItemType_char, kCollapse, u"\n\u20ac", u"\u20ac"},
+    {ItemType_string, kCollapse, u" a  b ", u"a b"}, {ItemType_string, kNone, u"", u""},
+    {ItemType_hexBinary, kCollapse, u" 0aFf ", u"0AFF"}, {ItemType_base64Binary, kNone, u"Q Q", u"QQ=="},
+    {ItemType_duration, kCollapse, u" P1DT0.5S ", u"P1DT0.5S"}, {ItemType_yearMonth, kNone, u"2001-05", u"2001-05"},
+    {ItemType_monthDay, kNone, u"--02-29", u"--02-29"}, {ItemType_year, kCollapse, u" 0012 ", u"12"},
+    {ItemType_year, kNone, u"2001-05", u"2001"}, {ItemType_year, kNone, u"-0001", u"65535"},
+    {ItemType_month, kNone, u"--03", u"--03"}, {ItemType_day, kNone, u"---31", u"---31"},
+    {ItemType_date, kNone, u"2001-10-26Z", u"2001-10-26Z"},
     {ItemType_datetime, kNone, u"2001-10-26T21:32:52.120", u"2001-10-26T21:32:52.12"},
     {ItemType_time, kCollapse, u"\t21:32:52.0501", u"21:32:52.0501"},
     {ItemType_time, kNone, u"21:32:52.000", u"21:32:52"}, {ItemType_decimal, kCollapse, u" +012.50 ", u"12.5"},
@@ -204,6 +207,54 @@ TEST(ConversionsTest, RoundTripsDoublesOfAllSizes)
             std::u16string const strText = CConversions::r8ToString(dValue);
             ASSERT_EQ(Utf8(strText), aExpected);
             ASSERT_EQ(CConversions::r8FromString(strText, kNone), std::strtod(aExpected, nullptr));
+        }
+    }
+}
+
+/// Numbers of up to ten units, and texts that come close to one.
+TEST(ConversionsTest, ShortNumbersAgreeWithTheCLibrary)
+{
+    std::mt19937 random(20);
+    auto const below = [&random](unsigned n) { return random() % n; };
+    // The last units have the octets of digits and letters as their lower halves.
+    constexpr std::u16string_view kUnits = u"0123456789.-+e \u0131\u3030\uff2e\u0174";
+    for (int i = 0; i < 200000; ++i)
+    {
+        std::u16string strText(1 + below(10), u'0');
+        for (char16_t & c : strText)
+            c = kUnits[below(10)];
+        if (below(2) != 0)
+            strText[below(static_cast<unsigned>(strText.size()))] = u'.';
+        if (below(3) == 0)
+            strText[below(static_cast<unsigned>(strText.size()))] = kUnits[below(kUnits.size())];
+        bool const bAscii = std::all_of(strText.begin(), strText.end(), [](char16_t c) { return c < 128; });
+        std::string const strOctets = bAscii ? Utf8(strText) : "x";
+        char * pEnd = nullptr;
+        double const dExpected = std::strtod(strOctets.c_str(), &pEnd);
+        bool const bDouble = *pEnd == '\0';
+        long long const nExpected = std::strtoll(strOctets.c_str(), &pEnd, 10);
+        bool const bInteger = *pEnd == '\0';
+        SCOPED_TRACE(Utf8(strText));
+        if (bDouble)
+        {
+            ASSERT_EQ(CConversions::r8FromString(strText, kNone), dExpected);
+        }
+        else
+        {
+            ASSERT_THROW(CConversions::r8FromString(strText, kNone), CQzInvalidValueException);
+        }
+        if (bInteger)
+        {
+            ASSERT_EQ(CConversions::i8FromString(strText, kNone), nExpected);
+        }
+        else
+        {
+            ASSERT_THROW(CConversions::i8FromString(strText, kNone), CQzInvalidValueException);
+        }
+        // The same number in a longer text is read digit by digit.
+        if (bDouble && strText.find_first_of(u"e+- ") == std::u16string::npos)
+        {
+            ASSERT_EQ(CDecimal(strText), CDecimal(std::u16string(9, u'0') + strText));
         }
     }
 }
