@@ -378,7 +378,7 @@ CXmlElement * CXmlGeneratedClass::FromXml_Int(
         Init();
         CParentElementInfo const & info = *GetClassInfo();
         XmlElementType const eType = info.GetElementType();
-        if (eType == XmlElementType_Element)
+        if (eType == XmlElementType_Element && !EqualText(m_strElementName, pElement->GetLocalName()))
             m_strElementName = pElement->GetLocalName();
         ProcessAttributesFromXml(ctx, pElement, info.GetFromXmlFailIfAttributeUnknown());
         INillable * const pNillable = FindNillable(this);

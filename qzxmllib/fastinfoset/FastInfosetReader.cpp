@@ -498,38 +498,12 @@ void CFastInfosetReader::ReadChildren()
     }
 }
 
-/// Reads the usual forms of a chunk: UTF-8 in one of the two shorter forms, and an index in one of those. p stands
-/// behind the lead octet. Gives what stands behind the chunk; null, and nothing done, if it is anything else or the
-/// limits are reached.
-inline unsigned char const * CFastInfosetReader::ReadShortText(
-    unsigned char const * p, unsigned char byLead, CText & text)
+/// Takes UTF-8 of the usual kind into the tree, and into the table if bAdd. Gives what stands behind it; null, and
+/// nothing done, if it is anything else.
+inline unsigned char const * CFastInfosetReader::TakeShortText(
+    unsigned char const * p, std::size_t nOctets, bool bAdd, CStringTable & table, CText & text)
 {
-    auto const nLeft = static_cast<std::size_t>(m_pEnd - p);
-    if ((byLead & 0x20) != 0)
-    {
-        std::size_t nEntry = byLead & 0x0F;
-        if ((byLead & 0x10) != 0)
-        {
-            if ((byLead & 0x0C) != 0 || nLeft == 0)
-                return nullptr;
-            nEntry = 0x10 + (nEntry << 8 | *p++);
-        }
-        if (nEntry >= m_characterChunks.size())
-            return nullptr;
-        text = m_characterChunks[nEntry];
-        if (!text.bShared || m_nNamedUnits + text.nUnits > m_nMaxNamedUnits)
-            return nullptr;
-        m_nNamedUnits += text.nUnits;
-        return p;
-    }
-    std::size_t nOctets = (byLead & 0x01) + 1u;
-    if ((byLead & 0x02) != 0)
-    {
-        if ((byLead & 0x01) != 0 || nLeft == 0)
-            return nullptr;
-        nOctets = *p++ + std::size_t(3);
-    }
-    if ((byLead & 0x0C) != 0 || nOctets > static_cast<std::size_t>(m_pEnd - p))
+    if (nOctets > static_cast<std::size_t>(m_pEnd - p))
         return nullptr;
     char16_t * const pUnits = m_pTree->Offer(nOctets);
     if (!WidenPlain(p, nOctets, pUnits))
@@ -537,9 +511,81 @@ inline unsigned char const * CFastInfosetReader::ReadShortText(
     m_pTree->Take(nOctets);
     text = std::u16string_view(pUnits, nOctets);
     text.bShared = true;
-    if ((byLead & 0x10) != 0)
-        m_characterChunks.push_back(text);
+    if (bAdd)
+        table.push_back(text);
     return p + nOctets;
+}
+
+/// Looks an entry up from 0 on. False, and nothing done, if it is not of the usual kind or the limits are reached.
+inline bool CFastInfosetReader::FindShared(CStringTable const & table, std::size_t nEntry, CText & text)
+{
+    if (nEntry >= table.size())
+        return false;
+    text = table[nEntry];
+    if (!text.bShared || m_nNamedUnits + text.nUnits > m_nMaxNamedUnits)
+        return false;
+    m_nNamedUnits += text.nUnits;
+    return true;
+}
+
+/// Reads the usual forms of a chunk: UTF-8 in one of the two shorter forms, and an index in one of those. p stands
+/// behind the lead octet. Gives what stands behind the chunk; null, and nothing done, if it is anything else.
+inline unsigned char const * CFastInfosetReader::ReadShortChunk(
+    unsigned char const * p, unsigned char byLead, CText & text)
+{
+    std::size_t nShort = byLead & 0x0F;
+    if ((byLead & 0x20) != 0)
+    {
+        if ((byLead & 0x10) != 0)
+        {
+            if ((byLead & 0x0C) != 0 || p == m_pEnd)
+                return nullptr;
+            nShort = 0x10 + (nShort << 8 | *p++);
+        }
+        return FindShared(m_characterChunks, nShort, text) ? p : nullptr;
+    }
+    if (nShort > 0x02 || (nShort == 0x02 && p == m_pEnd))
+        return nullptr;
+    if (nShort == 0x02)
+        nShort += *p++;
+    return TakeShortText(p, nShort + 1, (byLead & 0x10) != 0, m_characterChunks, text);
+}
+
+/// The same for the value of an attribute, whose lead octet p points to.
+inline unsigned char const * CFastInfosetReader::ReadShortValue(unsigned char const * p, CText & text)
+{
+    if (p == m_pEnd)
+        return nullptr;
+    unsigned char const byLead = *p++;
+    if ((byLead & 0x80) != 0)
+        return (byLead & 0x40) == 0 && FindShared(m_attributeValues, byLead & 0x3Fu, text) ? p : nullptr;
+    std::size_t nShort = byLead & 0x3F;
+    if (nShort > 0x08 || (nShort == 0x08 && p == m_pEnd))
+        return nullptr;
+    if (nShort == 0x08)
+        nShort += *p++;
+    return TakeShortText(p, nShort + 1, (byLead & 0x40) != 0, m_attributeValues, text);
+}
+
+/// Reads an attribute of the usual kind: an early name, a short value. False, and nothing done, if something else comes
+/// next.
+inline bool CFastInfosetReader::ReadShortAttribute(CXmlElement & element)
+{
+    unsigned char const * p = m_pCurrent;
+    if (p == m_pEnd)
+        return false;
+    std::size_t const nEntry = *p++;
+    FIForm const & shortest = *kAttributeName.indexes.begin();
+    if (nEntry > shortest.dwData || nEntry >= m_attributeNames.size() || m_attributeNames[nEntry] == nullptr)
+        return false;
+    CText text{std::u16string_view()};
+    p = ReadShortValue(p, text);
+    if (p == nullptr)
+        return false;
+    CXmlTree::Assign(
+        CXmlTree::ValueOf(*m_pTree->CreateAttribute(element, *m_attributeNames[nEntry])), text.pUnits, text.nUnits);
+    m_pCurrent = p;
+    return true;
 }
 
 /// Reads an element of the usual kind that holds one text: an early name, no attributes, a short chunk, the end. False,
@@ -557,7 +603,7 @@ inline bool CFastInfosetReader::ReadLeaf()
     if (byChunk >> 6 != kChunk)
         return false;
     CText text{std::u16string_view()};
-    p = ReadShortText(p, byChunk, text);
+    p = ReadShortChunk(p, byChunk, text);
     if (p == nullptr)
         return false;
     CXmlElement * const pElement = m_pTree->CreateElement(*m_elementNames[nEntry], m_pElement);
@@ -653,6 +699,8 @@ bool CFastInfosetReader::ReadAttributes(CXmlElement * pElement)
 {
     for (;;)
     {
+        if (ReadShortAttribute(*pElement))
+            continue;
         unsigned char const byLead = ReadOctet();
         if (byLead >= 0x80)
             return byLead == kDoubleTerminator;
@@ -715,7 +763,7 @@ void CFastInfosetReader::ReadText(CXmlElement * pElement, unsigned char byLead)
     CText text{std::u16string_view()};
     if (CXmlTree::IsBare(*pElement))
     {
-        if (unsigned char const * const pBehind = ReadShortText(m_pCurrent, byLead, text))
+        if (unsigned char const * const pBehind = ReadShortChunk(m_pCurrent, byLead, text))
         {
             CXmlTree::Assign(CXmlTree::TextOf(*pElement), text.pUnits, text.nUnits);
             m_pCurrent = pBehind;

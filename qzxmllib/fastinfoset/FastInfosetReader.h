@@ -109,7 +109,12 @@ private:
     void EndElement();
     void ReadNamespaceAttributes();
     void ReadAttribute(CXmlElement * pElement, unsigned char byLead);
-    unsigned char const * ReadShortText(unsigned char const * p, unsigned char byLead, CText & text);
+    unsigned char const * TakeShortText(
+        unsigned char const * p, std::size_t nOctets, bool bAdd, CStringTable & table, CText & text);
+    bool FindShared(CStringTable const & table, std::size_t nEntry, CText & text);
+    unsigned char const * ReadShortChunk(unsigned char const * p, unsigned char byLead, CText & text);
+    unsigned char const * ReadShortValue(unsigned char const * p, CText & text);
+    bool ReadShortAttribute(CXmlElement & element);
     bool ReadLeaf();
     void ReadText(CXmlElement * pElement, unsigned char byLead);
     CXmlName const & ReadName(FINameForm const & form, unsigned char byLead);

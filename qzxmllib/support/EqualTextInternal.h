@@ -64,6 +64,15 @@ inline bool EqualText(std::u16string_view a, std::u16string_view b) noexcept
                               : std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
 }
 
+/// The same for a text that ends in a code unit 0.
+inline bool EqualText(std::u16string_view a, char16_t const * pszB) noexcept
+{
+    for (char16_t const c : a)
+        if (*pszB != c || *pszB++ == u'\0')
+            return false;
+    return *pszB == u'\0';
+}
+
 /// A text that may be null, which counts as empty.
 inline char16_t const * OrEmpty(char16_t const * pText) noexcept
 {

@@ -31,6 +31,9 @@ ReadRow const kRows[] = {{"Smallest", "00 3C 00 61 FF", "a"}, {"OctetsBehindTheR
     {"ValuesKeepCarriageReturns", "00 7C 00'a' 78 00'x' 40 0D 78 00'y' 80 FF", "a @x='\\r' @y='\\r'"},
     {"TextsFromOneEntryGoOnAlone", "00 3C 00'a' 3C 00'b' 90'x' F0 01 A0 80'y' F0 01 A0 FF",
         "a (b \"x\") (b \"xy\") (b \"x\")"},
+    {"IndexesOfNamesAndValues",
+        "00 7C 00'a' 78 00'x' 40'1' F0 40 00 80 FF 40 00 01'23' FF 40 00 48 00'ninechars' F0 F0 40 00 81 FF FF",
+        "a @x='1' (a @x='1') (a @x='23') (a @x='ninechars') (a @x='ninechars')"},
     {"BarsInNames", "00 3D 00'u' 01'a|' 3C 00'|' FF", "{u}a| (|)"},
     {"TextEndsAtZero", "00 3C 00'a' 92 00'x' 00'y' FF", "a \"x\""},
     {"NumericAlphabet", "00 3C 00'a' 88 00 12 3C 00'b' 88 01 1F 23 FF", "a \"12\" (b \"1\")"},
@@ -103,6 +106,28 @@ TEST_P(ReadFailureTest, Throws)
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, ReadFailureTest, testing::ValuesIn(kFailures), CaseName);
+
+TEST(FastInfosetReader, CountsItsNodesHoweverItEnds)
+{
+    int const nElements = LiveCount("CXmlElement");
+    int const nAttributes = LiveCount("CXmlAttribute");
+    auto const expectMore = [&](int nMoreElements, int nMoreAttributes)
+    {
+        EXPECT_EQ(LiveCount("CXmlElement"), nElements + nMoreElements);
+        EXPECT_EQ(LiveCount("CXmlAttribute"), nAttributes + nMoreAttributes);
+    };
+    {
+        CXmlDocument document;
+        std::vector<unsigned char> octets =
+            FiDocument("7C 00'a' 78 00'x' 40'1' F0 3C 00'b' 90'y' F0 01 A0 F0 40 00 80 FF FF");
+        document.LoadXmlStream(octets.data(), octets.size());
+        expectMore(4, 2);
+        octets.resize(octets.size() - 3);
+        EXPECT_THROW(document.LoadXmlStream(octets.data(), octets.size()), CQzException);
+        expectMore(4, 1);
+    }
+    expectMore(0, 0);
+}
 
 struct BadIndexRow
 {
