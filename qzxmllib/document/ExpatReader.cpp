@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <expat.h>
+#include <optional>
 #include <utility>
 
 namespace QzXmlLib16
@@ -66,7 +67,9 @@ void CExpatReader::Parse(unsigned char const * pOctets, std::size_t nOctets, boo
 {
     CParserMemory::Use const use(*m_spMemory);
     bool const bAlone = m_doc.m_pfnElementComplete == nullptr;
-    CXmlTree::CountTogether const together(*m_doc.m_pTree, bAlone);
+    std::optional<CXmlTree::CountTogether> together;
+    if (bAlone)
+        together.emplace(*m_doc.m_pTree);
     bool const bWhole = bFinal && nOctets <= kWholeOctets && bAlone;
     std::size_t const nMost = bWhole ? kWholeOctets : kPieceOctets;
     for (;;)

@@ -177,14 +177,11 @@ public:
 
     CXmlNameTable & Names() { return *m_spNames; }
 
-    /// While one lives, new nodes are counted together, if bWanted: when no code of the application runs meanwhile.
+    /// While one lives, new nodes are counted together. For readers that run no code of the application meanwhile.
     class CountTogether
     {
     public:
-        explicit CountTogether(CXmlTree & tree, bool bWanted = true) noexcept : m_tree(tree)
-        {
-            tree.m_bCountTogether = bWanted;
-        }
+        explicit CountTogether(CXmlTree & tree) noexcept : m_tree(tree) { tree.m_bCountTogether = true; }
         CountTogether(CountTogether const &) = delete;
         CountTogether & operator=(CountTogether const &) = delete;
         ~CountTogether()

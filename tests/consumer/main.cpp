@@ -9,10 +9,13 @@ int main()
     spAda->m_strName = u"Ada";
     std::u16string const strXml = spAda->ToXml(); // <AA:person xmlns:AA="urn:example:people" id="7">...
 
+    CBinaryData const octets = spAda->ToFastInfosetStream(); // also ToXmlStream, ToJsonStream, and all to files
+
     CSmartPtr<CPerson> spCopy(new CPerson);
     try
     {
-        spCopy->FromXml(strXml.c_str()); // also FromXmlFile, FromXmlStream
+        spCopy->FromXml(strXml.c_str());
+        spCopy->FromXmlStream(octets); // XML or Fast Infoset, plain or compressed; also FromXmlFile, FromJsonStream
     }
     catch (CQzException const &) // GetFullMessage() tells what is wrong, GetPath() where
     {
