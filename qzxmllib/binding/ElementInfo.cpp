@@ -363,7 +363,18 @@ void CElementInfo::ElementFromXmlEnum(
         { value.SetI4(m_pfnEnumFromString(std::u16string(text).c_str())); });
 }
 
-bool CElementInfo::ReadIfThisPrim(
+// These two are where most of the time of a document goes: all their steps are in one function each.
+[[gnu::flatten]] bool CElementInfo::ReadSoughtPrim(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
+    CXmlElement const * pParent, CXmlElement ** ppCurrent, XmlElementType parentType) const
+{
+    SeekResult const eResult =
+        IsThisElement(ctx, *ppCurrent) ? Seek_Found : SeekThis(ctx, pParent, ppCurrent, parentType, true);
+    if (eResult == Seek_Found)
+        ElementFromXmlPrim(ctx, pClass, ppCurrent);
+    return eResult != Seek_NotFound;
+}
+
+[[gnu::flatten]] bool CElementInfo::ReadIfThisPrim(
     CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement ** ppCurrent, bool bOnMiss) const
 {
     if (!IsThisElement(ctx, *ppCurrent))
@@ -432,13 +443,13 @@ bool CElementInfo::ValidateMandatory(bool bFound, bool bStrict) const
     return bFound;
 }
 
-[[gnu::cold]] void CElementInfo::ThrowNotFound(CXmlElement const * pParent) const
+[[gnu::cold, gnu::noinline]] void CElementInfo::ThrowNotFound(CXmlElement const * pParent) const
 {
     throw CQzValidationException(
         FormatString(u"Failed to find the required child element [%s].", m_strElementName), pParent->GetXPath());
 }
 
-[[gnu::cold]] void CElementInfo::ThrowMandatoryMissing() const
+[[gnu::cold, gnu::noinline]] void CElementInfo::ThrowMandatoryMissing() const
 {
     throw CQzValidationException(
         FormatString(u"Failed to find the mandatory element [%s].", m_strElementName), std::u16string());

@@ -131,6 +131,10 @@ protected:
         CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement ** ppCurrent) const;
     void ElementFromXmlEnum(
         CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement ** ppCurrent) const;
+    /// Looks for this entry's element as SeekThis does with bLoopInPseudo, reads it and moves on. False when the group
+    /// does not match.
+    bool ReadSoughtPrim(CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement const * pParent,
+        CXmlElement ** ppCurrent, XmlElementType parentType) const;
     /// On a match reads the element and gives true, else gives bOnMiss.
     bool ReadIfThisPrim(
         CSerializationContext const & ctx, CXmlGeneratedClass * pClass, CXmlElement ** ppCurrent, bool bOnMiss) const;

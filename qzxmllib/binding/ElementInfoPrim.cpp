@@ -30,10 +30,7 @@ bool CElementInfoEnum::ElementFromXml(CSerializationContext const & ctx, CXmlGen
 bool CElementInfoSeqPrimMnd::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,
     CXmlElement * pParent, CXmlElement ** ppCurrent, char16_t const *, XmlElementType parentType)
 {
-    SeekResult const eResult = SeekThis(ctx, pParent, ppCurrent, parentType, true);
-    if (eResult == Seek_Found)
-        ElementFromXmlPrim(ctx, pClass, ppCurrent);
-    return eResult != Seek_NotFound;
+    return ReadSoughtPrim(ctx, pClass, pParent, ppCurrent, parentType);
 }
 
 bool CElementInfoSeqPrimOpt::ElementFromXml(CSerializationContext const & ctx, CXmlGeneratedClass * pClass,

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -35,19 +36,23 @@ NilText ParseNilText(std::u16string_view text);
 class CFlagList
 {
 public:
-    explicit CFlagList(std::size_t nFlags) : m_more(nFlags > 64 ? nFlags - 64 : 0) {}
-    bool Get(std::size_t i) const { return i < 64 ? ((m_first >> i) & 1) != 0 : m_more[i - 64]; }
+    explicit CFlagList(std::size_t nFlags)
+    {
+        if (nFlags > 64)
+            m_spMore = std::make_unique<std::vector<bool>>(nFlags - 64);
+    }
+    bool Get(std::size_t i) const { return i < 64 ? ((m_first >> i) & 1) != 0 : (*m_spMore)[i - 64]; }
     void Set(std::size_t i)
     {
         if (i < 64)
             m_first |= std::uint64_t(1) << i;
         else
-            m_more[i - 64] = true;
+            (*m_spMore)[i - 64] = true;
     }
 
 private:
     std::uint64_t m_first = 0;
-    std::vector<bool> m_more;
+    std::unique_ptr<std::vector<bool>> m_spMore;
 };
 
 /// Number of entries in front of the null pointer that ends a table.

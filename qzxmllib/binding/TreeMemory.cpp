@@ -130,6 +130,11 @@ void * CTreeMemory::operator new(std::size_t nOctets)
     return p;
 }
 
+bool CTreeMemory::IsShared() noexcept
+{
+    return t_pArena != nullptr;
+}
+
 void CTreeMemory::operator delete(void * p) noexcept
 {
     if (p == nullptr)

@@ -16,6 +16,8 @@ public:
     static void * operator new(std::size_t, void * p) noexcept { return p; }
     static void operator delete(void * p) noexcept;
     static void operator delete(void *, void *) noexcept {}
+    /// Whether what is made now lies in a block that this thread shares out.
+    static bool IsShared() noexcept;
 
 protected:
     CTreeMemory() = default;

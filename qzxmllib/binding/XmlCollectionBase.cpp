@@ -1,11 +1,13 @@
 #include "qzxmllib/binding/XmlCollectionBase.h"
 
+#include "qzxmllib/binding/TreeMemory.h"
+#include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
+#include <new>
 #include <utility>
 
 namespace QzXmlLib16
@@ -90,6 +92,16 @@ bool CXmlCollectionBase::IsValidCount(CSerializationContext const & ctx) const
     return (m_nMaxOccurs == -1 || nCount <= m_nMaxOccurs) && nCount >= m_nMinOccurs;
 }
 
+bool CXmlCollectionBase::DoesElementNameMatch(
+    CSerializationContext const & ctx, CXmlElement const * pElement, char16_t const * name, char16_t const * ns) const
+{
+    // The length of a text that is known makes it a matter of a few steps.
+    if (name != m_strElementName.c_str() || ns != m_strNamespace.c_str())
+        return CXmlObjectBase::DoesElementNameMatch(ctx, pElement, name, ns);
+    return EqualText(pElement->GetLocalName(), m_strElementName) &&
+           (ctx.GetIgnoreNamespaces() || EqualText(pElement->GetNamespaceURI(), m_strNamespace));
+}
+
 void CXmlCollectionBase::AddEventListener(IEventSink * pSink)
 {
     m_listeners.push_back(pSink);
@@ -137,6 +149,44 @@ void CXmlCollectionBase::FireOnCollectionRemoveComplete(int nIndex)
     ForEachListener([&](IEventSink * pSink) { FireOnCollectionRemoveCompleteEvent(pSink, this, nIndex); });
 }
 
+/// The links follow.
+struct CXmlCollection::NodeBlock
+{
+    NodeBlock * pNext;
+};
+
+CNode * CXmlCollection::TakeNode()
+{
+    if (m_pFreeNodes == nullptr)
+        AddBlock();
+    return std::exchange(m_pFreeNodes, m_pFreeNodes->m_pNext);
+}
+
+void CXmlCollection::GiveBackNode(CNode * pNode) noexcept
+{
+    pNode->m_pNext = m_pFreeNodes;
+    m_pFreeNodes = pNode;
+}
+
+void CXmlCollection::AddBlock()
+{
+    // Every link is in use: there will be twice as many. In a tree of open content most collections are very small.
+    constexpr int kMostNodes = 32;
+    int const nNodes = std::clamp(m_nCount, CTreeMemory::IsShared() ? 1 : 4, kMostNodes);
+    void * const pMemory =
+        CTreeMemory::operator new(sizeof(NodeBlock) + static_cast<std::size_t>(nNodes) * sizeof(CNode));
+    m_pBlocks = new (pMemory) NodeBlock{m_pBlocks};
+    auto * const pNodes = reinterpret_cast<CNode *>(m_pBlocks + 1);
+    for (int i = nNodes; i-- != 0;)
+        GiveBackNode(new (pNodes + i) CNode);
+}
+
+void CXmlCollection::FreeBlocks() noexcept
+{
+    while (m_pBlocks != nullptr)
+        CTreeMemory::operator delete(std::exchange(m_pBlocks, m_pBlocks->pNext));
+}
+
 CXmlCollection::CXmlCollection() = default;
 
 CXmlCollection::CXmlCollection(
@@ -161,12 +211,10 @@ CXmlCollection::~CXmlCollection()
         // A listener that refuses cannot keep the items of a collection that goes.
         m_pTail = nullptr;
         m_nCount = 0;
-        while (m_pHead != nullptr)
-        {
-            std::unique_ptr<CNode> const pNode(m_pHead);
-            m_pHead = pNode->m_pNext;
-        }
+        for (; m_pHead != nullptr; m_pHead = m_pHead->m_pNext)
+            m_pHead->m_spItem = nullptr;
     }
+    FreeBlocks();
 }
 
 void CXmlCollection::AttributesToXml_Int(CXmlWriter * pWriter, CSerializationContext const & ctx) const
@@ -194,18 +242,17 @@ void CXmlCollection::Insert(CSmartPtr<CXmlObjectBase> spItem, F const & findNext
     CXmlObjectBase * const pItem = spItem;
     if (bListeners)
         FireOnCollectionAdd(pItem);
-    auto pNew = std::make_unique<CNode>();
+    CNode * const pNext = findNext();
+    CNode * const pNew = TakeNode();
     if (bListeners)
         pNew->m_spItem = pItem;
     else
         pNew->m_spItem = std::move(spItem);
-    CNode * const pNext = findNext();
     CNode * const pPrev = pNext != nullptr ? pNext->m_pPrev : m_pTail;
     pNew->m_pNext = pNext;
     pNew->m_pPrev = pPrev;
-    (pPrev != nullptr ? pPrev->m_pNext : m_pHead) = pNew.get();
-    (pNext != nullptr ? pNext->m_pPrev : m_pTail) = pNew.get();
-    pNew.release();
+    (pPrev != nullptr ? pPrev->m_pNext : m_pHead) = pNew;
+    (pNext != nullptr ? pNext->m_pPrev : m_pTail) = pNew;
     ++m_nCount;
     if (!bListeners)
         return;
@@ -261,7 +308,8 @@ void CXmlCollection::RemoveNode(CNode * pNode)
     (pNode->m_pPrev != nullptr ? pNode->m_pPrev->m_pNext : m_pHead) = pNode->m_pNext;
     (pNode->m_pNext != nullptr ? pNode->m_pNext->m_pPrev : m_pTail) = pNode->m_pPrev;
     --m_nCount;
-    delete pNode;
+    pNode->m_spItem = nullptr;
+    GiveBackNode(pNode);
     if (m_listeners.empty())
         return;
     FireOnCollectionRemoveComplete(-1);
@@ -277,6 +325,9 @@ void CXmlCollection::Clear()
 {
     while (m_nCount >= 1)
         Remove(0);
+    FreeBlocks();
+    m_firstNode.m_pNext = nullptr;
+    m_pFreeNodes = &m_firstNode;
 }
 
 CNode * CXmlCollection::GetNodeAtIndex(int nIndex) const

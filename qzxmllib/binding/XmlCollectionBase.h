@@ -1,6 +1,5 @@
 #pragma once
 
-#include "qzxmllib/binding/TreeMemory.h"
 #include "qzxmllib/binding/XmlObjectBase.h"
 #include "qzxmllib/support/Export.h"
 #include "qzxmllib/support/SmartPtr.h"
@@ -53,6 +52,10 @@ protected:
     /// A collection has no target namespace: throws CQzException.
     std::u16string GetTargetNamespace() override;
 
+    /// The same answer as that of the base. It comes sooner when name and ns are the collection's own texts.
+    bool DoesElementNameMatch(CSerializationContext const & ctx, CXmlElement const * pElement, char16_t const * name,
+        char16_t const * ns) const;
+
     void FireOnCollectionChange();
     void FireOnCollectionAdd(void * pData);
     void FireOnCollectionAddComplete(void * pData);
@@ -72,8 +75,8 @@ private:
     std::int32_t m_nMaxOccurs = -1;
 };
 
-/// One link of a CXmlCollection.
-struct CNode : CTreeMemory
+/// One link of a CXmlCollection, which owns it.
+struct CNode
 {
     CSmartPtr<CXmlObjectBase> m_spItem;
     CNode * m_pNext = nullptr;
@@ -132,6 +135,18 @@ private:
     /// Adds pItem in front of what findNext gives when the add event has passed; null stands for the end.
     template <class F>
     void Insert(CSmartPtr<CXmlObjectBase> spItem, F const & findNext);
+
+    /// The first link lies in the collection, the others side by side in blocks. Those that are free wait for the next
+    /// items until the collection is cleared or goes.
+    struct NodeBlock;
+    CNode * TakeNode();
+    void GiveBackNode(CNode * pNode) noexcept;
+    void AddBlock();
+    void FreeBlocks() noexcept;
+
+    CNode m_firstNode;
+    CNode * m_pFreeNodes = &m_firstNode;
+    NodeBlock * m_pBlocks = nullptr;
 };
 
 } // namespace QzXmlLib16

@@ -472,20 +472,19 @@ CXmlElement * CXmlGeneratedClass::ProcessElementSeqFromXml(
     CClassNamespace classNamespace(*this);
     bool const bSkip = ctx.GetIgnoreUnknownElements();
     CXmlElement * pCurrent = pChild;
-    std::size_t nResume = 0;
+    CElementInfo ** ppEntry = ppElements;
     for (;;)
     {
-        for (std::size_t i = nResume; ppElements[i] != nullptr; ++i)
+        for (; *ppEntry != nullptr; ++ppEntry)
         {
-            while (!ppElements[i]->ElementFromXml(
-                ctx, this, pElement, &pCurrent, classNamespace.For(*ppElements[i]), eType))
+            char16_t const * const pszNamespace = classNamespace.For(**ppEntry);
+            while (!(*ppEntry)->ElementFromXml(ctx, this, pElement, &pCurrent, pszNamespace, eType))
             {
                 // The group as a whole did not match: the position goes back, what was read stays.
                 if (!bSkip || pCurrent == nullptr)
                     return pChild;
                 pCurrent = pCurrent->GetNextSiblingElement();
             }
-            nResume = i;
         }
         if (eType != XmlElementType_Element || pCurrent == nullptr)
             return pCurrent;
@@ -495,6 +494,8 @@ CXmlElement * CXmlGeneratedClass::ProcessElementSeqFromXml(
         pCurrent = pCurrent->GetNextSiblingElement();
         if (pCurrent == nullptr)
             return nullptr;
+        if (ppEntry != ppElements)
+            --ppEntry;
     }
 }
 

@@ -88,8 +88,6 @@ CBigInteger::CBigInteger(std::u16string_view text) : m_nSign(1)
     Parse(text);
 }
 
-CBigInteger::~CBigInteger() = default;
-
 void CBigInteger::Parse(char16_t const * pText)
 {
     Parse(pText != nullptr ? std::u16string_view(pText) : std::u16string_view());

@@ -45,7 +45,7 @@ public:
     CBigInteger(CBigInteger && other) noexcept = default;
     CBigInteger & operator=(CBigInteger const & other) = default;
     CBigInteger & operator=(CBigInteger && other) noexcept = default;
-    virtual ~CBigInteger();
+    virtual ~CBigInteger() = default;
 
     /// Reads an optional minus sign and digits, with blanks around them. A text of digits, signs and white space counts
     /// from its last character back to the first one that is no digit, and is 0 if it has none there. Any other text is

@@ -111,8 +111,6 @@ CDecimal::CDecimal(CBigInteger integerPart, CBigInteger fractionPart, int nFract
 {
 }
 
-CDecimal::~CDecimal() = default;
-
 void CDecimal::Negate() noexcept
 {
     m_integerPart.Negate();

@@ -38,7 +38,7 @@ public:
     CDecimal(CDecimal && other) noexcept = default;
     CDecimal & operator=(CDecimal const & other) = default;
     CDecimal & operator=(CDecimal && other) noexcept = default;
-    virtual ~CDecimal();
+    virtual ~CDecimal() = default;
 
     /// Part before the point, with the sign of the value.
     CBigInteger GetIntegerPart() const { return m_integerPart; }

@@ -4,8 +4,11 @@
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/ItemTraitsInternal.h"
 #include "qzxmllib/values/QzVariantInternal.h"
+#include "qzxmllib/values/WhitespaceInternal.h"
 
+#include <array>
 #include <cstring>
+#include <utility>
 
 namespace QzXmlLib16
 {
@@ -31,6 +34,11 @@ Value FromBits(std::uint64_t nBits) noexcept
     Value value;
     std::memcpy(&value, &nBits, sizeof(value));
     return value;
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowNoText(ItemType eType)
+{
+    throw CQzException(FormatString(u"Invalid Type %d to convert to string", eType));
 }
 
 } // namespace
@@ -289,30 +297,42 @@ std::u16string_view CVariantText::View(QzVariant const & value, char16_t const *
             Traits::ToText(std::get<Value>(value.m_value), format, strScratch);
     };
     if (value.m_isNil || !VisitItemType(value.m_type, print))
-        throw CQzException(FormatString(u"Invalid Type %d to convert to string", value.m_type));
+        ThrowNoText(value.m_type);
     return strScratch;
+}
+
+template <ItemType eType>
+void CVariantText::AssignAs(QzVariant & value, std::u16string_view text, CWhitespaceUtils::WhitespaceRule eRule)
+{
+    if constexpr (eType != ItemType_string)
+    {
+        value.Set<eType>(ItemTraits<eType>::FromText(text, eRule));
+    }
+    else if (IsLeftByRule(eRule, text))
+    {
+        value.SetText(std::u16string(text));
+    }
+    else
+    {
+        value.SetText(CWhitespaceUtils::ApplyRule(eRule, text));
+    }
+}
+
+// A frame for each kind, of the size that the kind needs.
+template <int... nIndexes>
+constexpr auto CVariantText::MakeAssignTable(std::integer_sequence<int, nIndexes...>)
+{
+    return std::array{&AssignAs<static_cast<ItemType>(nIndexes + 1)>...};
 }
 
 void CVariantText::Assign(
     QzVariant & value, std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule)
 {
-    if (eType == ItemType_string)
-    {
-        std::u16string strScratch;
-        std::u16string_view const changed = CWhitespaceUtils::ApplyRule(eRule, text, strScratch);
-        if (changed.data() == strScratch.data())
-            value.SetText(std::move(strScratch));
-        else
-            value.SetText(std::u16string(changed));
-        return;
-    }
-    auto const assign = [&](auto tag)
-    {
-        if constexpr (tag.value != ItemType_string)
-            value.Set<tag.value>(ItemTraits<tag.value>::FromText(text, eRule));
-    };
-    if (!VisitItemType(eType, assign))
-        throw CQzException(FormatString(u"Invalid Type %d to convert to string", eType));
+    static constexpr auto s_table = MakeAssignTable(std::make_integer_sequence<int, ItemType_integer>());
+    auto const nRow = static_cast<std::size_t>(eType) - 1;
+    if (nRow >= s_table.size())
+        ThrowNoText(eType);
+    s_table[nRow](value, text, eRule);
 }
 
 std::u16string QzVariant::ToString(char16_t const * pszFormat) const

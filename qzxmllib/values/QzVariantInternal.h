@@ -2,6 +2,8 @@
 
 #include "qzxmllib/values/QzVariant.h"
 
+#include <utility>
+
 namespace QzXmlLib16
 {
 
@@ -15,6 +17,11 @@ struct CVariantText
     /// FromString. The text may lie in the variant itself.
     static void Assign(
         QzVariant & value, std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule);
+
+    template <ItemType eType>
+    static void AssignAs(QzVariant & value, std::u16string_view text, CWhitespaceUtils::WhitespaceRule eRule);
+    template <int... nIndexes>
+    static constexpr auto MakeAssignTable(std::integer_sequence<int, nIndexes...>);
 
     /// Drops value, kind and nil mark, and keeps the room of a text for the next one.
     static void Reuse(QzVariant & value) noexcept

@@ -1,6 +1,8 @@
 #include "tests/support/Listener.h"
 #include "tests/support/TableClass.h"
 
+#include <random>
+
 using namespace QzXmlLib16;
 
 namespace
@@ -46,6 +48,41 @@ TEST_F(XmlCollectionTest, EveryPlaceToAdd)
     EXPECT_EQ(Order(), "abcde");
     m_spCol->Clear();
     ExpectThrows<CQzInvalidParamException>([&] { m_spCol->Remove(0); }, u"Index 0 is out of range, use 0 - -1");
+}
+
+TEST_F(XmlCollectionTest, KeepsItsOrderWhileItGrowsAndShrinks)
+{
+    std::mt19937 generator(11);
+    auto const random = [&] { return static_cast<unsigned>(generator()); };
+    std::string strExpected;
+    for (int nStep = 0; nStep < 4000; ++nStep)
+    {
+        // Grows and shrinks in turn, past a hundred items and down to none.
+        auto const nCount = static_cast<unsigned>(strExpected.size());
+        bool const bGrows = nStep / 400 % 2 == 0;
+        if (nCount == 0 || random() % 10 < (bGrows ? 7u : 2u))
+        {
+            unsigned const nAt = random() % (nCount + 1);
+            char16_t const szName[] = {static_cast<char16_t>(u'a' + random() % 26), 0};
+            m_spCol->AddItemAt(static_cast<int>(nAt), New(szName));
+            strExpected.insert(nAt, 1, static_cast<char>(szName[0]));
+        }
+        else if (random() % 200 == 0)
+        {
+            m_spCol->Clear();
+            strExpected.clear();
+        }
+        else
+        {
+            unsigned const nAt = random() % nCount;
+            m_spCol->Remove(static_cast<int>(nAt));
+            strExpected.erase(nAt, 1);
+        }
+        if (nStep % 16 == 0)
+        {
+            ASSERT_EQ(Order(), strExpected) << nStep;
+        }
+    }
 }
 
 TEST_F(XmlCollectionTest, LimitsAreTestedOnDemand)
