@@ -322,7 +322,7 @@ void CBigDigits::Grow(std::size_t nChunks)
     std::uint32_t * pChunks = new std::uint32_t[nCapacity];
     std::copy_n(Chunks(), m_nSize, pChunks);
     Free();
-    m_pChunks = pChunks;
+    m_array.pChunks = pChunks;
     m_nCapacity = static_cast<std::uint32_t>(nCapacity);
 }
 
@@ -365,6 +365,51 @@ std::uint32_t CBigDigits::DivideSmall(std::uint32_t nDivisor) noexcept
     }
     Trim();
     return static_cast<std::uint32_t>(nRest);
+}
+
+int SignedDigits::CompareTo(SignedDigits const & other) const noexcept
+{
+    if (nSign != other.nSign)
+        return nSign;
+    return nSign * CBigDigits::Compare(digits, other.digits);
+}
+
+bool SignedDigits::operator==(SignedDigits const & other) const noexcept
+{
+    return CBigDigits::Compare(digits, other.digits) == 0 && (IsZero() || nSign == other.nSign);
+}
+
+void SignedDigits::AddSigned(std::int32_t nOtherSign, CBigDigits const & otherDigits)
+{
+    if (nSign == nOtherSign)
+    {
+        digits.Add(otherDigits);
+        return;
+    }
+    int const nOrder = CBigDigits::Compare(digits, otherDigits);
+    if (nOrder == 0)
+    {
+        *this = SignedDigits();
+    }
+    else if (nOrder > 0)
+    {
+        digits.Subtract(otherDigits);
+    }
+    else
+    {
+        digits.SubtractFrom(otherDigits);
+        nSign = nOtherSign;
+    }
+}
+
+std::u16string SignedDigits::ToString() const
+{
+    if (IsZero())
+        return u"0";
+    std::size_t const nDigits = digits.CountDigits();
+    std::u16string strText(nDigits + (HasMinus() ? 1 : 0), u'-');
+    digits.Write(&strText[strText.size() - nDigits], nDigits);
+    return strText;
 }
 
 } // namespace QzXmlLib16

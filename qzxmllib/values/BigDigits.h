@@ -6,13 +6,14 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace QzXmlLib16
 {
 
 /// Magnitude of a number of any length: the storage and the unsigned arithmetic under CBigInteger. Works on chunks of
 /// nine decimal digits, least significant first, so that text converts digit by digit and a power of ten only moves
-/// digits. Up to 36 digits lie in the object itself. There are never zero chunks at the high end; zero has none.
+/// digits. Up to 27 digits lie in the object itself. There are never zero chunks at the high end; zero has none.
 class QZXMLLIB_API CBigDigits
 {
 public:
@@ -22,7 +23,7 @@ public:
     constexpr CBigDigits() noexcept : m_nSize(0), m_nCapacity(kInline), m_aInline{} {}
     /// Looks at chunks that outlive the object and does not copy them. For constants only: the object must not change.
     constexpr CBigDigits(std::uint32_t const * pChunks, std::uint32_t nChunks) noexcept
-        : m_nSize(nChunks), m_nCapacity(kBorrowed), m_pChunks(pChunks)
+        : m_nSize(nChunks), m_nCapacity(kBorrowed), m_array{pChunks}
     {
     }
     explicit CBigDigits(std::uint64_t nValue) noexcept : CBigDigits()
@@ -82,13 +83,16 @@ public:
     CBigDigits CutPow10(std::size_t nExponent);
 
 private:
-    static constexpr std::uint32_t kInline = 4;
+    static constexpr std::uint32_t kInline = 3;
     static constexpr std::uint32_t kBorrowed = 0;
 
-    std::uint32_t const * Chunks() const noexcept { return m_nCapacity == kInline ? m_aInline : m_pChunks; }
+    /// Chunks outside the object. Aligned as a chunk is, so that numbers come without gaps.
+    struct [[gnu::packed, gnu::aligned(4)]] Array { std::uint32_t const * pChunks; };
+
+    std::uint32_t const * Chunks() const noexcept { return m_nCapacity == kInline ? m_aInline : m_array.pChunks; }
     std::uint32_t * Chunks() noexcept
     {
-        return m_nCapacity == kInline ? m_aInline : const_cast<std::uint32_t *>(m_pChunks);
+        return m_nCapacity == kInline ? m_aInline : const_cast<std::uint32_t *>(m_array.pChunks);
     }
     void CopyInline(CBigDigits const & other) noexcept
     {
@@ -107,7 +111,7 @@ private:
         else
         {
             m_nSize = other.m_nSize;
-            m_pChunks = other.m_pChunks;
+            m_array = other.m_array;
             other.m_nCapacity = kInline;
         }
         other.m_nSize = 0;
@@ -115,7 +119,7 @@ private:
     void Free() noexcept
     {
         if (m_nCapacity > kInline)
-            delete[] m_pChunks;
+            delete[] m_array.pChunks;
     }
     void Reserve(std::size_t nChunks)
     {
@@ -132,8 +136,38 @@ private:
     union
     {
         std::uint32_t m_aInline[kInline];
-        std::uint32_t const * m_pChunks;
+        Array m_array;
     };
+};
+
+/// A magnitude with a sign: what a CBigInteger is made of, and each part of a CDecimal. Zero may carry a minus sign.
+struct QZXMLLIB_API SignedDigits
+{
+    constexpr SignedDigits() noexcept = default;
+    constexpr SignedDigits(std::int32_t nTheSign, std::uint32_t const * pChunks, std::uint32_t nChunks) noexcept
+        : nSign(nTheSign), digits(pChunks, nChunks)
+    {
+    }
+    SignedDigits(std::int32_t nTheSign, CBigDigits theDigits) noexcept : nSign(nTheSign), digits(std::move(theDigits))
+    {
+    }
+
+    std::int32_t nSign = 1; ///< 1 or -1
+    CBigDigits digits;
+
+    /// True for the minus sign of a zero, too.
+    bool HasMinus() const noexcept { return nSign < 0; }
+    bool IsZero() const noexcept { return digits.IsZero(); }
+    /// The sign, or 0 for zero whatever its sign.
+    int Signum() const noexcept { return IsZero() ? 0 : nSign; }
+    void Negate() noexcept { nSign = -nSign; }
+    /// By the sign first, so that a zero with a minus sign is less than one without.
+    int CompareTo(SignedDigits const & other) const noexcept;
+    /// Zeros are equal whatever their signs.
+    bool operator==(SignedDigits const & other) const noexcept;
+    bool operator!=(SignedDigits const & other) const noexcept { return !(*this == other); }
+    void AddSigned(std::int32_t nOtherSign, CBigDigits const & otherDigits);
+    std::u16string ToString() const;
 };
 
 } // namespace QzXmlLib16

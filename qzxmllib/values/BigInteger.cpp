@@ -61,29 +61,30 @@ CBigInteger const CBigInteger::MAX_DOUBLE(1, kMaxDouble.data(), kMaxDouble.size(
 CBigInteger const CBigInteger::MIN_DOUBLE(-1, kMaxDouble.data(), kMaxDouble.size());
 
 CBigInteger::CBigInteger(long long nValue) noexcept
-    : m_nSign(nValue < 0 ? -1 : 1),
-      m_digits(nValue < 0 ? 0 - static_cast<std::uint64_t>(nValue) : static_cast<std::uint64_t>(nValue))
+    : m_value{nValue < 0 ? -1 : 1,
+          CBigDigits(nValue < 0 ? 0 - static_cast<std::uint64_t>(nValue) : static_cast<std::uint64_t>(nValue))}
 {
 }
 
-CBigInteger::CBigInteger(unsigned long long nValue) noexcept : m_nSign(1), m_digits(std::uint64_t(nValue)) {}
+CBigInteger::CBigInteger(unsigned long long nValue) noexcept : m_value{1, CBigDigits(std::uint64_t(nValue))} {}
 
-CBigInteger::CBigInteger(double dValue) : m_nSign(dValue < 0 ? -1 : 1)
+CBigInteger::CBigInteger(double dValue)
 {
+    m_value.nSign = dValue < 0 ? -1 : 1;
     if (std::isfinite(dValue))
-        m_digits = BuildDouble(std::ceil(std::fabs(dValue) - 0.5));
+        m_value.digits = BuildDouble(std::ceil(std::fabs(dValue) - 0.5));
     else
         *this = CDecimal(dValue).ToBigInteger();
 }
 
 CBigInteger::CBigInteger(CDecimal const & value) : CBigInteger(value.ToBigInteger()) {}
 
-CBigInteger::CBigInteger(char16_t const * pText) : m_nSign(1)
+CBigInteger::CBigInteger(char16_t const * pText)
 {
     Parse(pText);
 }
 
-CBigInteger::CBigInteger(std::u16string_view text) : m_nSign(1)
+CBigInteger::CBigInteger(std::u16string_view text)
 {
     Parse(text);
 }
@@ -98,8 +99,8 @@ void CBigInteger::Parse(std::u16string_view text)
     std::size_t nSign = !text.empty() && text.front() == u'-' ? 1 : 0;
     if (std::all_of(text.begin() + static_cast<std::ptrdiff_t>(nSign), text.end(), IsDigit))
     {
-        m_digits.Parse(text.substr(nSign));
-        m_nSign = nSign != 0 ? -1 : 1;
+        m_value.digits.Parse(text.substr(nSign));
+        m_value.nSign = nSign != 0 ? -1 : 1;
         return;
     }
     if (!std::all_of(text.begin(), text.end(), IsPlain))
@@ -112,18 +113,8 @@ void CBigInteger::Parse(std::u16string_view text)
     std::size_t nStart = text.size();
     while (nStart != 0 && IsDigit(text[nStart - 1]))
         --nStart;
-    m_digits.Parse(text.substr(nStart));
-    m_nSign = !text.empty() && text.front() == u'-' ? -1 : 1;
-}
-
-std::u16string CBigInteger::ToString() const
-{
-    if (IsZero())
-        return u"0";
-    std::size_t nDigits = m_digits.CountDigits();
-    std::u16string strText(nDigits + (HasMinus() ? 1 : 0), u'-');
-    m_digits.Write(&strText[strText.size() - nDigits], nDigits);
-    return strText;
+    m_value.digits.Parse(text.substr(nStart));
+    m_value.nSign = !text.empty() && text.front() == u'-' ? -1 : 1;
 }
 
 CBigInteger & CBigInteger::operator-() noexcept
@@ -134,17 +125,12 @@ CBigInteger & CBigInteger::operator-() noexcept
 
 CBigInteger CBigInteger::GetAbs() const
 {
-    return CBigInteger(1, m_digits);
+    return CBigInteger(1, m_value.digits);
 }
 
 CBigInteger CBigInteger::GetNegative() const
 {
-    return CBigInteger(-m_nSign, m_digits);
-}
-
-bool CBigInteger::operator==(CBigInteger const & other) const noexcept
-{
-    return CBigDigits::Compare(m_digits, other.m_digits) == 0 && (IsZero() || m_nSign == other.m_nSign);
+    return CBigInteger(-m_value.nSign, m_value.digits);
 }
 
 CBigInteger CBigInteger::operator+(CBigInteger const & other) const
@@ -161,39 +147,39 @@ CBigInteger CBigInteger::operator-(CBigInteger const & other) const
 
 CBigInteger CBigInteger::operator*(CBigInteger const & other) const
 {
-    return CBigInteger(m_nSign * other.m_nSign, CBigDigits::Multiply(m_digits, other.m_digits));
+    return CBigInteger(m_value.nSign * other.m_value.nSign, CBigDigits::Multiply(m_value.digits, other.m_value.digits));
 }
 
 CBigInteger CBigInteger::operator/(CBigInteger const & other) const
 {
-    if (other.IsZero())
+    if (other.m_value.IsZero())
         throw CQzInvalidValueException(u"ERROR: Overflow in operator/.");
-    if (IsZero())
+    if (m_value.IsZero())
         return CBigInteger();
-    CBigDigits rest(m_digits);
-    return CBigInteger(m_nSign * other.m_nSign, CBigDigits::Divide(rest, other.m_digits));
+    CBigDigits rest(m_value.digits);
+    return CBigInteger(m_value.nSign * other.m_value.nSign, CBigDigits::Divide(rest, other.m_value.digits));
 }
 
 CBigInteger CBigInteger::operator%(CBigInteger const & other) const
 {
-    if (other.Signum() <= 0)
+    if (other.m_value.Signum() <= 0)
         throw CQzInvalidValueException(u"ERROR: Overflow in operator%.");
-    if (IsZero())
+    if (m_value.IsZero())
         return CBigInteger();
-    CBigDigits rest(m_digits);
-    CBigDigits::Divide(rest, other.m_digits);
-    return CBigInteger(m_nSign, std::move(rest));
+    CBigDigits rest(m_value.digits);
+    CBigDigits::Divide(rest, other.m_value.digits);
+    return CBigInteger(m_value.nSign, std::move(rest));
 }
 
 CBigInteger & CBigInteger::operator+=(CBigInteger const & other)
 {
-    AddSigned(other.m_nSign, other.m_digits);
+    m_value.AddSigned(other.m_value.nSign, other.m_value.digits);
     return *this;
 }
 
 CBigInteger & CBigInteger::operator-=(CBigInteger const & other)
 {
-    AddSigned(-other.m_nSign, other.m_digits);
+    m_value.AddSigned(-other.m_value.nSign, other.m_value.digits);
     return *this;
 }
 
@@ -204,14 +190,14 @@ CBigInteger & CBigInteger::operator*=(CBigInteger const & other)
 
 CBigInteger & CBigInteger::operator/=(CBigInteger const & other)
 {
-    if (other.Signum() <= 0)
+    if (other.m_value.Signum() <= 0)
         throw CQzInvalidValueException(u"ERROR: Overflow in operator /=.");
     return *this = *this / other;
 }
 
 CBigInteger & CBigInteger::operator%=(CBigInteger const & other)
 {
-    if (other.Signum() <= 0)
+    if (other.m_value.Signum() <= 0)
         throw CQzInvalidValueException(u"ERROR: Overflow in operator%=.");
     return *this = *this % other;
 }
@@ -219,38 +205,38 @@ CBigInteger & CBigInteger::operator%=(CBigInteger const & other)
 CBigInteger::operator int() const
 {
     std::uint64_t nValue = 0;
-    if (!m_digits.ToUInt64(nValue) || nValue > (HasMinus() ? 2147483648U : 2147483647U))
+    if (!m_value.digits.ToUInt64(nValue) || nValue > (m_value.HasMinus() ? 2147483648U : 2147483647U))
         throw CQzInvalidValueException(u"ERROR: Value out of bound of int.");
     std::int64_t nSigned = static_cast<std::int64_t>(nValue);
-    return static_cast<int>(HasMinus() ? -nSigned : nSigned);
+    return static_cast<int>(m_value.HasMinus() ? -nSigned : nSigned);
 }
 
 CBigInteger::operator long long() const
 {
     constexpr std::uint64_t nMax = std::numeric_limits<std::int64_t>::max();
     std::uint64_t nValue = 0;
-    if (!m_digits.ToUInt64(nValue) || nValue > (HasMinus() ? nMax + 1 : nMax))
+    if (!m_value.digits.ToUInt64(nValue) || nValue > (m_value.HasMinus() ? nMax + 1 : nMax))
         throw CQzInvalidValueException(u"ERROR: Value out of bound of LONGLONG.");
-    return static_cast<long long>(HasMinus() ? 0 - nValue : nValue);
+    return static_cast<long long>(m_value.HasMinus() ? 0 - nValue : nValue);
 }
 
 CBigInteger CBigInteger::SquareRoot() const
 {
-    if (HasMinus())
+    if (m_value.HasMinus())
         throw CQzInvalidValueException(u"ERROR: Negative Number in function SquareRoot().");
-    if (IsZero())
+    if (m_value.IsZero())
         return CBigInteger();
 
     // Newton's iteration falls towards the root from any guess above it. The leading digits, an even number of places
     // cut off, give a good one; adding 2 makes up for what the floating point root may lack.
-    std::size_t const nDigits = m_digits.CountDigits();
+    std::size_t const nDigits = m_value.digits.CountDigits();
     std::size_t const nCut = nDigits > 18 ? (nDigits - 17) & ~std::size_t(1) : 0;
-    CBigDigits leading(m_digits);
+    CBigDigits leading(m_value.digits);
     leading.CutPow10(nCut);
     std::uint64_t nLeading = 0;
     leading.ToUInt64(nLeading);
     CBigInteger root(static_cast<long long>(std::sqrt(static_cast<double>(nLeading))) + 2);
-    root.m_digits.MultiplyPow10(nCut / 2);
+    root.m_value.digits.MultiplyPow10(nCut / 2);
     for (;;)
     {
         CBigInteger next = (root + *this / root) / 2;
@@ -263,36 +249,6 @@ CBigInteger CBigInteger::SquareRoot() const
 CBigInteger CBigInteger::Pow10(unsigned nExponent)
 {
     return CBigInteger(1, CBigDigits::Pow10(nExponent));
-}
-
-int CBigInteger::CompareTo(CBigInteger const & other) const noexcept
-{
-    if (m_nSign != other.m_nSign)
-        return m_nSign;
-    return m_nSign * CBigDigits::Compare(m_digits, other.m_digits);
-}
-
-void CBigInteger::AddSigned(std::int32_t nSign, CBigDigits const & digits)
-{
-    if (m_nSign == nSign)
-    {
-        m_digits.Add(digits);
-        return;
-    }
-    int nOrder = CBigDigits::Compare(m_digits, digits);
-    if (nOrder == 0)
-    {
-        *this = CBigInteger();
-    }
-    else if (nOrder > 0)
-    {
-        m_digits.Subtract(digits);
-    }
-    else
-    {
-        m_digits.SubtractFrom(digits);
-        m_nSign = nSign;
-    }
 }
 
 } // namespace QzXmlLib16

@@ -26,7 +26,7 @@ public:
     static CBigInteger const MAX_DOUBLE;   ///< 1.7E+308
     static CBigInteger const MIN_DOUBLE;   ///< -1.7E+308
 
-    constexpr CBigInteger() noexcept : m_nSign(1) {}
+    constexpr CBigInteger() noexcept = default;
     CBigInteger(int nValue) noexcept : CBigInteger(static_cast<long long>(nValue)) {}
     CBigInteger(unsigned nValue) noexcept : CBigInteger(static_cast<unsigned long long>(nValue)) {}
     CBigInteger(long nValue) noexcept : CBigInteger(static_cast<long long>(nValue)) {}
@@ -52,21 +52,21 @@ public:
     /// read as a CDecimal and rounded, so "1E3" is 1000; what CDecimal refuses throws its CQzInvalidValueException.
     void Parse(char16_t const * pText);
     void Parse(std::u16string_view text);
-    std::u16string ToString() const;
+    std::u16string ToString() const { return m_value.ToString(); }
 
-    void Abs() noexcept { m_nSign = 1; }
-    void Negate() noexcept { m_nSign = -m_nSign; }
+    void Abs() noexcept { m_value.nSign = 1; }
+    void Negate() noexcept { m_value.Negate(); }
     /// Changes the sign of this object itself.
     CBigInteger & operator-() noexcept;
     CBigInteger GetAbs() const;
     CBigInteger GetNegative() const;
 
-    bool operator==(CBigInteger const & other) const noexcept;
+    bool operator==(CBigInteger const & other) const noexcept { return m_value == other.m_value; }
     bool operator!=(CBigInteger const & other) const noexcept { return !(*this == other); }
-    bool operator<(CBigInteger const & other) const noexcept { return CompareTo(other) < 0; }
-    bool operator>(CBigInteger const & other) const noexcept { return CompareTo(other) > 0; }
-    bool operator<=(CBigInteger const & other) const noexcept { return CompareTo(other) <= 0; }
-    bool operator>=(CBigInteger const & other) const noexcept { return CompareTo(other) >= 0; }
+    bool operator<(CBigInteger const & other) const noexcept { return m_value.CompareTo(other.m_value) < 0; }
+    bool operator>(CBigInteger const & other) const noexcept { return m_value.CompareTo(other.m_value) > 0; }
+    bool operator<=(CBigInteger const & other) const noexcept { return m_value.CompareTo(other.m_value) <= 0; }
+    bool operator>=(CBigInteger const & other) const noexcept { return m_value.CompareTo(other.m_value) >= 0; }
 
     CBigInteger operator+(CBigInteger const & other) const;
     CBigInteger operator-(CBigInteger const & other) const;
@@ -92,24 +92,17 @@ public:
 
 protected:
     constexpr CBigInteger(std::int32_t nSign, std::uint32_t const * pChunks, std::uint32_t nChunks) noexcept
-        : m_nSign(nSign), m_digits(pChunks, nChunks)
+        : m_value(nSign, pChunks, nChunks)
     {
     }
-    CBigInteger(std::int32_t nSign, CBigDigits digits) noexcept : m_nSign(nSign), m_digits(std::move(digits)) {}
+    CBigInteger(std::int32_t nSign, CBigDigits digits) noexcept : m_value(nSign, std::move(digits)) {}
 
 private:
     friend class CDecimal;
 
-    /// True for the minus sign of a zero, too.
-    bool HasMinus() const noexcept { return m_nSign < 0; }
-    bool IsZero() const noexcept { return m_digits.IsZero(); }
-    /// The sign, or 0 for zero whatever its sign.
-    int Signum() const noexcept { return IsZero() ? 0 : m_nSign; }
-    int CompareTo(CBigInteger const & other) const noexcept;
-    void AddSigned(std::int32_t nSign, CBigDigits const & digits);
+    explicit CBigInteger(SignedDigits value) noexcept : m_value(std::move(value)) {}
 
-    std::int32_t m_nSign;
-    CBigDigits m_digits;
+    SignedDigits m_value;
 };
 
 /// @cond

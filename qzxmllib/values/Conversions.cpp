@@ -85,8 +85,12 @@ template <class T>
 T ParseInteger(std::u16string_view given, CConversions::WhitespaceRule eRule, char16_t const * pszKind)
 {
     ShortNumber number;
-    if (ReadUsualNumber(given, eRule, number) && number.nPlaces == 0)
-        return static_cast<T>(number.nDigits);
+    bool const bUsualMinus = std::is_signed_v<T> && !given.empty() && given.front() == u'-';
+    if (ReadUsualNumber(given.substr(bUsualMinus ? 1 : 0), eRule, number) && number.nPlaces == 0)
+    {
+        T const nValue = static_cast<T>(number.nDigits);
+        return bUsualMinus ? T(0) - nValue : nValue;
+    }
     std::u16string strScratch;
     std::u16string_view const text = CWhitespaceUtils::ApplyRule(eRule, given, strScratch);
     std::size_t nPos = 0;

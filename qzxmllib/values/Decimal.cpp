@@ -105,7 +105,7 @@ CDecimal::CDecimal(ShortNumber const & number)
     Set(number);
 }
 
-CDecimal::CDecimal(CBigInteger integerPart, CBigInteger fractionPart, int nFractionDivider) noexcept
+CDecimal::CDecimal(SignedDigits integerPart, SignedDigits fractionPart, int nFractionDivider) noexcept
     : m_integerPart(std::move(integerPart)), m_fractionPart(std::move(fractionPart)),
       m_nFractionDivider(nFractionDivider)
 {
@@ -129,8 +129,8 @@ CDecimal CDecimal::operator+(CDecimal const & other) const
     CDecimal a(*this);
     CDecimal b(other);
     Normalize(a, b);
-    a.m_fractionPart += b.m_fractionPart;
-    a.m_integerPart += b.m_integerPart;
+    a.m_fractionPart.AddSigned(b.m_fractionPart.nSign, b.m_fractionPart.digits);
+    a.m_integerPart.AddSigned(b.m_integerPart.nSign, b.m_integerPart.digits);
     a.Carry();
     a.Rationalise();
     return a;
@@ -154,9 +154,9 @@ CDecimal CDecimal::operator/(CDecimal const & other) const
     int const nPlaces = std::max(m_nFractionDivider, other.m_nFractionDivider);
     int const nQuotientPlaces = GetPlacesLimit() + 2;
     CBigInteger dividend(IsNegative() ? -1 : 1, GetScaled(nPlaces));
-    dividend.m_digits.MultiplyPow10(ToCount(nQuotientPlaces));
+    dividend.m_value.digits.MultiplyPow10(ToCount(nQuotientPlaces));
     CBigInteger quotient = dividend / CBigInteger(other.IsNegative() ? -1 : 1, other.GetScaled(nPlaces));
-    return FromScaled(quotient.m_nSign, std::move(quotient.m_digits), nQuotientPlaces);
+    return FromScaled(quotient.m_value.nSign, std::move(quotient.m_value.digits), nQuotientPlaces);
 }
 
 CDecimal & CDecimal::operator+=(CDecimal const & other)
@@ -218,15 +218,15 @@ void CDecimal::Print(std::u16string & strOut) const
         return;
     }
     std::size_t nSign = m_integerPart.HasMinus() ? 1 : 0;
-    std::size_t nInteger = std::max<std::size_t>(m_integerPart.m_digits.CountDigits(), 1);
+    std::size_t nInteger = std::max<std::size_t>(m_integerPart.digits.CountDigits(), 1);
     std::size_t nFraction = ToCount(m_nFractionDivider);
     std::size_t nUnits = nSign + nInteger + 1 + nFraction;
     auto const write = [&](char16_t * pText)
     {
         pText[0] = u'-';
-        char16_t * p = m_integerPart.m_digits.Write(pText + nSign, nInteger);
+        char16_t * p = m_integerPart.digits.Write(pText + nSign, nInteger);
         *p++ = u'.';
-        m_fractionPart.m_digits.Write(p, nFraction);
+        m_fractionPart.digits.Write(p, nFraction);
     };
     char16_t aShort[64];
     if (nUnits <= std::size(aShort))
@@ -248,15 +248,15 @@ std::u16string CDecimal::ToString(int nPlaces) const
     // counts as nothing.
     std::int32_t nSign = m_integerPart.HasMinus() ? -1 : 1;
     bool bRounds = nPlaces < GetPlacesLimit();
-    CDecimal rounder(CBigInteger(nSign, CBigDigits()), CBigInteger(nSign, CBigDigits(std::uint64_t(bRounds ? 5 : 0))),
-        bRounds ? nPlaces + 1 : 1);
+    CDecimal rounder(
+        {nSign, CBigDigits()}, {nSign, CBigDigits(std::uint64_t(bRounds ? 5 : 0))}, bRounds ? nPlaces + 1 : 1);
     CDecimal rounded = rounder + *this;
 
     std::u16string strFraction(ToCount(std::max(rounded.m_nFractionDivider, 1)), u'0');
-    rounded.m_fractionPart.m_digits.Write(&strFraction[0], strFraction.size());
+    rounded.m_fractionPart.digits.Write(&strFraction[0], strFraction.size());
     strFraction.resize(std::min(strFraction.size(), ToCount(nPlaces)));
-    return (rounded.m_integerPart.HasMinus() ? u"-" : u"") + rounded.m_integerPart.GetAbs().ToString() + u"." +
-           strFraction;
+    return (rounded.m_integerPart.HasMinus() ? u"-" : u"") + SignedDigits{1, rounded.m_integerPart.digits}.ToString() +
+           u"." + strFraction;
 }
 
 long CDecimal::ToLong() const
@@ -273,12 +273,12 @@ long long CDecimal::ToLongLong() const
     copy.ChangeFractionalDivider(1);
     if (copy > CDecimal(CBigInteger::MAX_LONGLONG) || copy < CDecimal(CBigInteger::MIN_LONGLONG))
         throw CQzOverFlowException(u"The Decimal value if to large to fit into a LONGLONG");
-    return static_cast<long long>(copy.m_integerPart);
+    return static_cast<long long>(CBigInteger(std::move(copy.m_integerPart)));
 }
 
 double CDecimal::ToDouble() const
 {
-    if (CBigDigits::Compare(m_integerPart.m_digits, CBigInteger::MAX_DOUBLE.m_digits) > 0)
+    if (CBigDigits::Compare(m_integerPart.digits, CBigInteger::MAX_DOUBLE.m_value.digits) > 0)
         throw CQzOverFlowException(u"The Decimal value if to large to fit into a Double");
     std::u16string strWide = ToString();
     std::string strText(strWide.size(), '0');
@@ -293,7 +293,7 @@ CBigInteger CDecimal::ToBigInteger() const
 {
     CDecimal copy(*this);
     copy.ChangeFractionalDivider(0);
-    return std::move(copy.m_integerPart);
+    return CBigInteger(std::move(copy.m_integerPart));
 }
 
 // A value of the digits with a point in front of the last nPlaces, within the limit of places. Zero has no sign.
@@ -303,7 +303,7 @@ CDecimal CDecimal::FromScaled(std::int32_t nSign, CBigDigits digits, int nPlaces
         return CDecimal();
     CBigDigits fraction = digits.CutPow10(ToCount(nPlaces));
     std::int32_t nFractionSign = fraction.IsZero() ? 1 : nSign;
-    CDecimal result(CBigInteger(nSign, std::move(digits)), CBigInteger(nFractionSign, std::move(fraction)), nPlaces);
+    CDecimal result({nSign, std::move(digits)}, {nFractionSign, std::move(fraction)}, nPlaces);
     result.Rationalise();
     result.LimitPlaces();
     return result;
@@ -324,8 +324,8 @@ void CDecimal::Set(ShortNumber const & number)
     unsigned nPlaces = number.nPlaces;
     for (; nPlaces > 1 && nFraction % 10 == 0; --nPlaces)
         nFraction /= 10;
-    m_integerPart.m_digits = CBigDigits(std::uint64_t(number.nDigits / nPower));
-    m_fractionPart.m_digits = CBigDigits(std::uint64_t(nFraction));
+    m_integerPart.digits = CBigDigits(std::uint64_t(number.nDigits / nPower));
+    m_fractionPart.digits = CBigDigits(std::uint64_t(nFraction));
     m_nFractionDivider = static_cast<std::int32_t>(std::max(nPlaces, 1u));
     LimitPlaces();
 }
@@ -380,10 +380,10 @@ void CDecimal::Parse(std::u16string_view text)
     }
 
     std::int32_t nSign = bMinus ? -1 : 1;
-    m_integerPart.m_digits = integerRun.GetDigits(integer);
-    m_fractionPart.m_digits = fractionRun.GetDigits(fraction);
-    m_integerPart.m_nSign = nSign;
-    m_fractionPart.m_nSign = nSign;
+    m_integerPart.digits = integerRun.GetDigits(integer);
+    m_fractionPart.digits = fractionRun.GetDigits(fraction);
+    m_integerPart.nSign = nSign;
+    m_fractionPart.nSign = nSign;
     m_nFractionDivider = static_cast<std::int32_t>(std::max<std::size_t>(fractionRun.nDigits, 1));
     if (bExponent)
         ApplyExponent(bExponentMinus, nExponent, text);
@@ -422,14 +422,14 @@ void CDecimal::Rationalise()
     int nZeros = m_nFractionDivider - 1;
     if (m_fractionPart.IsZero())
     {
-        m_fractionPart = CBigInteger();
+        m_fractionPart = SignedDigits();
     }
     else
     {
-        nZeros = static_cast<int>(std::min(m_fractionPart.m_digits.CountTrailingZeros(), ToCount(nZeros)));
+        nZeros = static_cast<int>(std::min(m_fractionPart.digits.CountTrailingZeros(), ToCount(nZeros)));
         if (nZeros == 0)
             return;
-        m_fractionPart.m_digits.CutPow10(ToCount(nZeros));
+        m_fractionPart.digits.CutPow10(ToCount(nZeros));
     }
     m_nFractionDivider -= nZeros;
 }
@@ -447,23 +447,23 @@ void CDecimal::ChangeFractionalDivider(int nPlaces)
     std::size_t const nMore = ToCount(std::max(nPlaces - m_nFractionDivider, 0));
     std::size_t const nLess = ToCount(std::max(m_nFractionDivider - nPlaces, 0));
     m_nFractionDivider = nPlaces;
-    m_fractionPart.m_digits.MultiplyPow10(nMore);
+    m_fractionPart.digits.MultiplyPow10(nMore);
     if (nLess == 0)
         return;
     if (m_fractionPart.IsZero())
     {
-        m_fractionPart = CBigInteger();
+        m_fractionPart = SignedDigits();
         return;
     }
 
-    CBigDigits const rest = m_fractionPart.m_digits.CutPow10(nLess);
+    CBigDigits const rest = m_fractionPart.digits.CutPow10(nLess);
     if (rest.CountDigits() < nLess)
         return;
     CBigDigits half(std::uint64_t(5));
     half.MultiplyPow10(nLess - 1);
     if (CBigDigits::Compare(rest, half) <= 0)
         return;
-    std::int32_t const nSign = m_fractionPart.m_nSign;
+    std::int32_t const nSign = m_fractionPart.nSign;
     if (nPlaces == 0)
     {
         m_integerPart.AddSigned(nSign, CBigDigits(std::uint64_t(1)));
@@ -478,28 +478,28 @@ void CDecimal::ChangeFractionalDivider(int nPlaces)
 void CDecimal::Carry()
 {
     CBigDigits const one(std::uint64_t(1));
-    if (m_fractionPart.m_digits.CountDigits() > ToCount(m_nFractionDivider))
+    if (m_fractionPart.digits.CountDigits() > ToCount(m_nFractionDivider))
     {
-        std::int32_t const nSign = m_fractionPart.m_nSign;
+        std::int32_t const nSign = m_fractionPart.nSign;
         m_fractionPart.AddSigned(-nSign, CBigDigits::Pow10(ToCount(m_nFractionDivider)));
         m_integerPart.AddSigned(nSign, one);
     }
     if (m_integerPart.Signum() * m_fractionPart.Signum() < 0)
     {
-        std::int32_t const nSign = m_integerPart.m_nSign;
+        std::int32_t const nSign = m_integerPart.nSign;
         m_fractionPart.AddSigned(nSign, CBigDigits::Pow10(ToCount(m_nFractionDivider)));
         m_integerPart.AddSigned(-nSign, one);
     }
     if (m_integerPart.IsZero())
-        m_integerPart.m_nSign = m_fractionPart.m_nSign;
+        m_integerPart.nSign = m_fractionPart.nSign;
 }
 
 // The magnitude without its point. nPlaces must not be below the number of places held.
 CBigDigits CDecimal::GetScaled(int nPlaces) const
 {
-    CBigDigits result(m_integerPart.m_digits);
+    CBigDigits result(m_integerPart.digits);
     result.MultiplyPow10(ToCount(m_nFractionDivider));
-    result.Add(m_fractionPart.m_digits);
+    result.Add(m_fractionPart.digits);
     result.MultiplyPow10(ToCount(nPlaces - m_nFractionDivider));
     return result;
 }
@@ -517,8 +517,8 @@ int CDecimal::CompareTo(CDecimal const & other) const
         return m_fractionPart == other.m_fractionPart ? 0 : m_fractionPart.CompareTo(other.m_fractionPart);
     if (m_nFractionDivider > other.m_nFractionDivider)
         return -other.CompareTo(*this);
-    CBigInteger scaled(m_fractionPart);
-    scaled.m_digits.MultiplyPow10(ToCount(other.m_nFractionDivider - m_nFractionDivider));
+    SignedDigits scaled(m_fractionPart);
+    scaled.digits.MultiplyPow10(ToCount(other.m_nFractionDivider - m_nFractionDivider));
     return scaled == other.m_fractionPart ? 0 : scaled.CompareTo(other.m_fractionPart);
 }
 

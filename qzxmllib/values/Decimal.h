@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace QzXmlLib16
 {
@@ -19,13 +20,14 @@ class QZXMLLIB_API CDecimal
 {
 public:
     CDecimal() noexcept = default;
-    CDecimal(int nValue) noexcept : m_integerPart(nValue) {}
-    CDecimal(unsigned nValue) noexcept : m_integerPart(nValue) {}
-    CDecimal(long nValue) noexcept : m_integerPart(nValue) {}
-    CDecimal(unsigned long nValue) noexcept : m_integerPart(nValue) {}
-    CDecimal(long long nValue) noexcept : m_integerPart(nValue) {}
-    CDecimal(unsigned long long nValue) noexcept : m_integerPart(nValue) {}
-    CDecimal(CBigInteger const & value) : m_integerPart(value) {}
+    CDecimal(int nValue) noexcept : CDecimal(CBigInteger(nValue)) {}
+    CDecimal(unsigned nValue) noexcept : CDecimal(CBigInteger(nValue)) {}
+    CDecimal(long nValue) noexcept : CDecimal(CBigInteger(nValue)) {}
+    CDecimal(unsigned long nValue) noexcept : CDecimal(CBigInteger(nValue)) {}
+    CDecimal(long long nValue) noexcept : CDecimal(CBigInteger(nValue)) {}
+    CDecimal(unsigned long long nValue) noexcept : CDecimal(CBigInteger(nValue)) {}
+    CDecimal(CBigInteger const & value) : m_integerPart(value.m_value) {}
+    CDecimal(CBigInteger && value) noexcept : m_integerPart(std::move(value.m_value)) {}
     /// Keeps thirteen decimal places. Throws CQzInvalidValueException for infinity and NaN.
     CDecimal(double dValue);
     /// Reads digits with an optional point and an optional exponent behind "e" or "E". Signs and white space may stand
@@ -41,9 +43,9 @@ public:
     virtual ~CDecimal() = default;
 
     /// Part before the point, with the sign of the value.
-    CBigInteger GetIntegerPart() const { return m_integerPart; }
+    CBigInteger GetIntegerPart() const { return CBigInteger(m_integerPart); }
     /// Digits behind the point, read as a whole number with the sign of the value.
-    CBigInteger GetFractionPart() const { return m_fractionPart; }
+    CBigInteger GetFractionPart() const { return CBigInteger(m_fractionPart); }
     /// The number of decimal places that the fraction part stands for: 1.05 holds 1, 5 and 2.
     int GetFractionDivider() const noexcept { return m_nFractionDivider; }
     /// The limit of decimal places is one for the process, 30 at the start. It is not guarded: set it before other
@@ -95,7 +97,7 @@ private:
     friend void PrintDecimal(CDecimal const & value, std::u16string_view format, std::u16string & strOut);
 
     explicit CDecimal(ShortNumber const & number);
-    CDecimal(CBigInteger integerPart, CBigInteger fractionPart, int nFractionDivider) noexcept;
+    CDecimal(SignedDigits integerPart, SignedDigits fractionPart, int nFractionDivider) noexcept;
 
     static CDecimal FromScaled(std::int32_t nSign, CBigDigits digits, int nPlaces);
     static void Normalize(CDecimal & a, CDecimal & b);
@@ -111,8 +113,8 @@ private:
     bool IsNegative() const noexcept;
     int CompareTo(CDecimal const & other) const;
 
-    CBigInteger m_integerPart;
-    CBigInteger m_fractionPart;
+    SignedDigits m_integerPart;
+    SignedDigits m_fractionPart;
     std::int32_t m_nFractionDivider = 1;
 
     static std::int32_t m_nMaxDivider;
