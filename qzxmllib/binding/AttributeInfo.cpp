@@ -127,7 +127,8 @@ CAttributeInfoPrimitive::CAttributeInfoPrimitive(char16_t const * name, char16_t
     CWhitespaceUtils::WhitespaceRule eWhitespaceRule, CPrimitiveRestrictions const & restrictions,
     char16_t const * defaultValue)
     : CAttributeInfo(name, namespaceUri, propertyIndex, optional, defaultValue), m_restrictions(restrictions),
-      m_eItemType(eItemType), m_strFormatOverride(OrEmpty(format)), m_eWhitespaceRule(eWhitespaceRule)
+      m_eItemType(eItemType), m_eUncheckedType(KindWithoutCheck(eItemType, restrictions)),
+      m_strFormatOverride(OrEmpty(format)), m_eWhitespaceRule(eWhitespaceRule)
 {
 }
 
@@ -147,7 +148,8 @@ void CAttributeInfoPrimitive::AttributeToXml(
     std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), lease.Text());
     if (IsDefaultLeftOut(ctx, text))
         return;
-    CheckPrimitive(m_strAttributeName.c_str(), value, m_eItemType, m_restrictions);
+    if (value.GetTypeAsEnum() != m_eUncheckedType)
+        CheckPrimitiveVariant(m_strAttributeName.c_str(), value, m_eItemType, m_restrictions);
     lease.Lend(m_strAttributeName, m_id.Get());
     pWriter->WriteAttributeView(m_strAttributeName, m_strAttributeNamespace, text, value.GetTypeAsEnum());
 }

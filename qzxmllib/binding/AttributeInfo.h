@@ -85,6 +85,8 @@ public:
 private:
     CPrimitiveRestrictions m_restrictions;
     ItemType m_eItemType;
+    /// Values of this kind need no check. ItemType_Invalid stands for none.
+    ItemType m_eUncheckedType;
     std::u16string m_strFormatOverride;
     QzXmlLib16::CWhitespaceUtils::WhitespaceRule m_eWhitespaceRule;
 };

@@ -78,6 +78,7 @@ CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri,
     m_strFormatOverride = OrEmpty(format);
     m_eWhitespaceRule = eWhitespaceRule;
     m_restrictions = restrictions;
+    m_eUncheckedType = KindWithoutCheck(eItemType, restrictions);
     m_strDefaultValue = OrEmpty(defaultValue);
     m_bIsPrimitive = true;
 }
@@ -100,7 +101,7 @@ void CElementInfo::CheckRestriction(QzVariant const & value) const
 {
     if (!m_bIsPrimitive)
         throw CQzException(u"Cannot CheckRestriction for type: " + std::u16string(value.GetType()));
-    CheckPrimitive(m_strElementName.c_str(), value, m_eItemType, m_restrictions);
+    CheckPrimitiveVariant(m_strElementName.c_str(), value, m_eItemType, m_restrictions);
 }
 
 CSmartPtr<CXmlObjectBase> CElementInfo::ObjectOf(QzVariant const & value)
@@ -213,7 +214,7 @@ bool CElementInfo::ElementToXmlPrim(
     std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), lease.Text());
     bool const bDefault = !m_strDefaultValue.empty() && text == m_strDefaultValue;
     // The check comes first, so that a refused value leaves no part of an element behind. A default is not checked.
-    if (!bDefault)
+    if (!bDefault && value.GetTypeAsEnum() != m_eUncheckedType)
         CheckRestriction(value);
     lease.Lend(m_strElementName, m_id.Get());
     WriteValueElement(pWriter, text, value.GetTypeAsEnum(), !bDefault || ctx.GetWriteDefaultElementValues());

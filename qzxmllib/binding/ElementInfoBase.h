@@ -205,6 +205,8 @@ protected:
     CEntryId m_id;
     CPrimitiveRestrictions m_restrictions;
     ItemType m_eItemType = QzXmlLib16::ItemType_Invalid;
+    /// Values of this kind need no check. ItemType_Invalid stands for none.
+    ItemType m_eUncheckedType = QzXmlLib16::ItemType_Invalid;
     std::u16string m_strFormatOverride;
     QzXmlLib16::CWhitespaceUtils::WhitespaceRule m_eWhitespaceRule = QzXmlLib16::CWhitespaceUtils::WhitespaceRule_None;
     std::u16string m_strDefaultValue;

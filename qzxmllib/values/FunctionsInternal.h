@@ -21,13 +21,12 @@ inline bool HasFacets(CPrimitiveRestrictions const & r) noexcept
 void CheckPrimitiveVariant(
     char16_t const * pszName, QzVariant const & value, ItemType eType, CPrimitiveRestrictions const & restrictions);
 
-/// The same, and quick for a value of the right kind without a facet.
-inline void CheckPrimitive(
-    char16_t const * pszName, QzVariant const & value, ItemType eType, CPrimitiveRestrictions const & restrictions)
+/// The kind whose values pass that check whatever they are, or ItemType_Invalid: eType itself when no facet is set. An
+/// entry works it out once.
+inline ItemType KindWithoutCheck(ItemType eType, CPrimitiveRestrictions const & restrictions) noexcept
 {
     bool const bChecked = eType >= ItemType_hexBinary && eType <= ItemType_integer && eType != ItemType_char;
-    if (value.GetTypeAsEnum() != eType || !bChecked || HasFacets(restrictions))
-        CheckPrimitiveVariant(pszName, value, eType, restrictions);
+    return bChecked && !HasFacets(restrictions) ? eType : ItemType_Invalid;
 }
 
 /// Tests a namespace against the list of an XML Schema wildcard, whose entries white space separates. strTarget is the

@@ -36,6 +36,9 @@ Value FromBits(std::uint64_t nBits) noexcept
     return value;
 }
 
+/// The kinds that have a text are 1 to 26: one row of a table for each.
+using KindRows = std::make_integer_sequence<int, ItemType_integer>;
+
 [[noreturn, gnu::cold, gnu::noinline]] void ThrowNoText(ItemType eType)
 {
     throw CQzException(FormatString(u"Invalid Type %d to convert to string", eType));
@@ -282,22 +285,34 @@ CSmartPtr<CXmlCollectionBase> QzVariant::GetXmlCollection() const
     return CVariantText::CollectionOf(*this);
 }
 
+template <ItemType eType>
+void CVariantText::PrintAs(QzVariant const & value, std::u16string_view format, std::u16string & strOut)
+{
+    using Traits = ItemTraits<eType>;
+    using Value = typename Traits::Value;
+    if constexpr (kIsInline<Value>)
+        Traits::ToText(FromBits<Value>(std::get<QzVariant::Inline>(value.m_value).nBits), format, strOut);
+    else if constexpr (std::is_same_v<Value, std::u16string>)
+        strOut = value.m_strText;
+    else
+        Traits::ToText(std::get<Value>(value.m_value), format, strOut);
+}
+
+template <int... nIndexes>
+constexpr auto CVariantText::MakePrintTable(std::integer_sequence<int, nIndexes...>)
+{
+    return std::array{&PrintAs<static_cast<ItemType>(nIndexes + 1)>...};
+}
+
 std::u16string_view CVariantText::View(QzVariant const & value, char16_t const * pszFormat, std::u16string & strScratch)
 {
     if (value.m_type == ItemType_string && !value.m_isNil)
         return value.m_strText;
-    std::u16string_view const format(pszFormat != nullptr ? pszFormat : u"");
-    auto const print = [&](auto tag)
-    {
-        using Traits = ItemTraits<tag.value>;
-        using Value = typename Traits::Value;
-        if constexpr (kIsInline<Value>)
-            Traits::ToText(FromBits<Value>(std::get<QzVariant::Inline>(value.m_value).nBits), format, strScratch);
-        else if constexpr (!std::is_same_v<Value, std::u16string>)
-            Traits::ToText(std::get<Value>(value.m_value), format, strScratch);
-    };
-    if (value.m_isNil || !VisitItemType(value.m_type, print))
+    static constexpr auto s_table = MakePrintTable(KindRows());
+    auto const nRow = static_cast<std::size_t>(value.m_type) - 1;
+    if (value.m_isNil || nRow >= s_table.size())
         ThrowNoText(value.m_type);
+    s_table[nRow](value, pszFormat != nullptr ? pszFormat : u"", strScratch);
     return strScratch;
 }
 
@@ -328,7 +343,7 @@ constexpr auto CVariantText::MakeAssignTable(std::integer_sequence<int, nIndexes
 void CVariantText::Assign(
     QzVariant & value, std::u16string_view text, ItemType eType, CWhitespaceUtils::WhitespaceRule eRule)
 {
-    static constexpr auto s_table = MakeAssignTable(std::make_integer_sequence<int, ItemType_integer>());
+    static constexpr auto s_table = MakeAssignTable(KindRows());
     auto const nRow = static_cast<std::size_t>(eType) - 1;
     if (nRow >= s_table.size())
         ThrowNoText(eType);

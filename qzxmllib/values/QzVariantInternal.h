@@ -22,6 +22,10 @@ struct CVariantText
     static void AssignAs(QzVariant & value, std::u16string_view text, CWhitespaceUtils::WhitespaceRule eRule);
     template <int... nIndexes>
     static constexpr auto MakeAssignTable(std::integer_sequence<int, nIndexes...>);
+    template <ItemType eType>
+    static void PrintAs(QzVariant const & value, std::u16string_view format, std::u16string & strOut);
+    template <int... nIndexes>
+    static constexpr auto MakePrintTable(std::integer_sequence<int, nIndexes...>);
 
     /// Drops value, kind and nil mark, and keeps the room of a text for the next one.
     static void Reuse(QzVariant & value) noexcept
