@@ -58,6 +58,7 @@
 #include "qzxmllib/support/MemoryLeakHelp.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/support/SmartPtr.h"
+#include "qzxmllib/support/ThreadMemory.h"
 #include "qzxmllib/values/Base64.h"
 #include "qzxmllib/values/BigDigits.h"
 #include "qzxmllib/values/BigInteger.h"

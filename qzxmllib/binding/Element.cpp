@@ -8,6 +8,7 @@
 #include "qzxmllib/support/ExceptionChainInternal.h"
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/ThreadStackInternal.h"
 #include "qzxmllib/values/FunctionsInternal.h"
 
 #include <algorithm>
@@ -32,12 +33,14 @@ constexpr std::int32_t kMaxLevels = 10000;
 constexpr std::u16string_view kKeywords[] = {u"##any", u"##other", u"##local", u"##targetNamespace"};
 
 /// Levels that are open outside the fragments that this thread writes.
-__attribute__((tls_model("initial-exec"))) thread_local std::int32_t t_nOuterLevels = 0;
+thread_local std::int32_t t_nOuterLevels = 0;
 
 /// Levels of a tree that are destroyed one inside the other. What lies deeper waits in a list.
 constexpr int kNestedDestructions = 64;
-__attribute__((tls_model("initial-exec"))) thread_local int t_nDestructions = 0;
-__attribute__((tls_model("initial-exec"))) thread_local CElementCol * t_pDoomed = nullptr;
+/// The same on a stack that is nearly used up.
+constexpr int kNestedOnLowStack = 4;
+thread_local int t_nDestructions = 0;
+thread_local CElementCol * t_pDoomed = nullptr;
 
 std::u16string TextOrEmpty(char16_t const * pText)
 {
@@ -342,6 +345,7 @@ void CElement::ToXml_Int(CXmlWriter * pWriter, bool, char16_t const *, CSerializ
 {
     if (OpenLevels(*pWriter) >= kMaxLevels)
         ThrowTooDeep();
+    RequireStack();
     // Only XML text can hold a fragment; every other form gets the same content as an ordinary element.
     auto * const pTextWriter = m_strContentNamespace.IsEmpty() ? nullptr : dynamic_cast<CXmlTextWriter *>(pWriter);
     if (pTextWriter != nullptr)
@@ -466,7 +470,7 @@ void CElement::SetNamespaceRestrictions(char16_t const * restriction, char16_t c
         CQzException * pFailure = &cause;
         for (; levels.size() > 1; levels.pop_back())
         {
-            spFailure.reset(new CQzInvalidNamespaceException(wrap(*pFailure, levels.back())));
+            spFailure.reset(new auto(wrap(*pFailure, levels.back())));
             pFailure = spFailure.get();
         }
         throw wrap(*pFailure, levels.back());
@@ -491,7 +495,7 @@ CElementCol::~CElementCol() = default;
 
 void CElementCol::Destroy(CSmartPtr<CElementCol> & spCollection) noexcept
 {
-    if (t_nDestructions >= kNestedDestructions)
+    if (t_nDestructions >= kNestedDestructions || (t_nDestructions >= kNestedOnLowStack && IsStackLow()))
     {
         // One element owns a collection, so it stands in the list once at most.
         CElementCol * const pCollection = spCollection;

@@ -19,7 +19,7 @@ class INillable;
 [[noreturn]] void ThrowBadNil(CXmlAttribute const & attribute);
 [[noreturn]] void ThrowUnexpectedAttribute(CXmlAttribute const & attribute);
 
-/// The nillable side of an object, or null. Remembers by dynamic type where that side lies.
+/// The nillable side of an object, or null.
 INillable * FindNillable(CXmlGeneratedClass * pObject);
 
 /// What the text of xsi:nil says, compared without regard to case.

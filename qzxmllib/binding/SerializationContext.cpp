@@ -124,7 +124,7 @@ void ReplaceAttributes(std::atomic<CAttributeCol *> & slot, CAttributeCol * pNew
 
 CSerializationContext::CSerializationContext() = default;
 
-CSerializationContext::CSerializationContext(CSerializationContext const & other)
+CSerializationContext::CSerializationContext(CSerializationContext const & other) : CSerializationContext()
 {
     *this = other;
 }

@@ -1,7 +1,31 @@
 #include "qzxmllib/binding/SharedText.h"
 
+#include <new>
+#include <utility>
+
 namespace QzXmlLib16
 {
+
+namespace
+{
+
+/// An object that is made without the heap and never destroyed: objects may outlive the static objects of the library.
+template <class T>
+class CEternal
+{
+public:
+    template <class... Args>
+    explicit CEternal(Args &&... args) noexcept
+    {
+        new (m_abyStorage) T{std::forward<Args>(args)...};
+    }
+    T & Get() noexcept { return *std::launder(reinterpret_cast<T *>(m_abyStorage)); }
+
+private:
+    alignas(T) unsigned char m_abyStorage[sizeof(T)];
+};
+
+} // namespace
 
 CSharedText::CSharedText(std::u16string const & strText) : m_pBody(strText.empty() ? nullptr : new Body{strText}) {}
 
@@ -11,18 +35,17 @@ void CSharedText::Release() noexcept
         delete m_pBody;
 }
 
-// The texts below are never destroyed: objects may outlive the static objects of the library.
-
 std::u16string const & CSharedText::Empty() noexcept
 {
-    static std::u16string const * const s_pEmpty = new std::u16string;
-    return *s_pEmpty;
+    static CEternal<std::u16string> s_empty;
+    return s_empty.Get();
 }
 
 CSharedText CSharedText::Any() noexcept
 {
-    static Body * const s_pAny = new Body{u"##any", {1}, true};
-    return CSharedText(s_pAny);
+    // The string is short enough to need no heap.
+    static CEternal<Body> s_any(u"##any", 1u, true);
+    return CSharedText(&s_any.Get());
 }
 
 } // namespace QzXmlLib16

@@ -42,7 +42,7 @@ struct CTreeArena::Swept
     static thread_local Swept t_swept;
 };
 
-__attribute__((tls_model("initial-exec"))) thread_local CTreeArena::Swept CTreeArena::Swept::t_swept;
+thread_local CTreeArena::Swept CTreeArena::Swept::t_swept;
 
 namespace
 {
@@ -57,7 +57,7 @@ constexpr std::size_t kLargestObject = 1024;
 /// In front of an object on the heap, so that it is aligned as any other.
 constexpr std::size_t kHeapHead = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
-__attribute__((tls_model("initial-exec"))) thread_local CTreeArena * t_pArena = nullptr;
+thread_local CTreeArena * t_pArena = nullptr;
 
 void *& HeadOf(void * p)
 {

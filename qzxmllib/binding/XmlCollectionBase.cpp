@@ -28,6 +28,11 @@ void FetchNext(CNode const & node)
         __builtin_prefetch(pItem + n);
 }
 
+[[noreturn]] void ThrowNotFound()
+{
+    throw CQzInvalidParamException(u"The object was not found in the collection");
+}
+
 } // namespace
 
 CXmlCollectionBase::CXmlCollectionBase() = default;
@@ -199,20 +204,19 @@ CXmlCollection::~CXmlCollection()
 {
     try
     {
-        while (m_pHead != nullptr)
-        {
-            if (CNode const * const pNext = m_pHead->m_pNext)
-                FetchNext(*pNext);
-            RemoveNode(m_pHead);
-        }
+        if (!m_listeners.empty())
+            CXmlCollection::Clear();
     }
     catch (...)
     {
         // A listener that refuses cannot keep the items of a collection that goes.
-        m_pTail = nullptr;
-        m_nCount = 0;
-        for (; m_pHead != nullptr; m_pHead = m_pHead->m_pNext)
-            m_pHead->m_spItem = nullptr;
+        m_listeners.clear();
+    }
+    while (m_pHead != nullptr)
+    {
+        if (CNode const * const pNext = m_pHead->m_pNext)
+            FetchNext(*pNext);
+        Unlink(m_pHead);
     }
     FreeBlocks();
 }
@@ -275,20 +279,28 @@ void CXmlCollection::PrependItem(CXmlObjectBase * pItem)
     Insert(pItem, [this] { return m_pHead; });
 }
 
+/// Holds an item while listeners are called, which may drop it. An object that is no item is not held: it may live on
+/// the stack.
+CSmartPtr<CXmlObjectBase> CXmlCollection::HoldItem(CXmlObjectBase const * pItem) const
+{
+    CNode const * const pNode = m_listeners.empty() ? nullptr : FindNode(pItem);
+    return pNode != nullptr ? pNode->m_spItem : CSmartPtr<CXmlObjectBase>();
+}
+
 void CXmlCollection::AddAfterItem(CXmlObjectBase const * pExisting, CXmlObjectBase * pItem)
 {
     if (pExisting == nullptr)
-        PrependItem(pItem);
-    else
-        Insert(pItem, [&] { return GetNodeForItem(pExisting)->m_pNext; });
+        return PrependItem(pItem);
+    CSmartPtr<CXmlObjectBase> const spHeld = HoldItem(pExisting);
+    Insert(pItem, [&] { return GetNodeForItem(pExisting)->m_pNext; });
 }
 
 void CXmlCollection::AddBeforeItem(CXmlObjectBase const * pExisting, CXmlObjectBase * pItem)
 {
     if (pExisting == nullptr)
-        AppendItem(pItem);
-    else
-        Insert(pItem, [&] { return GetNodeForItem(pExisting); });
+        return AppendItem(pItem);
+    CSmartPtr<CXmlObjectBase> const spHeld = HoldItem(pExisting);
+    Insert(pItem, [&] { return GetNodeForItem(pExisting); });
 }
 
 void CXmlCollection::AddItemAt(int nIndex, CXmlObjectBase * pItem)
@@ -301,17 +313,29 @@ void CXmlCollection::AddItemAt(int nIndex, CXmlObjectBase * pItem)
         Insert(pItem, [&] { return GetNodeAtIndex(nIndex); });
 }
 
-void CXmlCollection::RemoveNode(CNode * pNode)
+void CXmlCollection::Unlink(CNode * pNode) noexcept
 {
-    if (!m_listeners.empty())
-        FireOnCollectionRemove(-1);
     (pNode->m_pPrev != nullptr ? pNode->m_pPrev->m_pNext : m_pHead) = pNode->m_pNext;
     (pNode->m_pNext != nullptr ? pNode->m_pNext->m_pPrev : m_pTail) = pNode->m_pPrev;
     --m_nCount;
-    pNode->m_spItem = nullptr;
+    // The item goes last: what its destructor does finds a collection that is whole.
+    CSmartPtr<CXmlObjectBase> const spItem = std::move(pNode->m_spItem);
     GiveBackNode(pNode);
+}
+
+void CXmlCollection::RemoveNode(CNode * pNode)
+{
     if (m_listeners.empty())
-        return;
+        return Unlink(pNode);
+    CSmartPtr<CXmlObjectBase> const spItem = pNode->m_spItem;
+    FireOnCollectionRemove(-1);
+    // A listener may have taken the node away, which then may hold another item by now.
+    CNode * pFound = m_pHead;
+    while (pFound != nullptr && (pFound != pNode || pFound->m_spItem.Get() != spItem.Get()))
+        pFound = pFound->m_pNext;
+    if (pFound == nullptr)
+        ThrowNotFound();
+    Unlink(pFound);
     FireOnCollectionRemoveComplete(-1);
     FireOnCollectionChange();
 }
@@ -323,8 +347,14 @@ void CXmlCollection::Remove(int nIndex)
 
 void CXmlCollection::Clear()
 {
-    while (m_nCount >= 1)
+    // A listener that adds an item for each one that goes would never let this end.
+    constexpr std::int64_t kMostAdded = 1000000;
+    for (std::int64_t nLeft = m_nCount + kMostAdded; m_nCount >= 1; --nLeft)
+    {
+        if (nLeft == 0)
+            throw CQzInvalidStateException(u"The collection can not be cleared, a listener adds items again and again");
         Remove(0);
+    }
     FreeBlocks();
     m_firstNode.m_pNext = nullptr;
     m_pFreeNodes = &m_firstNode;
@@ -340,12 +370,20 @@ CNode * CXmlCollection::GetNodeAtIndex(int nIndex) const
     return pNode;
 }
 
-CNode * CXmlCollection::GetNodeForItem(CXmlObjectBase const * pItem) const
+CNode * CXmlCollection::FindNode(CXmlObjectBase const * pItem) const
 {
     for (CNode * pNode = m_pHead; pNode != nullptr; pNode = pNode->m_pNext)
         if (pNode->m_spItem->GetBase() == pItem->GetBase())
             return pNode;
-    throw CQzInvalidParamException(u"The object was not found in the collection");
+    return nullptr;
+}
+
+CNode * CXmlCollection::GetNodeForItem(CXmlObjectBase const * pItem) const
+{
+    CNode * const pNode = FindNode(pItem);
+    if (pNode == nullptr)
+        ThrowNotFound();
+    return pNode;
 }
 
 } // namespace QzXmlLib16

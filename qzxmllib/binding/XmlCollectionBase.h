@@ -62,6 +62,13 @@ protected:
     void FireOnCollectionRemove(int nIndex);
     void FireOnCollectionRemoveComplete(int nIndex);
 
+    /// Sets the limits that ValidateCount tests; -1 means no upper limit.
+    void SetOccurs(int nMinOccurs, int nMaxOccurs)
+    {
+        m_nMinOccurs = nMinOccurs;
+        m_nMaxOccurs = nMaxOccurs;
+    }
+
     std::u16string m_strNamespace;
 
 private:
@@ -97,7 +104,8 @@ public:
     CXmlCollection & operator=(CXmlCollection const &) = delete;
 
     int GetCount() const override { return m_nCount; }
-    /// Removes the items one by one from the front, each with its events.
+    /// Removes the items one by one from the front, each with its events. Throws CQzInvalidStateException if listeners
+    /// have added a million items meanwhile.
     void Clear() override;
     void Remove(int nIndex) override;
 
@@ -121,6 +129,7 @@ protected:
     void AddBeforeItem(CXmlObjectBase const * pExisting, CXmlObjectBase * pItem);
     /// nIndex is counted from 0; GetCount() appends. Throws CQzInvalidParamException outside that range.
     void AddItemAt(int nIndex, CXmlObjectBase * pItem);
+    /// Throws CQzInvalidParamException if a listener of the remove event has taken the node away.
     void RemoveNode(CNode * pNode);
     /// Throws CQzInvalidParamException for an index out of range.
     CNode * GetNodeAtIndex(int nIndex) const;
@@ -135,6 +144,11 @@ private:
     /// Adds pItem in front of what findNext gives when the add event has passed; null stands for the end.
     template <class F>
     void Insert(CSmartPtr<CXmlObjectBase> spItem, F const & findNext);
+
+    void Unlink(CNode * pNode) noexcept;
+    CSmartPtr<CXmlObjectBase> HoldItem(CXmlObjectBase const * pItem) const;
+    /// The first node that holds this very object, or null.
+    CNode * FindNode(CXmlObjectBase const * pItem) const;
 
     /// The first link lies in the collection, the others side by side in blocks. Those that are free wait for the next
     /// items until the collection is cleared or goes.

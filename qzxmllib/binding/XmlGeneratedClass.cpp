@@ -11,10 +11,11 @@
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/ExceptionChainInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/ThreadStackInternal.h"
 #include "qzxmllib/values/QzVariant.h"
 #include "qzxmllib/values/QzVariantInternal.h"
 
-#include <array>
+#include <cxxabi.h>
 #include <typeinfo>
 
 using namespace QzXmlLib16Data;
@@ -67,15 +68,23 @@ namespace
         std::u16string());
 }
 
-/// Where the nillable side of objects of one dynamic type lies, as far as this thread has asked.
-struct NillableSlot
+/// Whether a class has but one base at each level up to CXmlGeneratedClass, so that INillable is none of them.
+bool HasOnlySingleBases(std::type_info const & type)
 {
-    std::type_info const * pType = nullptr;
-    std::ptrdiff_t nOffset = 0;
-    bool bNillable = false;
-};
-
-constexpr std::size_t kNillableSlots = 64;
+#if defined(__GLIBCXX__)
+    std::type_info const * pType = &type;
+    while (*pType != typeid(CXmlGeneratedClass))
+    {
+        if (typeid(*pType) != typeid(abi::__si_class_type_info))
+            return false;
+        pType = static_cast<abi::__si_class_type_info const *>(pType)->__base_type;
+    }
+    return true;
+#else
+    static_cast<void>(type);
+    return false;
+#endif
+}
 
 bool HasTextProperty(CParentElementInfo const & info)
 {
@@ -109,20 +118,9 @@ bool IsOneOf(CElementInfo const * pEntry)
 
 INillable * FindNillable(CXmlGeneratedClass * pObject)
 {
-    static thread_local std::array<NillableSlot, kNillableSlots> t_slots;
-    std::type_info const & type = typeid(*pObject);
-    auto const nBits = reinterpret_cast<std::uintptr_t>(&type);
-    NillableSlot & slot = t_slots[((nBits >> 4) ^ (nBits >> 10)) % kNillableSlots];
-    char * const pFirst = static_cast<char *>(dynamic_cast<void *>(pObject));
-    if (slot.pType != &type)
-    {
-        INillable * const pNillable = dynamic_cast<INillable *>(pObject);
-        slot.pType = &type;
-        slot.bNillable = pNillable != nullptr;
-        slot.nOffset = pNillable != nullptr ? reinterpret_cast<char *>(pNillable) - pFirst : 0;
-        return pNillable;
-    }
-    return slot.bNillable ? reinterpret_cast<INillable *>(pFirst + slot.nOffset) : nullptr;
+    // Asked each time: an answer kept by the address of the type would outlive a plug-in that defines the class, and
+    // hold for whatever is loaded there next. Most classes are settled by a few comparisons.
+    return HasOnlySingleBases(typeid(*pObject)) ? nullptr : dynamic_cast<INillable *>(pObject);
 }
 
 NilText ParseNilText(std::u16string_view text)
@@ -235,7 +233,9 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter * pWriter, CSerializatio
     try
     {
         CParentElementInfo const & info = *GetClassInfo();
-        if (ctx.GetWriteTypeAttribute() && info.GetHasBaseClasses() && info.GetElementName() != m_strElementName)
+        // A pseudo class has no tag of its own that could carry the type.
+        if (ctx.GetWriteTypeAttribute() && info.GetHasBaseClasses() &&
+            info.GetElementType() == XmlElementType_Element && info.GetElementName() != m_strElementName)
             pWriter->WriteXsiType(info.GetElementNamespace(), info.GetElementName(), ItemType_string);
         ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), pWriter);
     }
@@ -258,8 +258,10 @@ void CXmlGeneratedClass::WriteRootDeclarations(CXmlWriter * pWriter, CSerializat
 {
     for (std::u16string const & strInstruction : ctx.GetProcessingInstructions())
         pWriter->WriteProcessingInstruction(strInstruction);
+    // Looking up an unknown URI leaves it in the map without an alias: nothing can be declared for it.
     for (auto const & [strUri, strAlias] : ctx.GetNamespaceAliases().m_mapAliases)
-        pWriter->AddNamespace(strAlias, strUri);
+        if (!strAlias.empty())
+            pWriter->AddNamespace(strAlias, strUri);
     std::u16string const strDefault = ctx.GetDefaultNamespaceURI();
     if (!strDefault.empty())
         pWriter->SetDefaultNamespace(strDefault);
@@ -309,6 +311,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t c
 {
     try
     {
+        RequireStack();
         CParentElementInfo const & info = *GetClassInfo();
         bool const bElement = info.GetElementType() == XmlElementType_Element;
         if (bElement)
@@ -375,6 +378,7 @@ CXmlElement * CXmlGeneratedClass::FromXml_Int(
 {
     try
     {
+        RequireStack();
         Init();
         CParentElementInfo const & info = *GetClassInfo();
         XmlElementType const eType = info.GetElementType();

@@ -4,7 +4,12 @@
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/ThreadStackInternal.h"
 #include "qzxmllib/values/FunctionsInternal.h"
+
+#include <new>
+#include <utility>
+#include <vector>
 
 namespace QzXmlLib16
 {
@@ -15,6 +20,42 @@ namespace
 /// Keeps the count of an object that is being destroyed away from 0, so that a listener which takes and drops a count
 /// in a destructor's event does not destroy the object again.
 constexpr std::int32_t kCountInDestruction = 0x40000000;
+
+/// Objects whose destruction is under way on this thread, one inside the other.
+thread_local int t_nDestructions = 0;
+/// Objects that wait for the outermost destruction, as the stack was too low for them. Null for none.
+thread_local std::vector<CXmlObjectBase *> * t_pPostponed = nullptr;
+
+/// False if there is no memory to remember the object.
+bool Postpone(CXmlObjectBase * pObject) noexcept
+{
+    try
+    {
+        if (t_pPostponed == nullptr)
+            t_pPostponed = new std::vector<CXmlObjectBase *>;
+        t_pPostponed->push_back(pObject);
+        return true;
+    }
+    catch (std::bad_alloc const &)
+    {
+        return false;
+    }
+}
+
+/// The next of the objects that wait, or null; the list goes with the last of them.
+CXmlObjectBase * TakePostponed() noexcept
+{
+    if (t_pPostponed == nullptr)
+        return nullptr;
+    if (t_pPostponed->empty())
+    {
+        delete std::exchange(t_pPostponed, nullptr);
+        return nullptr;
+    }
+    CXmlObjectBase * const pObject = t_pPostponed->back();
+    t_pPostponed->pop_back();
+    return pObject;
+}
 
 } // namespace
 
@@ -32,26 +73,28 @@ CXmlObjectBase::~CXmlObjectBase() = default;
 
 long CXmlObjectBase::AddRef()
 {
-    // Nobody else counts an object that nobody holds yet.
-    if (m_nRefCount.load(std::memory_order_relaxed) == 0)
-    {
-        m_nRefCount.store(1, std::memory_order_relaxed);
-        return 1;
-    }
     return m_nRefCount.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
 long CXmlObjectBase::Release()
 {
-    // Whoever holds the only count shares it with nobody.
-    bool const bLast = m_nRefCount.load(std::memory_order_acquire) == 1;
-    std::int32_t const nCount = bLast ? 0 : m_nRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    std::int32_t const nCount = m_nRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
     if (nCount == 0)
-    {
-        m_nRefCount.store(kCountInDestruction, std::memory_order_relaxed);
-        delete this;
-    }
+        Destroy(this);
     return nCount;
+}
+
+void CXmlObjectBase::Destroy(CXmlObjectBase * pObject) noexcept
+{
+    pObject->m_nRefCount.store(kCountInDestruction, std::memory_order_relaxed);
+    if (t_nDestructions != 0 && IsStackLow() && Postpone(pObject))
+        return;
+    ++t_nDestructions;
+    delete pObject;
+    if (t_nDestructions == 1)
+        while (CXmlObjectBase * const pNext = TakePostponed())
+            delete pNext;
+    --t_nDestructions;
 }
 
 void CXmlObjectBase::OnEvent(CXmlObjectBase *, IEventSink::MsgType, void *) {}

@@ -231,6 +231,10 @@ private:
         return const_cast<CXmlObjectBase *>(this);
     }
 
+    /// Destroys an object that nobody holds any more. A deep tree does not overflow the stack: what it holds too far
+    /// down waits until the outermost destruction of the thread gets there.
+    static void Destroy(CXmlObjectBase * pObject) noexcept;
+
     std::atomic<std::int32_t> m_nRefCount{0};
 };
 

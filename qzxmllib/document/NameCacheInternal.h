@@ -2,7 +2,6 @@
 
 #include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/EqualTextInternal.h"
-#include "qzxmllib/support/ThreadSpareInternal.h"
 
 #include <algorithm>
 #include <array>
@@ -42,9 +41,14 @@ public:
     {
         m_numbered[nEntry % m_numbered.size()] = {nVersion, nEntry, &value};
     }
-    /// Keeps a name that is not there, and gives what is to be filled for it.
-    Value & Keep(std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri)
+    /// Keeps a finished value for a name that is not there, and gives its place. A failure leaves all as it was.
+    Value & Keep(std::uint64_t nVersion, std::u16string_view name, std::u16string_view uri, Value value)
     {
+        Entry entry;
+        entry.strKey.reserve(name.size() + uri.size());
+        entry.strKey.assign(name).append(uri);
+        entry.nName = name.size();
+        entry.value = std::move(value);
         // A table that is half full starts anew, larger for documents with many names.
         if (2 * m_entries.size() >= m_slots.size())
         {
@@ -52,26 +56,28 @@ public:
             Clear();
             m_slots.swap(slots);
         }
-        m_entries.emplace_back();
-        Entry & entry = m_entries.back();
-        entry.strKey.reserve(name.size() + uri.size());
-        entry.strKey.assign(name).append(uri);
-        entry.nName = name.size();
+        m_entries.push_back(std::move(entry));
+        m_nKeyUnits += name.size() + uri.size();
         std::uint32_t const nHash = Hash(name, uri);
         std::size_t i = nHash;
         while (InUse(i) != nullptr)
             ++i;
         m_slots[i & (m_slots.size() - 1)] = {nVersion, nHash, static_cast<std::uint32_t>(m_entries.size() - 1)};
-        return entry.value;
+        return m_entries.back().value;
     }
-    /// Whether these are more names than are worth keeping for the next document.
-    bool IsLarge() const noexcept { return m_entries.size() > kMostNamesKept; }
+    /// About how much memory the names take. What is made of a name is a few times as long as the name.
+    std::size_t CountOctets() const noexcept
+    {
+        constexpr std::size_t kOctetsPerUnit = 16;
+        return m_slots.size() * sizeof(Slot) + m_entries.size() * sizeof(Entry) + m_nKeyUnits * kOctetsPerUnit;
+    }
     void Clear() noexcept
     {
         m_latest.fill({});
         m_numbered.fill({});
         m_slots.clear();
         m_entries.clear();
+        m_nKeyUnits = 0;
     }
 
 private:
@@ -164,6 +170,7 @@ private:
     std::array<Numbered, 128> m_numbered{};
     std::vector<Slot> m_slots; ///< at most half full
     std::deque<Entry> m_entries;
+    std::size_t m_nKeyUnits = 0;
 };
 
 /// The declarations of the last root.

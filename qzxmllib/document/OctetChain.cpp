@@ -23,7 +23,7 @@ constexpr std::size_t kLargeBlock = 2 * 1024 * 1024;
 /// copied. 0 for none.
 constexpr std::size_t kLargestExpected = 128 * 1024 * 1024;
 constexpr std::size_t kSmallestSpace = 1024;
-__attribute__((tls_model("initial-exec"))) thread_local std::size_t t_nLastOutput = 0;
+thread_local std::size_t t_nLastOutput = 0;
 
 } // namespace
 

@@ -22,7 +22,7 @@ constexpr std::size_t kBlockOctets = 64 * 1024;
 constexpr std::size_t kLongestInBlock = kBlockOctets / 4;
 constexpr std::size_t kLargeOctets = 2 * 1024 * 1024;
 
-__attribute__((tls_model("initial-exec"))) thread_local CParserMemory * t_pMemory = nullptr;
+thread_local CParserMemory * t_pMemory = nullptr;
 
 } // namespace
 

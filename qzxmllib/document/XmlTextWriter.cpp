@@ -5,6 +5,7 @@
 #include "qzxmllib/document/PiecesInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/ThreadMemoryInternal.h"
 
 #include <algorithm>
 #include <cassert>
@@ -147,10 +148,12 @@ struct CXmlTextWriter::TagText
     std::u16string_view GetAlias() const { return {tags.strWide.data() + 1, nAlias}; }
 };
 
-/// Kept by CThreadSpare.
-struct CXmlTextWriter::NameCaches
+struct CXmlTextWriter::NameCaches : IThreadKept
 {
-    bool IsLarge() const noexcept { return elements.IsLarge() || attributes.IsLarge(); }
+    std::size_t CountOctets() const noexcept override
+    {
+        return sizeof *this + elements.CountOctets() + attributes.CountOctets();
+    }
 
     CNameCache<TagText> elements;
     /// The beginning of an attribute up to the quote in front of its value.
@@ -165,7 +168,7 @@ struct CXmlTextWriter::NameCaches
 
 CXmlTextWriter::CXmlTextWriter(CTextStream * pStream)
     : CXmlWriter(u"CXmlTextWriter"), m_strEOL(u"\n"), m_eEOLType(EOLType_LF), m_bFormat(true), m_pStream(pStream),
-      m_spNames(CThreadSpare<NameCaches>::Take())
+      m_spNames(TakeFromThread<NameCaches>(ThreadKept_XmlWriter))
 {
     m_spIndentRun = std::move(m_spNames->spIndentRun);
     m_strIndentChars = std::move(m_spNames->strIndentChars);
@@ -177,7 +180,7 @@ CXmlTextWriter::~CXmlTextWriter()
 {
     m_spNames->spIndentRun = std::move(m_spIndentRun);
     m_spNames->strIndentChars = std::move(m_strIndentChars);
-    CThreadSpare<NameCaches>::GiveBack(std::move(m_spNames));
+    GiveBackToThread(ThreadKept_XmlWriter, std::move(m_spNames));
 }
 
 /// Where octets can be written, or null.
@@ -525,7 +528,7 @@ void CXmlTextWriter::WriteAttributeView(
     }
     std::u16string_view const name = UpToZero(strName);
     std::u16string_view const colon = alias.empty() ? u"" : u":";
-    TagText & tags = m_spNames->elements.Keep(nVersion, strName, strUri);
+    TagText tags;
     tags.nStartTag = static_cast<std::uint32_t>(alias.size() + colon.size() + name.size() + 2);
     tags.nEndTag = static_cast<std::uint32_t>(tags.nStartTag + 1 + eol.size());
     tags.nAlias = static_cast<std::uint32_t>(alias.size());
@@ -533,7 +536,7 @@ void CXmlTextWriter::WriteAttributeView(
     strTags.assign(1, u'<').append(alias).append(colon).append(name).append(u"></", 3);
     strTags.append(alias).append(colon).append(name).append(1, u'>').append(eol);
     tags.tags.Finish();
-    return &tags;
+    return &m_spNames->elements.Keep(nVersion, strName, strUri, std::move(tags));
 }
 
 template <class Out>
@@ -570,13 +573,14 @@ bool CXmlTextWriter::WriteShortAttribute(CXmlWriterContext const & context, std:
             std::u16string const * const pAlias = strUri.empty() ? &strUri : FindKnownPrefix(context, strUri);
             if (pAlias == nullptr)
                 return false;
-            pHead = &attributes.Keep(nVersion, strName, strUri);
-            std::u16string & strHead = pHead->strWide;
+            TwinText head;
+            std::u16string & strHead = head.strWide;
             strHead.assign(1, u' ');
             if (!strUri.empty())
                 strHead.append(UpToZero(*pAlias)).append(1, u':');
             strHead.append(UpToZero(strName)).append(u"=\"");
-            pHead->Finish();
+            head.Finish();
+            pHead = &attributes.Keep(nVersion, strName, strUri, std::move(head));
         }
         if (nEntry != 0)
             attributes.Number(nVersion, nEntry, *pHead);

@@ -52,6 +52,7 @@ constexpr std::u16string_view kNamespaceAttributes[] = {
     u"xmlns", u"type", u"schemaLocation", u"noNamespaceSchemaLocation"};
 
 constexpr std::size_t kFirstSlots = 64;
+constexpr std::size_t kMostNamesKept = 512;
 
 std::u16string Widen(std::string_view text)
 {
@@ -89,7 +90,7 @@ void AppendOctets(std::string & strKey, void const * p, std::size_t nOctets)
 
 } // namespace
 
-CXmlNameTable::CXmlNameTable() : m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)), m_slots(kFirstSlots) {}
+CXmlNameTable::CXmlNameTable() : m_slots(kFirstSlots) {}
 
 void CXmlNameTable::SetDocument(CXmlDocument & doc) noexcept
 {
@@ -135,6 +136,8 @@ CXmlNameRecord const & CXmlNameTable::Add(
     record.strLocalName = std::move(strLocalName);
     record.strNamespaceURI = std::move(strNamespaceURI);
     record.pDocument = m_pDoc;
+    m_nTextOctets += record.strKey.size() +
+                     (record.strLocalName.size() + record.strNamespaceURI.size()) * sizeof(char16_t);
     if (EqualText(record.strNamespaceURI, XsiNamespace()) || EqualText(record.strNamespaceURI, kXmlnsNamespace))
     {
         record.bNilAttribute = record.strLocalName == u"nil";
@@ -159,7 +162,9 @@ CXmlTree::~CXmlTree()
     for (XmlBlock const & block : m_blocks)
         ReturnXmlBlock(block);
     ReturnXmlBlock(m_spare);
-    CThreadSpare<CXmlNameTable>::GiveBack(std::move(m_spNames));
+    // The next document takes over all names one by one, which many names of another kind are not worth.
+    if (m_spNames->CountNames() <= kMostNamesKept)
+        GiveBackToThread(ThreadKept_Names, std::move(m_spNames));
 }
 
 void CXmlTree::CountNew()

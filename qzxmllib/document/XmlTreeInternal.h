@@ -2,7 +2,8 @@
 
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/BlockMemoryInternal.h"
-#include "qzxmllib/support/ThreadSpareInternal.h"
+#include "qzxmllib/support/KeyedHashInternal.h"
+#include "qzxmllib/support/ThreadMemoryInternal.h"
 
 #include <cstdint>
 #include <cstring>
@@ -54,7 +55,7 @@ struct CXmlNameRecord : CXmlName
 };
 
 /// The names of one document, each kept once. Those of the document before may stand there as well.
-class CXmlNameTable
+class CXmlNameTable : public IThreadKept
 {
 public:
     CXmlNameTable();
@@ -86,7 +87,11 @@ public:
     CXmlName const & FromText(std::u16string_view namespaceURI, std::u16string_view localName);
     /// Makes all names those of the document.
     void SetDocument(CXmlDocument & doc) noexcept;
-    bool IsLarge() const noexcept { return m_records.size() > kMostNamesKept; }
+    std::size_t CountNames() const noexcept { return m_records.size(); }
+    std::size_t CountOctets() const noexcept override
+    {
+        return m_records.size() * sizeof(CXmlNameRecord) + m_slots.size() * sizeof(Slot) + m_nTextOctets;
+    }
 
 private:
     CXmlNameRecord const & FindFromParser(char const * pszRaw)
@@ -103,42 +108,7 @@ private:
         CXmlNameRecord const * pRecord = nullptr;
     };
 
-    static std::uint64_t Load8(char const * p)
-    {
-        std::uint64_t n;
-        std::memcpy(&n, p, sizeof n);
-        return n;
-    }
-    static std::uint64_t Load4(char const * p)
-    {
-        std::uint32_t n;
-        std::memcpy(&n, p, sizeof n);
-        return n;
-    }
-    static std::uint64_t Mix(std::uint64_t nHash, std::uint64_t nBits)
-    {
-        nHash = (nHash ^ nBits) * 0x9E3779B97F4A7C15u;
-        return nHash ^ (nHash >> 32);
-    }
-    /// Starts from the address of the table, so that names which collide cannot be prepared beforehand.
-    std::uint64_t Hash(std::string_view strKey) const
-    {
-        char const * p = strKey.data();
-        std::size_t const n = strKey.size();
-        std::uint64_t nHash = m_nSeed + n;
-        if (n >= 8)
-        {
-            char const * const pLast = p + n - 8;
-            for (; p < pLast; p += 8)
-                nHash = Mix(nHash, Load8(p));
-            return Mix(nHash, Load8(pLast));
-        }
-        if (n >= 4)
-            return Mix(nHash, Load4(p) | (Load4(p + n - 4) << 32));
-        for (std::size_t i = 0; i < n; ++i)
-            nHash = Mix(nHash, static_cast<unsigned char>(p[i]));
-        return nHash;
-    }
+    std::uint64_t Hash(std::string_view strKey) const { return m_hash(strKey.data(), strKey.size()); }
     CXmlNameRecord const * Find(std::string_view strKey, std::uint64_t nHash) const
     {
         std::size_t const nMask = m_slots.size() - 1;
@@ -156,9 +126,11 @@ private:
     void Place(CXmlNameRecord const & record, std::uint64_t nHash);
 
     CXmlDocument * m_pDoc = nullptr;
-    std::uint64_t m_nSeed;
+    CKeyedHash m_hash;
     std::deque<CXmlNameRecord> m_records;
     std::vector<Slot> m_slots;
+    /// Of the keys and names, so far as they need memory of their own.
+    std::size_t m_nTextOctets = 0;
     CXmlNameRecord const * m_pLast = nullptr;
 };
 
@@ -167,7 +139,7 @@ private:
 class CXmlTree
 {
 public:
-    explicit CXmlTree(CXmlDocument & doc) : m_spNames(CThreadSpare<CXmlNameTable>::Take())
+    explicit CXmlTree(CXmlDocument & doc) : m_spNames(TakeFromThread<CXmlNameTable>(ThreadKept_Names))
     {
         m_spNames->SetDocument(doc);
     }

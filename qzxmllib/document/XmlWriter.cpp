@@ -1,5 +1,6 @@
 #include "qzxmllib/document/XmlWriter.h"
 
+#include "qzxmllib/document/NamespaceIndexInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/WriteScratchInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
@@ -19,41 +20,11 @@ namespace
 
 CInstanceName g_contextName(u"CXmlWriterContext");
 
-/// Limits of the number of aliases remembered by hash; between them it follows the size of the map.
-constexpr std::size_t kFewestAliasSlots = 16;
-constexpr std::size_t kMostAliasSlots = 4096;
-
-constexpr std::size_t kLetters = 26;
-
-/// URIs differ mostly at their ends.
-std::size_t HashUri(std::u16string const & strUri) noexcept
-{
-    std::size_t nHash = strUri.size();
-    for (std::size_t nAt = strUri.size() - std::min<std::size_t>(strUri.size(), 5); nAt < strUri.size(); ++nAt)
-        nHash = nHash * 31 + strUri[nAt];
-    return nHash;
-}
-
 /// The names of elements at one level are often those of the last one there.
 void KeepText(std::u16string & strKept, std::u16string const & strText)
 {
     if (!EqualText(strKept, strText))
         strKept.assign(strText);
-}
-
-/// The number of a text of nLetters capital letters among all of that length, or nNone for any other text.
-std::size_t AliasNumber(std::u16string const & strAlias, std::size_t nLetters, std::size_t nNone) noexcept
-{
-    if (strAlias.size() != nLetters)
-        return nNone;
-    std::size_t nNumber = 0;
-    for (char16_t const c : strAlias)
-    {
-        if (c < u'A' || c > u'Z')
-            return nNone;
-        nNumber = nNumber * kLetters + (c - u'A');
-    }
-    return nNumber;
 }
 
 } // namespace
@@ -110,7 +81,13 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::u16string const & strName,
 }
 
 CXmlWriter::CXmlWriterContext::CScope::CScope(std::u16string const & strDefault, CNamespaceMap const & map)
-    : strDefaultNamespace(strDefault), namespaces(map)
+    : strDefaultNamespace(strDefault), own(map)
+{
+    Renew();
+}
+
+CXmlWriter::CXmlWriterContext::CScope::CScope(std::u16string const & strDefault, CScope const & outer)
+    : pOuter(&outer), strDefaultNamespace(strDefault)
 {
     Renew();
 }
@@ -118,7 +95,39 @@ CXmlWriter::CXmlWriterContext::CScope::CScope(std::u16string const & strDefault,
 void CXmlWriter::CXmlWriterContext::CScope::Renew() noexcept
 {
     static std::atomic<std::uint64_t> s_nLastVersion{0};
-    nVersion = s_nLastVersion.fetch_add(1, std::memory_order_relaxed) + 1;
+    nState = nVersion = s_nLastVersion.fetch_add(1, std::memory_order_relaxed) + 1;
+    spWhole.reset();
+}
+
+std::u16string const * CXmlWriter::CXmlWriterContext::CScope::Find(std::u16string const & strUri) const
+{
+    for (CScope const * pScope = this; pScope != nullptr; pScope = pScope->pOuter)
+    {
+        auto const it = pScope->own.find(strUri);
+        if (it != pScope->own.end())
+            return &it->second;
+    }
+    return nullptr;
+}
+
+CXmlWriter::CNamespaceMap const & CXmlWriter::CXmlWriterContext::CScope::GetWhole() const
+{
+    if (pOuter == nullptr)
+        return own;
+    if (spWhole == nullptr)
+    {
+        auto spMap = std::make_unique<CNamespaceMap>(own);
+        // What lies further in stands already, and insert leaves it.
+        for (CScope const * pScope = pOuter; pScope != nullptr; pScope = pScope->pOuter)
+            spMap->insert(pScope->own.begin(), pScope->own.end());
+        spWhole = std::move(spMap);
+    }
+    return *spWhole;
+}
+
+CXmlWriter::CNamespaceMap const & CXmlWriter::CXmlWriterContext::GetNamespaces() const
+{
+    return m_pScope->m_spScope->GetWhole();
 }
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext()
@@ -159,26 +168,53 @@ void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::u16string const & s
 void CXmlWriter::CXmlWriterContext::AddNamespace(std::u16string const & strUri, std::u16string const & strAlias)
 {
     OwnScope(true);
-    m_spScope->namespaces[strUri] = strAlias;
-    m_spScope->Renew();
+    SetOwn(strUri, strAlias);
 }
 
 std::u16string const & CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::u16string const & strNamespace)
 {
     CScope & scope = *m_pScope->m_spScope;
-    scope.Renew();
-    return scope.namespaces[strNamespace];
+    if (scope.Find(strNamespace) == nullptr)
+        m_pScope->SetOwn(strNamespace, std::u16string());
+    return *scope.Find(strNamespace);
 }
 
-/// Gives the record declarations of its own, which begin as a copy of those that it reads.
+/// Sets an alias among the declarations of the record's own, which it has.
+void CXmlWriter::CXmlWriterContext::SetOwn(std::u16string const & strUri, std::u16string const & strAlias)
+{
+    CutInnerScopes();
+    // The map is changed as a whole or not at all, and an alias that others point to stays where it is.
+    m_spScope->own[strUri] = strAlias;
+    m_spScope->Renew();
+}
+
+/// Gives the record declarations of its own, which begin as those that it reads.
 void CXmlWriter::CXmlWriterContext::OwnScope(bool bCopyDefaultNamespace)
 {
     if (!Inherits())
         return;
-    m_spScope.reset(new CScope(bCopyDefaultNamespace ? GetDefaultNamespace() : std::u16string(), GetNamespaces()));
     CXmlWriterContext const * const pOldScope = m_pScope;
+    m_spScope.reset(
+        new CScope(bCopyDefaultNamespace ? GetDefaultNamespace() : std::u16string(), *pOldScope->m_spScope));
     for (CXmlWriterContext * p = this; p != nullptr && p->m_pScope == pOldScope; p = p->m_pChild)
         p->m_pScope = this;
+}
+
+/// Before a change of the record's own declarations: what open elements within it have declared stands in front of
+/// those as they are now.
+void CXmlWriter::CXmlWriterContext::CutInnerScopes()
+{
+    for (CXmlWriterContext * p = m_pChild; p != nullptr; p = p->m_pChild)
+    {
+        if (p->m_spScope == nullptr || p->m_spScope->pOuter != m_spScope.get())
+            continue;
+        CScope & inner = *p->m_spScope;
+        CNamespaceMap whole = inner.GetWhole();
+        inner.own.swap(whole);
+        inner.pOuter = nullptr;
+        inner.Renew();
+        return;
+    }
 }
 
 CXmlWriter::CXmlWriter(char16_t const * pszInstanceName) : CInstanceMonitor(pszInstanceName)
@@ -237,22 +273,10 @@ void CXmlWriter::WriteAttributeView(
 
 std::u16string CXmlWriter::GenerateNamespaceAlias(CNamespaceMap const & namespaces)
 {
-    std::size_t nCount = kLetters;
-    for (std::size_t nLetters = 2;; ++nLetters)
-    {
-        nCount *= kLetters;
-        // One more place takes the aliases that are none of these.
-        std::vector<bool> taken(nCount + 1);
-        for (auto const & entry : namespaces)
-            taken[AliasNumber(entry.second, nLetters, nCount)] = true;
-        auto nNumber = static_cast<std::size_t>(std::find(taken.begin(), taken.end(), false) - taken.begin());
-        if (nNumber >= nCount)
-            continue;
-        std::u16string strAlias(nLetters, u'A');
-        for (std::size_t nAt = nLetters; nAt-- > 0; nNumber /= kLetters)
-            strAlias[nAt] = static_cast<char16_t>(u'A' + nNumber % kLetters);
-        return strAlias;
-    }
+    CNamespaceIndex index;
+    for (auto const & entry : namespaces)
+        index.Declare(entry.first, entry.second);
+    return index.FirstFreeAlias();
 }
 
 void CXmlWriter::SetArrayState(std::int32_t eState) noexcept
@@ -290,7 +314,7 @@ void CXmlWriter::PopContext() noexcept
     CXmlWriterContext * const pRecord = m_pContext;
     m_pContext = pRecord->DetachParent();
     if (!pRecord->Inherits())
-        ++m_nScopeGeneration;
+        LeaveScope(*pRecord);
     if (pRecord->m_bPooled)
         --m_nSlotsUsed;
     CXmlWriterContext::Destroy(pRecord);
@@ -301,38 +325,78 @@ bool CXmlWriter::NeedsNoPrefix(CXmlWriterContext const & context, std::u16string
     return strUri.empty() || EqualText(strUri, context.GetDefaultNamespace());
 }
 
+/// Takes the declarations of a record that goes out of the index.
+void CXmlWriter::LeaveScope(CXmlWriterContext const & record) noexcept
+{
+    CXmlWriterContext::CScope const & scope = *record.m_spScope;
+    if (m_nIndexed != scope.nState)
+        return;
+    m_nIndexed = 0;
+    if (scope.pOuter == nullptr)
+        return;
+    for (auto const & entry : scope.own)
+        m_spIndex->Retract(entry.first);
+    m_nIndexed = scope.pOuter->nState;
+}
+
+CNamespaceIndex * CXmlWriter::IndexOf(CXmlWriterContext const & context)
+{
+    CXmlWriterContext::CScope const & scope = *context.m_pScope->m_spScope;
+    if (m_nIndexed == scope.nState)
+        return m_spIndex.get();
+    if (context.m_pChild != nullptr)
+        return nullptr;
+    // Mostly just the innermost scope is new.
+    std::vector<CXmlWriterContext::CScope const *> scopes;
+    auto const * pScope = &scope;
+    for (; pScope != nullptr && (m_nIndexed == 0 || pScope->nState != m_nIndexed); pScope = pScope->pOuter)
+        scopes.push_back(pScope);
+    m_nIndexed = 0;
+    if (m_spIndex == nullptr)
+        m_spIndex = std::make_unique<CNamespaceIndex>();
+    if (pScope == nullptr)
+        m_spIndex->Clear();
+    for (auto it = scopes.rbegin(); it != scopes.rend(); ++it)
+        for (auto const & entry : (*it)->own)
+            m_spIndex->Declare(entry.first, entry.second);
+    m_nIndexed = scope.nState;
+    return m_spIndex.get();
+}
+
 std::u16string const * CXmlWriter::FindKnownPrefix(CXmlWriterContext const & context, std::u16string const & strUri)
 {
-    CNamespaceMap const & namespaces = context.GetNamespaces();
-    auto const holds = [&](LastAlias const & last) {
-        return last.pMap == &namespaces && last.nGeneration == m_nScopeGeneration &&
-               EqualText(last.pEntry->first, strUri);
-    };
-    if (holds(m_lastAlias))
-        return &m_lastAlias.pEntry->second;
-    std::size_t nSlots = kFewestAliasSlots;
-    while (nSlots < 2 * namespaces.size() && nSlots < kMostAliasSlots)
-        nSlots *= 2;
-    if (m_lastAliases.size() < nSlots)
-        m_lastAliases.assign(nSlots, LastAlias());
-    LastAlias & last = m_lastAliases[HashUri(strUri) & (m_lastAliases.size() - 1)];
-    if (!holds(last))
+    CXmlWriterContext::CScope const & scope = *context.m_pScope->m_spScope;
+    if (m_lastAlias.nState == scope.nState && EqualText(m_lastAlias.strUri, strUri))
+        return m_lastAlias.pAlias;
+    CNamespaceIndex const * const pIndex = IndexOf(context);
+    std::u16string const * const pAlias = pIndex != nullptr ? pIndex->Find(strUri) : scope.Find(strUri);
+    if (pAlias != nullptr)
     {
-        auto const it = namespaces.find(strUri);
-        if (it == namespaces.end())
-            return nullptr;
-        last = {&*it, &namespaces, m_nScopeGeneration};
+        m_lastAlias.nState = 0;
+        m_lastAlias.strUri = strUri;
+        m_lastAlias.pAlias = pAlias;
+        m_lastAlias.nState = scope.nState;
     }
-    m_lastAlias = last;
-    return &last.pEntry->second;
+    return pAlias;
 }
 
 CXmlWriter::CPrefix CXmlWriter::FindPrefix(CXmlWriterContext & context, std::u16string const & strUri)
 {
     if (std::u16string const * const pAlias = FindKnownPrefix(context, strUri))
         return {pAlias, false};
-    context.AddNamespace(strUri, GenerateNamespaceAlias(context.GetNamespaces()));
-    return {&context.GetNamespaces().find(strUri)->second, true};
+    CNamespaceIndex * const pIndex = IndexOf(context);
+    context.AddNamespace(
+        strUri, pIndex != nullptr ? pIndex->FirstFreeAlias() : GenerateNamespaceAlias(context.GetNamespaces()));
+    CXmlWriterContext::CScope const & scope = *context.m_spScope;
+    auto const & entry = *scope.own.find(strUri);
+    if (pIndex != nullptr)
+    {
+        // The namespace had no alias, so the index needs but this one.
+        m_nIndexed = 0;
+        pIndex->Declare(entry.first, entry.second);
+        m_nIndexed = scope.nState;
+    }
+    return {&entry.second, true};
 }
 
 void CXmlWriter::CountPassingContext()

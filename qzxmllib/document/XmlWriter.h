@@ -15,6 +15,7 @@
 namespace QzXmlLib16
 {
 
+class CNamespaceIndex;
 struct CWriteScratch;
 
 /// The one output of the binding engine. Holds what all output forms share: the default namespace, the map of
@@ -56,7 +57,7 @@ public:
 
         /// Those that hold here, whichever element declared them.
         std::u16string const & GetDefaultNamespace() const noexcept { return m_pScope->m_spScope->strDefaultNamespace; }
-        CNamespaceMap const & GetNamespaces() const noexcept { return m_pScope->m_spScope->namespaces; }
+        CNamespaceMap const & GetNamespaces() const;
         /// A number that no other declarations have had. It changes with them and is never 0.
         std::uint64_t GetDeclarationsVersion() const noexcept { return m_pScope->m_spScope->nVersion; }
         /// Holds for this element and its descendants.
@@ -85,16 +86,25 @@ public:
             std::u16string strName;
             std::u16string strWrittenAlias;
         };
-        /// Declarations of the record's own.
+        /// Declarations of the record's own, in front of those of an outer scope.
         struct CScope
         {
             CScope(std::u16string const & strDefault, CNamespaceMap const & map);
-            /// To be called behind every change.
+            /// Begins without declarations of its own.
+            CScope(std::u16string const & strDefault, CScope const & outer);
+            /// To be called after every change.
             void Renew() noexcept;
+            std::u16string const * Find(std::u16string const & strUri) const;
+            /// The declarations in force, which belong to the scope.
+            CNamespaceMap const & GetWhole() const;
 
+            CScope const * pOuter = nullptr; ///< of an enclosing element, or null
             std::u16string strDefaultNamespace;
-            CNamespaceMap namespaces;
+            CNamespaceMap own;
+            /// The same with those of the outer scopes, made when it is asked for.
+            mutable std::unique_ptr<CNamespaceMap> spWhole;
             std::uint64_t nVersion; ///< differs from that of any other declarations, and from 0
+            std::uint64_t nState;   ///< differs after each change, and from that of any other scope
         };
 
         CXmlWriterContext(CTexts & texts, CXmlWriterContext * pParent);
@@ -104,6 +114,8 @@ public:
 
         bool Inherits() const noexcept { return m_pScope != this; }
         void OwnScope(bool bCopyDefaultNamespace);
+        void SetOwn(std::u16string const & strUri, std::u16string const & strAlias);
+        void CutInnerScopes();
         static void Destroy(CXmlWriterContext * pRecord) noexcept;
 
         CXmlWriterContext * m_pParent;
@@ -226,23 +238,27 @@ private:
     friend class CWriteLease;
 
     struct Slot;
+    /// The alias found last.
     struct LastAlias
     {
-        CNamespaceMap::value_type const * pEntry = nullptr;
-        CNamespaceMap const * pMap = nullptr;
-        std::uint64_t nGeneration = 0;
+        std::u16string strUri;
+        std::u16string const * pAlias = nullptr;
+        std::uint64_t nState = 0; ///< of the scope; 0 for none
     };
 
+    /// The index brought up to the declarations of the innermost record, or null for any other record.
+    CNamespaceIndex * IndexOf(CXmlWriterContext const & context);
+    void LeaveScope(CXmlWriterContext const & record) noexcept;
     [[noreturn]] static void ThrowNoElement();
     [[noreturn]] static void ThrowStartTagClosed();
 
     /// Storage of records by nesting level, used again and again.
     std::vector<std::unique_ptr<Slot>> m_slots;
     std::size_t m_nSlotsUsed = 0;
-    /// Entries found lately, by a hash of the URI. They hold as long as the map of that generation lives.
-    std::vector<LastAlias> m_lastAliases;
     LastAlias m_lastAlias;
-    std::uint64_t m_nScopeGeneration = 0;
+    /// Made by the first look-up.
+    std::unique_ptr<CNamespaceIndex> m_spIndex;
+    std::uint64_t m_nIndexed = 0; ///< the state of the scope that the index stands for; 0 if it is of no use
     std::unique_ptr<CWriteScratch> m_spScratch; ///< null before the first value
     std::u16string const * m_pEntryName = nullptr;
     std::u16string const * m_pNamespace = nullptr; ///< see CNamespaceLoan

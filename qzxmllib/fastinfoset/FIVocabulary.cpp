@@ -3,6 +3,7 @@
 #include "qzxmllib/document/EncoderInternal.h"
 #include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
+#include "qzxmllib/support/KeyedHashInternal.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -24,10 +25,10 @@ constexpr std::size_t kMostKeptUnits = 16384;
 constexpr std::size_t kInSlot = 6;
 constexpr char16_t kSeparator = u'\x1';
 
-std::uint64_t Mix(std::uint64_t nHash, std::uint64_t nBits) noexcept
+CKeyedHash const & GetHash()
 {
-    nHash = (nHash ^ nBits) * 0x9E3779B97F4A7C15u;
-    return nHash ^ (nHash >> 32);
+    static CKeyedHash const s_hash;
+    return s_hash;
 }
 
 std::uint32_t LoadTwo(char16_t const * p) noexcept
@@ -61,15 +62,13 @@ void AppendPrintable(std::string & strOut, std::u16string_view text)
 CFIVocabulary::CFIStringTable::~CFIStringTable() = default;
 CFIVocabulary::CFIQNameTable::~CFIQNameTable() = default;
 
-/// The hash starts from an address, so that strings which collide cannot be prepared beforehand.
-CFIVocabulary::CIndexMap::CIndexMap(std::size_t nMost)
-    : m_nSeed(Mix(reinterpret_cast<std::uintptr_t>(this), 0)), m_nMost(nMost)
-{
-}
+CFIVocabulary::CIndexMap::CIndexMap(std::size_t nMost) : m_nMost(nMost) {}
 
 inline std::size_t CFIVocabulary::CIndexMap::FirstSlot(Spot const & spot) const noexcept
 {
-    std::uint64_t const nHash = Mix(Mix(m_nSeed, spot.nHead), std::uint64_t(spot.nKind) << 32 | spot.nTail);
+    // What stands for a long key is a hash already.
+    std::uint64_t const nHash =
+        spot.nKind > kInSlot ? spot.nHead : GetHash()(spot.nHead, std::uint64_t(spot.nKind) << 32 | spot.nTail);
     return static_cast<std::size_t>(nHash) & (m_slots.size() - 1);
 }
 
@@ -81,10 +80,7 @@ std::uint32_t CFIVocabulary::CIndexMap::Find(std::u16string_view key, Spot & spo
     spot.nKind = static_cast<std::uint32_t>(std::min(n, kInSlot + 1));
     if (n > kInSlot)
     {
-        std::uint64_t nHash = m_nSeed;
-        for (std::size_t i = 0; i + 4 < n; i += 4)
-            nHash = Mix(nHash, LoadUnits(p + i));
-        spot.nHead = Mix(nHash, LoadUnits(p + n - 4));
+        spot.nHead = GetHash()(p, n * sizeof(char16_t));
         spot.nTail = static_cast<std::uint32_t>(n);
     }
     else if (n >= 4)

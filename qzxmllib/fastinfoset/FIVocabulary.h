@@ -129,6 +129,12 @@ private:
         /// True with the index of the key; false with dwIndex untouched if the key is absent.
         bool Find(std::u16string_view key, std::uint32_t & dwIndex) const noexcept;
         std::uint32_t Size() const noexcept { return static_cast<std::uint32_t>(m_ends.size()); }
+        /// What the map takes besides itself.
+        std::size_t CountOctets() const noexcept
+        {
+            return m_strKeys.capacity() * sizeof(char16_t) + m_ends.capacity() * sizeof(std::size_t) +
+                   m_slots.capacity() * sizeof(Slot);
+        }
         /// The key of an index.
         std::u16string_view Key(std::uint32_t dwIndex) const noexcept
         {
@@ -156,7 +162,6 @@ private:
         std::size_t FirstSlot(Spot const & spot) const noexcept;
         void Grow();
 
-        std::uint64_t m_nSeed;
         std::size_t m_nMost;
         /// All keys, one behind the other, and where each ends.
         std::u16string m_strKeys;

@@ -8,6 +8,7 @@
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
 #include "qzxmllib/fastinfoset/FastInfosetFormsInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/ThreadMemoryInternal.h"
 #include "qzxmllib/support/Utf8Internal.h"
 
 #include <algorithm>
@@ -98,7 +99,7 @@ public:
         for (std::uint32_t dwIndex = 1; dwIndex <= first.Size(); ++dwIndex)
             Enter(Number(first.Key(dwIndex)));
     }
-    bool IsLarge() const noexcept { return m_ids.Size() > kMostNamesKept; }
+    std::size_t CountOctets() const noexcept { return m_ids.CountOctets() + m_entries.capacity() * sizeof(Entry); }
 
 private:
     struct Entry
@@ -108,7 +109,7 @@ private:
     };
 
     /// What is kept from earlier documents must not take a place from this one.
-    static constexpr std::size_t kMostIds = CFIVocabulary::kMaxEntries + kMostNamesKept;
+    static constexpr std::size_t kMostIds = 2 * CFIVocabulary::kMaxEntries;
 
     CIndexMap m_ids{kMostIds};
     std::vector<Entry> m_entries;
@@ -140,8 +141,7 @@ struct CFastInfosetWriter::KnownName
     }
 };
 
-/// Kept by CThreadSpare.
-struct CFastInfosetWriter::Tables
+struct CFastInfosetWriter::Tables : IThreadKept
 {
     /// By the names that callers use.
     CNameCache<KnownName> knownElements;
@@ -159,10 +159,12 @@ struct CFastInfosetWriter::Tables
 
     Tables() {} // leaves the octets as they are
 
-    bool IsLarge() const noexcept
+    std::size_t CountOctets() const noexcept override
     {
-        return knownElements.IsLarge() || knownAttributes.IsLarge() || elementNames.IsLarge() ||
-               attributeNames.IsLarge() || prefixes.IsLarge() || namespaceNames.IsLarge() || localNames.IsLarge();
+        return sizeof *this + knownElements.CountOctets() + knownAttributes.CountOctets() +
+               elementNames.CountOctets() + attributeNames.CountOctets() + prefixes.CountOctets() +
+               namespaceNames.CountOctets() + localNames.CountOctets() + attributeValues.CountOctets() +
+               characterChunks.CountOctets();
     }
 
     /// A new document.
@@ -188,7 +190,7 @@ struct CFastInfosetWriter::Tables
 
 CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream)
     : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context),
-      m_spTables(CThreadSpare<Tables>::Take()), m_pOctets(m_spTables->abyOctets)
+      m_spTables(TakeFromThread<Tables>(ThreadKept_FastInfosetWriter)), m_pOctets(m_spTables->abyOctets)
 {
     m_pVocabulary = context.GetUseGeneratedVocabulary() ? context.GetVocabulary() : &CFIVocabulary::Smallest();
     m_spTables->Begin(*m_pVocabulary);
@@ -199,7 +201,7 @@ CFastInfosetWriter::~CFastInfosetWriter()
     // The base frees the records from the innermost one on, and the pending one owns all others.
     if (m_pPendingContext != nullptr)
         m_pContext = m_pPendingContext;
-    CThreadSpare<Tables>::GiveBack(std::move(m_spTables));
+    GiveBackToThread(ThreadKept_FastInfosetWriter, std::move(m_spTables));
 }
 
 /// Makes room for so many octets, at most kBlock, and gives it. The octets count when m_nUsed is raised.
@@ -480,7 +482,7 @@ void CFastInfosetWriter::WriteAttributeView(
             prefix = *FindPrefix(context, strUri).pAlias;
         KnownName const name = WriteName(kAttributeName, 0, prefix, strUri, strName);
         if (name.bWhole)
-            tables.knownAttributes.Keep(context.GetDeclarationsVersion(), strName, strUri) = name;
+            tables.knownAttributes.Keep(context.GetDeclarationsVersion(), strName, strUri, name);
     }
     WriteAttributeValue(value, eType);
 }
@@ -534,7 +536,7 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
         CNameCache<KnownName> & known = m_spTables->knownElements;
         std::uint64_t const nVersion = context.GetDeclarationsVersion();
         if (name.bWhole && known.Find(nVersion, context.m_strName, context.m_strNamespace) == nullptr)
-            known.Keep(nVersion, context.m_strName, context.m_strNamespace) = name;
+            known.Keep(nVersion, context.m_strName, context.m_strNamespace, name);
     }
     m_pContext = m_pPendingContext;
     m_pPendingContext = nullptr;

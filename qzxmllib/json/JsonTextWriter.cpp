@@ -6,6 +6,7 @@
 #include "qzxmllib/json/JsonTextInternal.h"
 #include "qzxmllib/support/EqualTextInternal.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/support/ThreadMemoryInternal.h"
 
 #include <algorithm>
 #include <cassert>
@@ -89,10 +90,12 @@ constexpr std::uint64_t kNoDeclarations = ~std::uint64_t(0);
 
 } // namespace
 
-/// Kept by CThreadSpare.
-struct CJsonTextWriter::NameCaches
+struct CJsonTextWriter::NameCaches : IThreadKept
 {
-    bool IsLarge() const noexcept { return elements.IsLarge() || attributes.IsLarge(); }
+    std::size_t CountOctets() const noexcept override
+    {
+        return sizeof *this + elements.CountOctets() + attributes.CountOctets();
+    }
 
     /// The name of a property with its quotes, the colon and one more quote.
     CNameCache<TwinText> elements;
@@ -105,14 +108,14 @@ struct CJsonTextWriter::NameCaches
 
 CJsonTextWriter::CJsonTextWriter(CTextStream & stream)
     : CXmlWriter(u"CJsonTextWriter"), m_strIndentChars(u"\t"), m_strEOL(u"\n"), m_pStream(&stream),
-      m_spNames(CThreadSpare<NameCaches>::Take()), m_spBreak(std::make_unique<TwinText>())
+      m_spNames(TakeFromThread<NameCaches>(ThreadKept_JsonWriter)), m_spBreak(std::make_unique<TwinText>())
 {
     ForgetBreak();
 }
 
 CJsonTextWriter::~CJsonTextWriter()
 {
-    CThreadSpare<NameCaches>::GiveBack(std::move(m_spNames));
+    GiveBackToThread(ThreadKept_JsonWriter, std::move(m_spNames));
 }
 
 /// Where octets can be written, or null.
@@ -308,10 +311,11 @@ TwinText const * CJsonTextWriter::MakeHead(
         return nullptr;
     strHead.append(u"\": \"");
     auto & names = bAttribute ? m_spNames->attributes : m_spNames->elements;
-    TwinText & head = names.Keep(bFull ? context.GetDeclarationsVersion() : kNoDeclarations, strName, strUri);
+    TwinText head;
     head.strWide = std::move(strHead);
     head.Finish();
-    return &head;
+    return &names.Keep(
+        bFull ? context.GetDeclarationsVersion() : kNoDeclarations, strName, strUri, std::move(head));
 }
 
 /// Whether a property of the element would be the first thing in an array.

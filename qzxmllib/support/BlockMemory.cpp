@@ -1,6 +1,10 @@
 #include "qzxmllib/support/BlockMemoryInternal.h"
 
+#include "qzxmllib/support/ThreadMemoryInternal.h"
+
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <new>
 #include <sys/mman.h>
@@ -13,13 +17,10 @@ namespace
 
 constexpr std::size_t kSpareBlocks = 48;
 constexpr std::size_t kLargeOctets = 2 * 1024 * 1024; // the size of a large page as well
-constexpr std::size_t kLargestSpareBlock = 2 * kLargeOctets;
-constexpr std::size_t kMostSpareOctets = 16 * kLargeOctets;
 
 constexpr std::uintptr_t kPage = 4096;
 
-/// Outlives the blocks below, as outputs may still be destroyed when the thread has dropped them.
-thread_local bool t_bSparesGone = false;
+std::atomic<std::size_t> g_nLimit{4 * 1024 * 1024};
 
 constexpr std::uintptr_t RoundUp(std::uintptr_t n, std::uintptr_t nUnit)
 {
@@ -34,27 +35,122 @@ void FreeBlock(void * pBlock, std::size_t nOctets) noexcept
         ::operator delete(pBlock);
 }
 
-struct SpareBlocks
+/// What one thread keeps for its next read or write.
+class CThreadMemory
 {
-    struct Spare
+public:
+    CThreadMemory() = default;
+    CThreadMemory(CThreadMemory const &) = delete;
+    CThreadMemory & operator=(CThreadMemory const &) = delete;
+    ~CThreadMemory() { DropBlocks(m_nBlocks); }
+
+    /// A block of exactly this size, or null.
+    void * TakeBlock(std::size_t nOctets) noexcept
+    {
+        for (std::size_t i = m_nBlocks; i-- > 0;)
+        {
+            if (m_blocks[i].nOctets != nOctets)
+                continue;
+            void * const pBlock = m_blocks[i].pBlock;
+            std::copy(m_blocks.data() + i + 1, m_blocks.data() + m_nBlocks, m_blocks.data() + i);
+            --m_nBlocks;
+            m_nHeld -= nOctets;
+            return pBlock;
+        }
+        return nullptr;
+    }
+    /// False if the block is too large to be kept.
+    bool KeepBlock(void * pBlock, std::size_t nOctets) noexcept
+    {
+        if (!MakeRoom(nOctets))
+            return false;
+        if (m_nBlocks == kSpareBlocks)
+            DropBlocks(1);
+        m_blocks[m_nBlocks++] = {pBlock, nOctets};
+        m_nHeld += nOctets;
+        return true;
+    }
+    std::unique_ptr<IThreadKept> Take(ThreadKept eKind) noexcept
+    {
+        Kept & kept = m_kept[eKind];
+        m_nHeld -= std::exchange(kept.nOctets, 0);
+        return std::move(kept.sp);
+    }
+    void Keep(ThreadKept eKind, std::unique_ptr<IThreadKept> sp) noexcept
+    {
+        std::size_t const nOctets = sp->CountOctets();
+        // Writers that lie one inside the other come back in turn; one of them is enough.
+        bool const bTooMuch = nOctets > g_nLimit.load(std::memory_order_relaxed) / ThreadKept_Count;
+        if (bTooMuch || m_kept[eKind].sp != nullptr || !MakeRoom(nOctets))
+            return;
+        m_nHeld += nOctets;
+        m_kept[eKind] = {std::move(sp), nOctets};
+    }
+
+private:
+    struct Block
     {
         void * pBlock;
         std::size_t nOctets;
     };
-
-    ~SpareBlocks()
+    struct Kept
     {
-        t_bSparesGone = true;
-        for (std::size_t nIndex = 0; nIndex < nCount; ++nIndex)
-            FreeBlock(aSpares[nIndex].pBlock, aSpares[nIndex].nOctets);
+        std::unique_ptr<IThreadKept> sp;
+        std::size_t nOctets = 0;
+    };
+
+    /// Drops blocks until so many octets fit, if they can. The blocks given back longest ago go first.
+    bool MakeRoom(std::size_t nOctets) noexcept
+    {
+        std::size_t const nLimit = g_nLimit.load(std::memory_order_relaxed);
+        std::size_t nHeld = m_nHeld;
+        std::size_t nDrop = 0;
+        while (nDrop < m_nBlocks && (nHeld > nLimit || nOctets > nLimit - nHeld))
+            nHeld -= m_blocks[nDrop++].nOctets;
+        if (nHeld > nLimit || nOctets > nLimit - nHeld)
+            return false;
+        DropBlocks(nDrop);
+        return true;
+    }
+    void DropBlocks(std::size_t nBlocks) noexcept
+    {
+        for (std::size_t i = 0; i < nBlocks; ++i)
+        {
+            m_nHeld -= m_blocks[i].nOctets;
+            FreeBlock(m_blocks[i].pBlock, m_blocks[i].nOctets);
+        }
+        std::copy(m_blocks.data() + nBlocks, m_blocks.data() + m_nBlocks, m_blocks.data());
+        m_nBlocks -= nBlocks;
     }
 
-    Spare aSpares[kSpareBlocks];
-    std::size_t nCount = 0;
-    std::size_t nOctetsHeld = 0;
+    std::array<Block, kSpareBlocks> m_blocks;
+    std::size_t m_nBlocks = 0;
+    std::array<Kept, ThreadKept_Count> m_kept;
+    /// Octets of all blocks and of all that is kept besides.
+    std::size_t m_nHeld = 0;
 };
 
-thread_local SpareBlocks t_spares;
+// Trivial, so that they outlive everything that may still be given back while a thread ends.
+thread_local CThreadMemory * t_pThreadMemory = nullptr;
+thread_local bool t_bThreadEnds = false;
+
+/// Of the calling thread; null while the thread ends or if there is no memory for it.
+CThreadMemory * OfThread() noexcept
+{
+    struct Cleaner
+    {
+        ~Cleaner()
+        {
+            t_bThreadEnds = true;
+            delete std::exchange(t_pThreadMemory, nullptr);
+        }
+    };
+    if (t_pThreadMemory != nullptr || t_bThreadEnds)
+        return t_pThreadMemory;
+    static thread_local Cleaner const t_cleaner;
+    static_cast<void>(t_cleaner);
+    return t_pThreadMemory = new (std::nothrow) CThreadMemory;
+}
 
 /// A block straight from the platform, placed so that it can consist of large pages.
 void * MapLargeBlock(std::size_t nOctets)
@@ -68,8 +164,8 @@ void * MapLargeBlock(std::size_t nOctets)
     std::uintptr_t const nBlock = RoundUp(nMapped, kLargeOctets);
     if (nBlock != nMapped)
         ::munmap(pMapped, nBlock - nMapped);
-    if (std::size_t const nBehind = nMapped + kLargeOctets - nBlock)
-        ::munmap(reinterpret_cast<void *>(nBlock + nSize), nBehind);
+    if (std::size_t const nAfter = nMapped + kLargeOctets - nBlock)
+        ::munmap(reinterpret_cast<void *>(nBlock + nSize), nAfter);
     auto * const pBlock = reinterpret_cast<void *>(nBlock);
     AdviseLargePages(pBlock, nSize);
     return pBlock;
@@ -79,44 +175,46 @@ void * MapLargeBlock(std::size_t nOctets)
 
 void * TakeBlock(std::size_t nOctets)
 {
-    if (!t_bSparesGone)
-    {
-        SpareBlocks & spares = t_spares;
-        for (std::size_t nIndex = spares.nCount; nIndex-- > 0;)
-        {
-            if (spares.aSpares[nIndex].nOctets != nOctets)
-                continue;
-            void * const pBlock = spares.aSpares[nIndex].pBlock;
-            std::copy(spares.aSpares + nIndex + 1, spares.aSpares + spares.nCount, spares.aSpares + nIndex);
-            --spares.nCount;
-            spares.nOctetsHeld -= nOctets;
-            return pBlock;
-        }
-    }
+    CThreadMemory * const pMemory = OfThread();
+    if (void * const pBlock = pMemory != nullptr ? pMemory->TakeBlock(nOctets) : nullptr)
+        return pBlock;
     return nOctets >= kLargeOctets ? MapLargeBlock(nOctets) : ::operator new(nOctets);
 }
 
 void GiveBackBlock(void * pBlock, std::size_t nOctets) noexcept
 {
     // Blocks of odd sizes are not asked for again.
-    if (!t_bSparesGone && nOctets <= kLargestSpareBlock && (nOctets & (nOctets - 1)) == 0)
-    {
-        SpareBlocks & spares = t_spares;
-        // What was given back longest ago makes room.
-        std::size_t nOld = 0;
-        while (spares.nCount - nOld == kSpareBlocks || nOctets > kMostSpareOctets - spares.nOctetsHeld)
-        {
-            SpareBlocks::Spare const & old = spares.aSpares[nOld++];
-            spares.nOctetsHeld -= old.nOctets;
-            FreeBlock(old.pBlock, old.nOctets);
-        }
-        std::copy(spares.aSpares + nOld, spares.aSpares + spares.nCount, spares.aSpares);
-        spares.nCount -= nOld;
-        spares.aSpares[spares.nCount++] = {pBlock, nOctets};
-        spares.nOctetsHeld += nOctets;
-        return;
-    }
-    FreeBlock(pBlock, nOctets);
+    bool const bUsual = (nOctets & (nOctets - 1)) == 0;
+    CThreadMemory * const pMemory = bUsual ? OfThread() : nullptr;
+    if (pMemory == nullptr || !pMemory->KeepBlock(pBlock, nOctets))
+        FreeBlock(pBlock, nOctets);
+}
+
+std::unique_ptr<IThreadKept> TakeKept(ThreadKept eKind) noexcept
+{
+    CThreadMemory * const pMemory = OfThread();
+    return pMemory != nullptr ? pMemory->Take(eKind) : nullptr;
+}
+
+void GiveBackKept(ThreadKept eKind, std::unique_ptr<IThreadKept> sp) noexcept
+{
+    if (CThreadMemory * const pMemory = OfThread())
+        pMemory->Keep(eKind, std::move(sp));
+}
+
+void SetThreadMemoryLimit(std::size_t nOctets) noexcept
+{
+    g_nLimit.store(nOctets, std::memory_order_relaxed);
+}
+
+std::size_t GetThreadMemoryLimit() noexcept
+{
+    return g_nLimit.load(std::memory_order_relaxed);
+}
+
+void TrimMemory() noexcept
+{
+    delete std::exchange(t_pThreadMemory, nullptr);
 }
 
 void AdviseLargePages(void * p, std::size_t nOctets) noexcept

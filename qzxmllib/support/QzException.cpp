@@ -3,6 +3,22 @@
 namespace QzXmlLib16
 {
 
+namespace
+{
+
+/// While a single link of a chain is cloned, copies take no cause.
+thread_local bool t_bCloningLink = false;
+
+struct CLinkScope
+{
+    CLinkScope() noexcept { t_bCloningLink = true; }
+    CLinkScope(CLinkScope const &) = delete;
+    CLinkScope & operator=(CLinkScope const &) = delete;
+    ~CLinkScope() { t_bCloningLink = false; }
+};
+
+} // namespace
+
 CQzException::CQzException() = default;
 
 CQzException::CQzException(std::u16string strMessage) : m_strMessage(std::move(strMessage)) {}
@@ -27,8 +43,20 @@ CQzException::CQzException(std::u16string strMessage, std::u16string strPath, CQ
 
 CQzException::CQzException(CQzException const & other)
     : m_strMessage(other.m_strMessage), m_strPath(other.m_strPath),
-      m_pInnerException(other.m_pInnerException != nullptr ? other.m_pInnerException->Clone() : nullptr)
+      m_pInnerException(t_bCloningLink ? nullptr : CloneChain(other.m_pInnerException))
 {
+}
+
+/// Link by link, as a chain has one for each level of a deep object: Clone alone would recurse along it.
+CQzException * CQzException::CloneChain(CQzException const * pLink)
+{
+    CQzException holder;
+    for (CQzException * pLast = &holder; pLink != nullptr; pLink = pLink->m_pInnerException)
+    {
+        CLinkScope const scope;
+        pLast = pLast->m_pInnerException = pLink->Clone();
+    }
+    return std::exchange(holder.m_pInnerException, nullptr);
 }
 
 CQzException & CQzException::operator=(CQzException const & other)

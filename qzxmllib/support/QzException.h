@@ -46,8 +46,12 @@ private:
     std::u16string m_strPath;
     friend struct CExceptionChain;
 
+    static CQzException * CloneChain(CQzException const * pLink);
+
     /// A private copy, made by Clone.
     CQzException * m_pInnerException = nullptr;
+    /// Made by CExceptionChain for a throw; never true of a copy.
+    bool m_bWrapper = false;
 };
 
 /// The document does not agree with the metadata of a class. Carries the path of the node at fault, or that of the

@@ -1,0 +1,52 @@
+#include "qzxmllib/support/ThreadStackInternal.h"
+
+#include "qzxmllib/support/QzException.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <pthread.h>
+
+namespace QzXmlLib16
+{
+
+namespace
+{
+
+constexpr std::uintptr_t kReserve = 32 * 1024;
+
+/// The lowest address of the thread's stack. 0 before the first question, and 1 if it cannot be found out.
+thread_local std::uintptr_t t_nStackEnd = 0;
+
+[[gnu::noinline]] std::uintptr_t FindStackEnd() noexcept
+{
+    t_nStackEnd = 1;
+#if defined(__linux__)
+    pthread_attr_t attributes;
+    if (::pthread_getattr_np(::pthread_self(), &attributes) == 0)
+    {
+        void * pEnd = nullptr;
+        std::size_t nSize = 0;
+        if (::pthread_attr_getstack(&attributes, &pEnd, &nSize) == 0)
+            t_nStackEnd = reinterpret_cast<std::uintptr_t>(pEnd);
+        ::pthread_attr_destroy(&attributes);
+    }
+#endif
+    return t_nStackEnd;
+}
+
+} // namespace
+
+bool IsStackLow() noexcept
+{
+    std::uintptr_t const nEnd = t_nStackEnd != 0 ? t_nStackEnd : FindStackEnd();
+    // An address outside the stack that the platform knows gives a difference that is large.
+    return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) - nEnd < kReserve;
+}
+
+void RequireStack()
+{
+    if (IsStackLow())
+        throw CQzException(u"The stack of this thread is too small for objects that are nested this deeply.");
+}
+
+} // namespace QzXmlLib16
