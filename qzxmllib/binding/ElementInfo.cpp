@@ -260,11 +260,11 @@ bool CElementInfo::ElementToXmlCol(
     CSmartPtr<CXmlCollectionBase> const spCollection = CollectionToWrite(pClass, pWriter);
     if (spCollection->GetCount() < 1)
         return false;
-    pWriter->SetArrayState(1);
+    pWriter->BeginCollection();
     CXmlObjectBase const * const pObject = spCollection->GetBase();
     CNamespaceLoan const loan(*pWriter, m_strElementNamespace);
     pObject->ToXml_Int(pWriter, false, m_strElementNamespace.c_str(), ctx, false);
-    pWriter->SetArrayState(3);
+    pWriter->EndCollection();
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <typeinfo>
 #include <utility>
 
 namespace QzXmlLib16
@@ -75,7 +76,8 @@ void CTextStream::Close() {}
 
 void CTextStream::Flush()
 {
-    if (m_eEncoding == XmlEncoding_UTF8 && !m_bStayWide)
+    // A class derived from this one finds all text in its buffer.
+    if (m_eEncoding == XmlEncoding_UTF8 && !m_bStayWide && typeid(*this) == typeid(CTextStream))
         m_bStayWide = !EncodePending();
 }
 

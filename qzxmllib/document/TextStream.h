@@ -16,7 +16,7 @@ class COctetChain;
 
 /// Collects the text that a writer produces and gives it back as text or, by its encoding, as octets. Lives for one
 /// output on one thread. With XmlEncoding_UTF8 each full stretch is kept as octets only, so the wide text is never
-/// held whole.
+/// held whole; in a class derived from this one all text stays in m_buffer.
 class QZXMLLIB_API CTextStream : public CInstanceMonitor
 {
 public:

@@ -78,6 +78,48 @@ struct Care
 #endif
 };
 
+/// The length of the reference at the start of a text, to a character or to one of the entities that XML declares; 0
+/// if there is none.
+std::size_t ReferenceLength(std::u16string_view text)
+{
+    constexpr std::u16string_view kEntities[] = {u"&amp;", u"&lt;", u"&gt;", u"&quot;", u"&apos;"};
+    for (std::u16string_view const entity : kEntities)
+        if (text.substr(0, entity.size()) == entity)
+            return entity.size();
+    if (text.substr(0, 2) != u"&#")
+        return 0;
+    bool const bHex = text.size() > 2 && text[2] == u'x';
+    std::size_t const nFirst = bHex ? 3 : 2;
+    std::uint32_t nCode = 0;
+    std::size_t i = nFirst;
+    for (; i < text.size() && nCode <= 0x10FFFF; ++i)
+    {
+        char16_t const c = text[i];
+        std::uint32_t nDigit = 16;
+        if (c >= u'0' && c <= u'9')
+            nDigit = c - u'0';
+        else if (bHex && (c | 32) >= u'a' && (c | 32) <= u'f')
+            nDigit = static_cast<std::uint32_t>((c | 32) - u'a' + 10);
+        else
+            break;
+        nCode = nCode * (bHex ? 16 : 10) + nDigit;
+    }
+    bool const bCharacter = nCode == 9 || nCode == 10 || nCode == 13 || (nCode >= 32 && nCode < 0xD800) ||
+                            (nCode >= 0xE000 && nCode <= 0x10FFFF && nCode != 0xFFFE && nCode != 0xFFFF);
+    return i > nFirst && i < text.size() && text[i] == u';' && bCharacter ? i + 1 : 0;
+}
+
+/// Whether a text is well-formed as it stands between the quotes of an attribute.
+bool CanStandInQuotes(std::u16string_view text)
+{
+    if (text.find_first_of(u"<\"") != std::u16string_view::npos)
+        return false;
+    for (std::size_t i = text.find(u'&'); i != std::u16string_view::npos; i = text.find(u'&', i + 1))
+        if (ReferenceLength(text.substr(i)) == 0)
+            return false;
+    return true;
+}
+
 /// Text up to this length is written together with its tags.
 constexpr std::size_t kLongestInOnePiece = 1024;
 
@@ -268,8 +310,22 @@ void CXmlTextWriter::PutDeclaration(std::u16string const & strAlias, std::u16str
     Put(u"xmlns:");
     Put(UpToZero(strAlias));
     Put(u"=\"");
-    Put(UpToZero(strUri));
+    PutUri(strUri);
     Put(u"\"");
+}
+
+/// A URI in quotes goes out as it stands: references in it are meant as such. One that would end the quotes or the tag
+/// is written so that it is read back.
+void CXmlTextWriter::PutUri(std::u16string_view uri)
+{
+    uri = UpToZero(uri);
+    if (CanStandInQuotes(uri))
+        return Put(uri);
+    for (std::size_t i = 0; i < uri.size(); ++i)
+        if (uri[i] == u'&' && ReferenceLength(uri.substr(i)) != 0)
+            Put(u"&");
+        else
+            WriteEscaped(uri.substr(i, 1), true);
 }
 
 void CXmlTextWriter::WriteEscaped(std::u16string_view text, bool bAttribute)
@@ -289,6 +345,12 @@ void CXmlTextWriter::WriteEscaped(std::u16string_view text, bool bAttribute)
                 Put(bAttribute ? escape.inAttribute : escape.inText);
         text.remove_prefix(nPlain + 1);
     }
+}
+
+/// Whether nobody has overridden what the operations on views would bypass.
+inline bool CXmlTextWriter::IsOwnClass() const noexcept
+{
+    return typeid(*this) == typeid(CXmlTextWriter);
 }
 
 void CXmlTextWriter::StartDocument()
@@ -391,7 +453,7 @@ void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16s
         if (!m_strDefaultNamespace.empty())
         {
             Put(u" xmlns=\"");
-            Put(UpToZero(m_strDefaultNamespace));
+            PutUri(m_strDefaultNamespace);
             Put(u"\"");
         }
         for (auto const & [strEntryUri, strEntryAlias] : m_mapNamespaces)
@@ -405,12 +467,20 @@ void CXmlTextWriter::WriteStartElement(std::u16string const & strName, std::u16s
     FlushIfFull();
 }
 
-void CXmlTextWriter::WriteText(std::u16string const & strText, ItemType eType)
+void CXmlTextWriter::WriteText(std::u16string const & strText, ItemType)
 {
-    CXmlTextWriter::WriteTextView(strText, eType);
+    PutContent(strText);
 }
 
-void CXmlTextWriter::WriteTextView(std::u16string_view text, ItemType)
+void CXmlTextWriter::WriteTextView(std::u16string_view text, ItemType eType)
+{
+    if (IsOwnClass())
+        PutContent(text);
+    else
+        CXmlWriter::WriteTextView(text, eType);
+}
+
+void CXmlTextWriter::PutContent(std::u16string_view text)
 {
     CXmlWriterContext & context = RequireContext();
     if (text.empty())
@@ -461,13 +531,22 @@ void CXmlTextWriter::WriteEndElement()
 }
 
 void CXmlTextWriter::WriteAttribute(
-    std::u16string const & strName, std::u16string const & strUri, std::u16string const & strValue, ItemType eType)
+    std::u16string const & strName, std::u16string const & strUri, std::u16string const & strValue, ItemType)
 {
-    CXmlTextWriter::WriteAttributeView(strName, strUri, strValue, eType);
+    PutAttributeOf(strName, strUri, strValue);
 }
 
 void CXmlTextWriter::WriteAttributeView(
-    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType)
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
+{
+    if (IsOwnClass())
+        PutAttributeOf(strName, strUri, value);
+    else
+        CXmlWriter::WriteAttributeView(strName, strUri, value, eType);
+}
+
+void CXmlTextWriter::PutAttributeOf(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value)
 {
     CXmlWriterContext & context = RequireStartTag();
     if (WriteShortAttribute(context, strName, strUri, value))

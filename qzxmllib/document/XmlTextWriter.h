@@ -53,6 +53,11 @@ public:
     /// One level of indentation, a tab at first.
     std::u16string const & GetIndentChars() const noexcept { return m_strIndentChars; }
     void SetIndentChars(std::u16string const & strIndentChars);
+    /// Null counts as empty.
+    void SetIndentChars(char16_t const * pszIndentChars)
+    {
+        SetIndentChars(pszIndentChars != nullptr ? std::u16string(pszIndentChars) : std::u16string());
+    }
 
     /// Writes the XML declaration. Only with no element open.
     void WriteHeader();
@@ -83,6 +88,10 @@ private:
     template <class To>
     void PutIndent(To & to, std::int32_t nDepth);
     std::size_t IndentUnits(CXmlWriterContext const & context) const;
+    bool IsOwnClass() const noexcept;
+    void PutContent(std::u16string_view text);
+    void PutAttributeOf(std::u16string const & strName, std::u16string const & strUri, std::u16string_view value);
+    void PutUri(std::u16string_view uri);
     void PutDeclaration(std::u16string const & strAlias, std::u16string const & strUri);
     void WriteEscaped(std::u16string_view text, bool bAttribute);
     void FlushIfFull();

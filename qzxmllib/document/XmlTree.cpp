@@ -136,8 +136,8 @@ CXmlNameRecord const & CXmlNameTable::Add(
     record.strLocalName = std::move(strLocalName);
     record.strNamespaceURI = std::move(strNamespaceURI);
     record.pDocument = m_pDoc;
-    m_nTextOctets += record.strKey.size() +
-                     (record.strLocalName.size() + record.strNamespaceURI.size()) * sizeof(char16_t);
+    m_nTextOctets +=
+        record.strKey.size() + (record.strLocalName.size() + record.strNamespaceURI.size()) * sizeof(char16_t);
     if (EqualText(record.strNamespaceURI, XsiNamespace()) || EqualText(record.strNamespaceURI, kXmlnsNamespace))
     {
         record.bNilAttribute = record.strLocalName == u"nil";

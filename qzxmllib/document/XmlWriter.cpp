@@ -213,7 +213,6 @@ void CXmlWriter::CXmlWriterContext::CutInnerScopes()
         inner.own.swap(whole);
         inner.pOuter = nullptr;
         inner.Renew();
-        return;
     }
 }
 
@@ -284,11 +283,23 @@ void CXmlWriter::SetArrayState(std::int32_t eState) noexcept
     if (m_pContext == nullptr)
         return;
     std::int32_t & eNow = m_pContext->m_eArrayState;
-    if (eState == 1 && eNow >= 2)
-        eState = 4; // an array, finished or holding the collection's items, is still to be closed
-    else if (eState == 3 && eNow < 2)
-        eState = 0; // no array is open
+    if (eState == 1 && eNow == 3)
+        eState = 4; // the finished array is still to be closed
+    else if (eState == 3 && eNow == 1)
+        eState = 0; // no array was opened
     eNow = eState;
+}
+
+void CXmlWriter::BeginCollection() noexcept
+{
+    if (m_pContext != nullptr)
+        m_pContext->m_eArrayState = m_pContext->m_eArrayState >= 2 ? 4 : 1;
+}
+
+void CXmlWriter::EndCollection() noexcept
+{
+    if (m_pContext != nullptr)
+        m_pContext->m_eArrayState = m_pContext->m_eArrayState >= 2 ? 3 : 0;
 }
 
 CXmlWriter::CXmlWriterContext & CXmlWriter::PushContext(std::u16string const & strName, std::u16string const & strUri)

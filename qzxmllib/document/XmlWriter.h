@@ -35,6 +35,8 @@ public:
     };
 
     /// One open element. An element without declarations of its own reads those of its nearest ancestor that has some.
+    /// A writer of the application's own makes records with PushContext and ends them with PopContext, or makes its own
+    /// with the constructors and, before it deletes one, takes the parent by DetachParent.
     class QZXMLLIB_API CXmlWriterContext : public CInstanceMonitor
     {
     public:
@@ -175,10 +177,14 @@ public:
 
     /// An alias that is no value of the map: "AA" to "ZZ", then three letters, and so on. It is not stored.
     static std::u16string GenerateNamespaceAlias(CNamespaceMap const & namespaces);
-    /// Tells the open element how far the array of its collection is: 0 none, 1 about to be written, 2 opened,
-    /// 3 finished. The writer closes a finished array later, so announcing one behind it, or inside an item that has no
-    /// element of its own, stores 4; finishing one that is not open stores 0. Does nothing with no element open.
+    /// Stores in the open element how far the array of its collection is: 0 none, 1 about to be written, 2 opened,
+    /// 3 finished. The writer closes a finished array later, so 1 over 3 becomes 4, and 3 over 1, where no array was
+    /// opened, becomes 0. Does nothing with no element open.
     void SetArrayState(std::int32_t eState) noexcept;
+    /// SetArrayState with 1 and 3 around the items of a collection, wherever it stands: inside an item that has no
+    /// element of its own the array of the outer collection is kept.
+    void BeginCollection() noexcept;
+    void EndCollection() noexcept;
 
     /// The innermost open element, or null.
     CXmlWriterContext const * GetContext() const noexcept { return m_pContext; }

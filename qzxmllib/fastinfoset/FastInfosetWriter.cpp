@@ -161,10 +161,9 @@ struct CFastInfosetWriter::Tables : IThreadKept
 
     std::size_t CountOctets() const noexcept override
     {
-        return sizeof *this + knownElements.CountOctets() + knownAttributes.CountOctets() +
-               elementNames.CountOctets() + attributeNames.CountOctets() + prefixes.CountOctets() +
-               namespaceNames.CountOctets() + localNames.CountOctets() + attributeValues.CountOctets() +
-               characterChunks.CountOctets();
+        return sizeof *this + knownElements.CountOctets() + knownAttributes.CountOctets() + elementNames.CountOctets() +
+               attributeNames.CountOctets() + prefixes.CountOctets() + namespaceNames.CountOctets() +
+               localNames.CountOctets() + attributeValues.CountOctets() + characterChunks.CountOctets();
     }
 
     /// A new document.
@@ -319,10 +318,24 @@ void CFastInfosetWriter::WriteStartElement(std::u16string const & strName, std::
 
 void CFastInfosetWriter::WriteText(std::u16string const & strText, ItemType eType)
 {
-    CFastInfosetWriter::WriteTextView(strText, eType);
+    PutContent(strText, eType);
+}
+
+/// Whether nobody has overridden what the operations on views would bypass.
+inline bool CFastInfosetWriter::IsOwnClass() const noexcept
+{
+    return typeid(*this) == typeid(CFastInfosetWriter);
 }
 
 void CFastInfosetWriter::WriteTextView(std::u16string_view text, ItemType eType)
+{
+    if (IsOwnClass())
+        PutContent(text, eType);
+    else
+        CXmlWriter::WriteTextView(text, eType);
+}
+
+void CFastInfosetWriter::PutContent(std::u16string_view text, ItemType eType)
 {
     FlushStartElement(false);
     CXmlWriterContext & context = RequireContext();
@@ -463,10 +476,19 @@ void CFastInfosetWriter::WriteEndElement()
 void CFastInfosetWriter::WriteAttribute(
     std::u16string const & strName, std::u16string const & strUri, std::u16string const & strValue, ItemType eType)
 {
-    CFastInfosetWriter::WriteAttributeView(strName, strUri, strValue, eType);
+    PutAttributeOf(strName, strUri, strValue, eType);
 }
 
 void CFastInfosetWriter::WriteAttributeView(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
+{
+    if (IsOwnClass())
+        PutAttributeOf(strName, strUri, value, eType);
+    else
+        CXmlWriter::WriteAttributeView(strName, strUri, value, eType);
+}
+
+void CFastInfosetWriter::PutAttributeOf(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
     CXmlWriterContext & context = RequireAttributes();

@@ -52,6 +52,10 @@ public:
         ItemType eType) override;
 
 private:
+    bool IsOwnClass() const noexcept;
+    void PutContent(std::u16string_view text, ItemType eType);
+    void PutAttributeOf(
+        std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType);
     /// What is known of a name.
     struct KnownName;
     struct Tables;

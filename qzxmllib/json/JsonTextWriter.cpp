@@ -39,6 +39,29 @@ struct Escape
 constexpr Escape kEscapes[] = {
     {u'"', u"\\\""}, {u'\\', u"\\\\"}, {8, u"\\b"}, {9, u"\\t"}, {10, u"\\n"}, {12, u"\\f"}, {13, u"\\r"}};
 
+/// Whether a text is the content of a JSON string as it stands, escapes included.
+bool CanStandInString(std::u16string_view text)
+{
+    auto const isHex = [](char16_t c) { return (c >= u'0' && c <= u'9') || ((c | 32) >= u'a' && (c | 32) <= u'f'); };
+    for (std::size_t i = 0; i < text.size(); ++i)
+    {
+        if (text[i] < 32 || text[i] == u'"')
+            return false;
+        if (text[i] != u'\\')
+            continue;
+        char16_t const c = ++i < text.size() ? text[i] : u'\0';
+        if (c == u'u')
+        {
+            std::u16string_view const digits = text.substr(i + 1, 4);
+            if (digits.size() != 4 || !std::all_of(digits.begin(), digits.end(), isHex))
+                return false;
+        }
+        else if (c == 0 || std::u16string_view(u"\"\\/bfnrt").find(c) == std::u16string_view::npos)
+            return false;
+    }
+    return true;
+}
+
 /// Numbers and boolean values go out without quotes.
 bool IsUnquoted(ItemType eType) noexcept
 {
@@ -171,7 +194,7 @@ inline void CJsonTextWriter::PutBreak(std::int32_t nDepth)
 void CJsonTextWriter::PutRaw(std::u16string_view text)
 {
     if (m_bStrict)
-        WriteEscaped(text);
+        WriteEscaped(text, true);
     else
         Put(UpToZero(text));
 }
@@ -201,7 +224,11 @@ void CJsonTextWriter::PutDeclaration(
         PutRaw(*pAlias);
     }
     Put(u"\": \"");
-    PutRaw(strUri);
+    std::u16string_view const uri = UpToZero(strUri);
+    if (!m_bStrict && CanStandInString(uri))
+        Put(uri);
+    else
+        WriteEscaped(uri, true);
     Put(u'"');
     m_bObjectPending = false;
 }
@@ -215,7 +242,8 @@ void CJsonTextWriter::PutRootDeclarations(CXmlWriterContext & context)
             PutDeclaration(context, &strAlias, strUri);
 }
 
-void CJsonTextWriter::WriteEscaped(std::u16string_view text)
+/// Without bAll line feeds and carriage returns go out as line ends.
+void CJsonTextWriter::WriteEscaped(std::u16string_view text, bool bAll)
 {
     for (;;)
     {
@@ -225,7 +253,7 @@ void CJsonTextWriter::WriteEscaped(std::u16string_view text)
             return;
         char16_t const c = text[nPlain];
         text.remove_prefix(nPlain + 1);
-        if (!m_bStrict && (c == u'\n' || c == u'\r'))
+        if (!bAll && (c == u'\n' || c == u'\r'))
         {
             if (c == u'\n')
                 Put(m_strEOL);
@@ -252,7 +280,7 @@ void CJsonTextWriter::WriteValue(std::u16string_view text, ItemType eType)
         return;
     }
     Put(u'"');
-    WriteEscaped(text);
+    WriteEscaped(text, m_bStrict);
     Put(u'"');
 }
 
@@ -314,8 +342,7 @@ TwinText const * CJsonTextWriter::MakeHead(
     TwinText head;
     head.strWide = std::move(strHead);
     head.Finish();
-    return &names.Keep(
-        bFull ? context.GetDeclarationsVersion() : kNoDeclarations, strName, strUri, std::move(head));
+    return &names.Keep(bFull ? context.GetDeclarationsVersion() : kNoDeclarations, strName, strUri, std::move(head));
 }
 
 /// Whether a property of the element would be the first thing in an array.
@@ -379,6 +406,12 @@ template <bool bAttribute>
     return true;
 }
 
+/// Whether nobody has overridden what the operations on views would bypass.
+inline bool CJsonTextWriter::IsOwnClass() const noexcept
+{
+    return typeid(*this) == typeid(CJsonTextWriter);
+}
+
 void CJsonTextWriter::StartDocument()
 {
     CXmlWriter::StartDocument();
@@ -411,7 +444,7 @@ void CJsonTextWriter::WriteComment(std::u16string const & strText)
     if (m_bStrict)
         return;
     Put(u"/* ");
-    WriteEscaped(strText);
+    WriteEscaped(strText, m_bStrict);
     Put(u" */");
     Put(m_strEOL);
     FlushIfFull();
@@ -446,6 +479,8 @@ void CJsonTextWriter::OpenArrayOf(CXmlWriterContext & item)
 void CJsonTextWriter::CloseArray(CXmlWriterContext & holder)
 {
     holder.m_eArrayState = ArrayState_None;
+    if (m_nArrays == 0)
+        return; // a state that the application has set, and no array
     if (m_bFormat)
     {
         PutBreak(holder.m_nDepth);
@@ -469,6 +504,8 @@ void CJsonTextWriter::FinishArray(CXmlWriterContext & holder, bool bElementFollo
 /// Items of an array have no names of their own, so all of them must have the name of the first.
 bool CJsonTextWriter::IsNextItem(std::u16string const & strName, std::u16string const & strUri) const
 {
+    if (m_nArrays == 0)
+        return false;
     ItemName const & first = m_arrays[m_nArrays - 1];
     return EqualText(strName, first.strName) && (m_eRoundTrip != JsonRoundTrip_Full || EqualText(strUri, first.strUri));
 }
@@ -605,10 +642,18 @@ void CJsonTextWriter::WriteElementView(
 
 void CJsonTextWriter::WriteText(std::u16string const & strText, ItemType eType)
 {
-    CJsonTextWriter::WriteTextView(strText, eType);
+    PutContent(strText, eType);
 }
 
 void CJsonTextWriter::WriteTextView(std::u16string_view text, ItemType eType)
+{
+    if (IsOwnClass())
+        PutContent(text, eType);
+    else
+        CXmlWriter::WriteTextView(text, eType);
+}
+
+void CJsonTextWriter::PutContent(std::u16string_view text, ItemType eType)
 {
     CXmlWriterContext & context = RequireContext();
     FinishArray(context, false);
@@ -655,10 +700,19 @@ void CJsonTextWriter::WriteEndElement()
 void CJsonTextWriter::WriteAttribute(
     std::u16string const & strName, std::u16string const & strUri, std::u16string const & strValue, ItemType eType)
 {
-    CJsonTextWriter::WriteAttributeView(strName, strUri, strValue, eType);
+    PutAttributeOf(strName, strUri, strValue, eType);
 }
 
 void CJsonTextWriter::WriteAttributeView(
+    std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
+{
+    if (IsOwnClass())
+        PutAttributeOf(strName, strUri, value, eType);
+    else
+        CXmlWriter::WriteAttributeView(strName, strUri, value, eType);
+}
+
+void CJsonTextWriter::PutAttributeOf(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
     CXmlWriterContext & context = RequireContext();
@@ -706,7 +760,7 @@ void CJsonTextWriter::SetEOL(EOLType eEOLType)
 
 void CJsonTextWriter::SetIndentChars(char16_t const * pszIndentChars)
 {
-    m_strIndentChars = pszIndentChars;
+    m_strIndentChars = OrEmpty(pszIndentChars);
     ForgetBreak();
 }
 

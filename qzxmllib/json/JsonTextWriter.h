@@ -100,13 +100,17 @@ private:
     void ForgetBreak();
     void PutBreak(std::int32_t nDepth);
     void PutRaw(std::u16string_view text);
+    bool IsOwnClass() const noexcept;
+    void PutContent(std::u16string_view text, ItemType eType);
+    void PutAttributeOf(
+        std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType);
     void PutName(std::u16string_view mark, std::u16string const * pAlias, std::u16string const & strName);
     void PutDeclaration(CXmlWriterContext & context, std::u16string const * pAlias, std::u16string const & strUri);
     void PutRootDeclarations(CXmlWriterContext & context);
     void WriteElementName(CXmlWriterContext & context);
     void WriteSeparator(CXmlWriterContext & context);
     void WriteValue(std::u16string_view text, ItemType eType);
-    void WriteEscaped(std::u16string_view text);
+    void WriteEscaped(std::u16string_view text, bool bAll);
     std::u16string const & RequireAlias(
         CXmlWriterContext const & context, std::u16string const & strUri, std::u16string const & strName) const;
     void OpenArrayOf(CXmlWriterContext & item);

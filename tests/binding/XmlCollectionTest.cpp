@@ -1,7 +1,9 @@
 #include "tests/support/Listener.h"
 #include "tests/support/TableClass.h"
 
+#include <functional>
 #include <random>
+#include <utility>
 
 using namespace QzXmlLib16;
 
@@ -48,6 +50,55 @@ TEST_F(XmlCollectionTest, EveryPlaceToAdd)
     EXPECT_EQ(Order(), "abcde");
     m_spCol->Clear();
     ExpectThrows<CQzInvalidParamException>([&] { m_spCol->Remove(0); }, u"Index 0 is out of range, use 0 - -1");
+}
+
+/// Listeners that change the collection they hear of.
+TEST_F(XmlCollectionTest, ListenersMayChangeTheCollection)
+{
+    for (char16_t const * name : {u"a", u"b", u"c"})
+        m_spCol->AppendItem(New(name));
+    CListener listener;
+    m_spCol->AddEventListener(&listener);
+    bool bActs = true;
+    auto const once = [&](std::function<void()> act)
+    {
+        bActs = true;
+        listener.m_action = [&bActs, act]
+        {
+            if (std::exchange(bActs, false))
+                act();
+        };
+    };
+    once([&] { m_spCol->Remove(1); }); // the item that is about to go
+    ExpectThrows<CQzInvalidParamException>([&] { m_spCol->Remove(1); }, u"The object was not found in the collection");
+    EXPECT_EQ(Order(), "ac");
+    once([&] { m_spCol->Clear(); }); // with the memory of the node
+    ExpectThrows<CQzInvalidParamException>([&] { m_spCol->Remove(1); }, u"The object was not found in the collection");
+    EXPECT_EQ(Order(), "");
+
+    for (bool const bAfter : {true, false})
+    {
+        CTableClass * const pPlace = New(u"p");
+        m_spCol->AppendItem(pPlace);
+        once([&] { m_spCol->Remove(0); });
+        CSmartPtr<CTableClass> const spNew(New(u"n"));
+        ExpectThrows<CQzInvalidParamException>([&]
+            { bAfter ? m_spCol->AddAfterItem(pPlace, spNew) : m_spCol->AddBeforeItem(pPlace, spNew); },
+            u"The object was not found in the collection");
+        EXPECT_EQ(Order(), "");
+    }
+
+    listener.m_action = nullptr;
+    m_spCol->AppendItem(New(u"x"));
+    bActs = true;
+    listener.m_action = [&]
+    {
+        if (m_spCol->GetCount() == 0 && std::exchange(bActs, false))
+            m_spCol->AppendItem(New(u"again")), bActs = true;
+    };
+    ExpectThrows<CQzInvalidStateException>(
+        [&] { m_spCol->Clear(); }, u"The collection can not be cleared, a listener adds items again and again");
+    m_spCol->RemoveEventListener(&listener);
 }
 
 TEST_F(XmlCollectionTest, KeepsItsOrderWhileItGrowsAndShrinks)

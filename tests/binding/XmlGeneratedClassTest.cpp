@@ -1,3 +1,4 @@
+#include "qzxmllib/binding/Element.h"
 #include "tests/support/BigStack.h"
 #include "tests/support/TableClass.h"
 
@@ -115,18 +116,85 @@ TEST(XmlGeneratedClassTest, UnknownGroupType)
         [&] { spObject->ToXml(); }, u"Failed to convert the element [r] to XML\nUnknown XML Group Type");
 }
 
-TEST(XmlGeneratedClassTest, DeepObjectsAreReadAndWritten)
+/// A class that may hold one of itself.
+CTableSchema & Recursive()
 {
     static CTableSchema s_schema;
     if (s_schema.m_nProperties == 0)
         s_schema.Element<CElementInfoSeqClsOpt>(
             u"r", XmlElementType_Element,
-            [](int, char16_t const *) { return CSmartPtr<CXmlObjectBase>(new CTableClass(s_schema)); }, 0);
+            [](int, char16_t const *) { return CSmartPtr<CXmlObjectBase>(new CTableClass(Recursive())); }, 0);
+    return s_schema;
+}
+
+CSmartPtr<CTableClass> MakeChain(int nLevels)
+{
+    CSmartPtr<CTableClass> spRoot(new CTableClass(Recursive()));
+    for (CTableClass * pLast = spRoot; --nLevels > 0;)
+    {
+        CSmartPtr<CTableClass> const spNext(new CTableClass(Recursive()));
+        (*pLast)[0].SetXmlObject(spNext.Get());
+        pLast = spNext;
+    }
+    return spRoot;
+}
+
+constexpr char16_t kTooSmall[] = u"The stack of this thread is too small for objects that are nested this deeply.";
+
+/// Objects that are nested more deeply than the stack of the thread allows end in a failure, or go all the same.
+TEST(XmlGeneratedClassTest, SmallStacks)
+{
+    std::string const strXml = Repeated<std::string>("<r>", 9000) + Repeated<std::string>("</r>", 9000);
+    for (std::size_t const nKilobytes : {64u, 128u, 512u})
+        OnStack(
+            [&strXml]
+            {
+                auto const failsWithSmallStack = [](auto && call)
+                {
+                    try
+                    {
+                        call();
+                    }
+                    catch (CQzException const & e)
+                    {
+                        return e.GetFullMessage().find(kTooSmall) != std::u16string::npos;
+                    }
+                    return false;
+                };
+                CSmartPtr<CTableClass> spObject = MakeChain(9000);
+                EXPECT_TRUE(failsWithSmallStack([&] { spObject->ToXml(); }));
+                CSmartPtr<CTableClass> const spRead(new CTableClass(Recursive()));
+                EXPECT_TRUE(failsWithSmallStack([&] { spRead->FromXml(strXml.c_str()); }));
+                CSmartPtr<CElement> const spElement(new CElement(u"r"));
+                spElement->FromXml(Wide(strXml).c_str());
+                EXPECT_TRUE(failsWithSmallStack([&] { spElement->ToXml(); }));
+                EXPECT_EQ(spElement->Clone()->GetName(), u"r");
+                spObject = nullptr;
+            },
+            nKilobytes * 1024);
+    EXPECT_EQ(LiveCount("CElement"), 0);
+}
+
+TEST(XmlGeneratedClassTest, CyclesEndInAFailure)
+{
+    OnStack(
+        []
+        {
+            CSmartPtr<CTableClass> const spObject(new CTableClass(Recursive()));
+            (*spObject)[0].SetXmlObject(spObject.Get());
+            EXPECT_NE(ResultOf([&] { return spObject->ToXml(); }).find(kTooSmall), std::u16string::npos);
+            (*spObject)[0] = QzVariant();
+        },
+        1u << 20);
+}
+
+TEST(XmlGeneratedClassTest, DeepObjectsAreReadAndWritten)
+{
     std::string const strXml = Repeated<std::string>("<r>", 9999) + "<r/>" + Repeated<std::string>("</r>", 9999);
     OnStack(
         [&strXml]
         {
-            CSmartPtr<CTableClass> const spObject(new CTableClass(s_schema));
+            CSmartPtr<CTableClass> const spObject(new CTableClass(Recursive()));
             spObject->FromXml(strXml.c_str());
             EXPECT_EQ(XmlOf(*spObject), strXml);
             ExpectThrows<CQzException>([&] { spObject->FromXml(("<r>" + strXml + "</r>").c_str()); },

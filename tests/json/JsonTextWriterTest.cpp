@@ -28,7 +28,11 @@ struct Calls
     {
         return writer.WriteText(pszText, eType), *this;
     }
-    Calls const & Array(int eState) const { return writer.SetArrayState(eState), *this; }
+    Calls const & Array(int eState) const
+    {
+        return eState == 1 ? writer.BeginCollection() : writer.EndCollection(), *this;
+    }
+    Calls const & State(int eState) const { return writer.SetArrayState(eState), *this; }
     Calls const & End() const { return writer.WriteEndElement(), *this; }
     Calls const & Leaf(char16_t const * pszName, char16_t const * pszText, char16_t const * pszUri = u"") const
     {
@@ -178,6 +182,22 @@ Case const kCases[] = {
     {"Arrays", Arrays, Json("{'r': {'a': [null,1],'b': [{'c': ['x']}],'#text': 't','d': ['y']}}")},
     {"ArraysInArrays", ArraysInArrays,
         Json("{'r': {'a': ['0'],'x': '1','y': ['2'],'x': '3','x': ['4'],'y': ['5','6'],'z': ['7'],'e': '8'}}")},
+    {"StatesWithoutArrays",
+        [](Calls const & w)
+        {
+            w.Start(u"r").State(2).Leaf(u"a", u"1").State(3).Leaf(u"b", u"2").State(1).State(3).Leaf(u"c", u"3");
+            w.State(4).Leaf(u"d", u"4").State(2).End();
+        },
+        Json("{'r': {'a': ['1'],'b': '2','c': '3','d': ['4']}}")},
+    {"UrisThatWouldBeMarkup",
+        [](Calls const & w)
+        {
+            w.writer.AddNamespace(u"p", u"x\",\n\"y");
+            w.writer.AddNamespace(u"q", u"a\\u0041\\/b");
+            w.writer.AddNamespace(u"s", u"c\\d");
+            w.Start(u"r").End();
+        },
+        Json("{'r': {'@xmlns:q': 'a\\u0041\\/b','@xmlns:s': 'c\\\\d','@xmlns:p': 'x\\',\\n\\'y'}}")},
     {"UnlikeNames", UnlikeNames, Json("{'r': {'@xmlns:p': 'urn:p','x': ['1'],'y': ['2','3'],'p:y': ['4']}}")},
     {"UnlikeNamesDropped", UnlikeNames, Json("{'r': {'x': ['1'],'y': ['2','3','4']}}"), kPlain, kAttributes},
 };

@@ -10,12 +10,12 @@ constexpr std::size_t kStack = 8u << 20;
 constexpr std::size_t kStack = 256u << 20;
 #endif
 
-/// Runs the function on a thread with a stack of kStack octets.
-inline void OnStack(std::function<void()> run)
+/// Runs the function on a thread with a stack of its own.
+inline void OnStack(std::function<void()> run, std::size_t nStack = kStack)
 {
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStack), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, nStack), 0);
     pthread_t thread;
     auto * const pfnStart = +[](void * pRun) -> void *
     {

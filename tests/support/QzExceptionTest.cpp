@@ -1,5 +1,6 @@
 #include "qzxmllib/support/QzException.h"
 
+#include "tests/support/BigStack.h"
 #include "tests/support/TestText.h"
 
 #include <memory>
@@ -34,6 +35,15 @@ TEST(QzExceptionTest, TheInnerFailureKeepsItsClassAndOutlivesTheCallers)
     ASSERT_NE(pMiddle, nullptr);
     EXPECT_NE(dynamic_cast<CQzInvalidValueException const *>(pMiddle->GetInnerException()), nullptr);
     EXPECT_NE(dynamic_cast<CQzOverFlowException const *>(pMiddle->GetInnerException()->GetInnerException()), nullptr);
+}
+
+/// Chains are as long as objects are deep.
+TEST(QzExceptionTest, LongChainsAreCopied)
+{
+    CQzException first(u"0");
+    for (int n = 1; n < 3000; ++n)
+        first = CQzException(u"n", first);
+    OnStack([&first] { EXPECT_EQ(CQzException(first).GetFullMessage().size(), 2 * 3000u - 1); }, 64 * 1024);
 }
 
 TEST(QzExceptionTest, CopiesHaveChainsOfTheirOwn)
