@@ -122,6 +122,16 @@ void ReplaceAttributes(std::atomic<CAttributeCol *> & slot, CAttributeCol * pNew
 
 } // namespace
 
+CReadLimits CReadLimits::Strict() noexcept
+{
+    CReadLimits limits;
+    limits.nMaxDepth = 256;
+    limits.nMaxAmplification = 10;
+    limits.nMaxInflatedOctets = 64 * 1024 * 1024;
+    limits.bAllowDocumentType = false;
+    return limits;
+}
+
 CSerializationContext::CSerializationContext() = default;
 
 CSerializationContext::CSerializationContext(CSerializationContext const & other) : CSerializationContext()

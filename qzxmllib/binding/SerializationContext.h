@@ -49,17 +49,26 @@ private:
 };
 
 /// What a stranger's document may demand. A limit of 0 means that there is none.
-struct CReadLimits
+struct QZXMLLIB_API CReadLimits
 {
     /// Levels of nested elements in XML text and Fast Infoset. Deeper input throws CQzException. Beyond this, JSON is
     /// read to a depth of 100 always.
     std::uint32_t nMaxDepth = 10000;
-    /// 16-bit units of text for each octet of input, counted once nMaxAmplifiedUnits are reached.
+    /// 16-bit units of text for each octet of input, counted once nMaxAmplifiedUnits are reached. Attributes count with
+    /// the memory that they take besides.
     std::uint32_t nMaxAmplification = 100;
     /// 16-bit units of text that are allowed whatever the size of the input.
     std::uint64_t nMaxAmplifiedUnits = 67108864;
     /// Octets that compressed input may decompress to.
     std::uint64_t nMaxInflatedOctets = 0xFFFFFFFF;
+    /// Levels of general entities that refer to each other. The parser recurses along them.
+    std::uint32_t nMaxEntityDepth = 64;
+    /// False refuses every document type declaration.
+    bool bAllowDocumentType = true;
+
+    /// Limits for input of strangers: no document type, a depth of 256, an amplification of 10 and 64 MiB of inflated
+    /// octets.
+    static CReadLimits Strict() noexcept;
 };
 
 /// The options of every read and write. Threads may share a context that nobody changes. FromJson... changes a context

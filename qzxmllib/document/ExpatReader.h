@@ -5,6 +5,7 @@
 #include "qzxmllib/support/MemoryLeakHelp.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <memory>
 
@@ -13,7 +14,9 @@ struct XML_ParserStruct;
 namespace QzXmlLib16
 {
 
+class CEntityDepth;
 class CParserMemory;
+class CSurrogateCheck;
 
 /// Turns the events of the XML parser into the tree of a document. Call Init, then Parse for each piece of the input;
 /// after the last piece or a failure the reader can only be destroyed.
@@ -31,6 +34,10 @@ public:
     void Parse(unsigned char const * pOctets, std::size_t nOctets, bool bFinal);
 
 private:
+    static void StartDocumentTypeHandler(
+        void * pThis, char const * pszName, char const * pszSystemId, char const * pszPublicId, int bInternalSubset);
+    static void EntityHandler(void * pThis, char const * pszName, int bParameter, char const * pValue, int nOctets,
+        char const * pszBase, char const * pszSystemId, char const * pszPublicId, char const * pszNotation);
     static void StartElementHandler(void * pThis, char const * pszName, char const ** ppszAttributes);
     static void EndElementHandler(void * pThis, char const * pszName);
     static void StartNamespaceHandler(void * pThis, char const * pszPrefix, char const * pszUri);
@@ -43,6 +50,9 @@ private:
     void Guard(F const & handle);
     void Fail();
     void CheckDepth() const;
+    int GetLine() const;
+    void CountAttribute(std::size_t nOctets);
+    void CheckSurrogates(unsigned char const * pOctets, std::size_t nOctets, bool bFinal);
     bool HoldText(char const * pText, std::size_t nOctets) noexcept;
     void FlushText();
     void AppendMark(char16_t const * pMark);
@@ -52,6 +62,13 @@ private:
     std::unique_ptr<CParserMemory> m_spMemory;
     XML_ParserStruct * m_parser = nullptr;
     std::size_t m_nMaxDepth = 0;
+    std::uint32_t m_nMaxEntityDepth = 0;
+    bool m_bAllowDocumentType = true;
+    std::unique_ptr<CEntityDepth> m_spEntityDepth; ///< null before the first declaration
+    /// Units of attributes so far, and octets of input.
+    std::uint64_t m_nAttributeUnits = 0;
+    std::uint64_t m_nInput = 0;
+    std::unique_ptr<CSurrogateCheck> m_spSurrogates; ///< null unless the input is UTF-16
     /// What a handler has thrown. No exception passes through the frames of the parser.
     std::exception_ptr m_pFailure;
 

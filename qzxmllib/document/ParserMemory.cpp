@@ -70,9 +70,20 @@ void * CParserMemory::Take(std::size_t nOctets)
     return m_pFirst + std::exchange(m_nUsed, m_nUsed + nRounded);
 }
 
+/// Counts octets that the parser is about to get, or refuses them.
+bool CParserMemory::MayHold(std::size_t nOctets) noexcept
+{
+    m_bBeyondLimit = m_nHeld > m_nLimit || nOctets > m_nLimit - m_nHeld;
+    if (!m_bBeyondLimit)
+        m_nHeld += nOctets;
+    return !m_bBeyondLimit;
+}
+
 void * CParserMemory::Allocate(std::size_t nOctets) noexcept
 {
     if (nOctets > std::numeric_limits<std::size_t>::max() - sizeof(Head))
+        return nullptr;
+    if (t_pMemory != nullptr && !t_pMemory->MayHold(nOctets))
         return nullptr;
     try
     {
@@ -112,6 +123,8 @@ void CParserMemory::Free(void * p) noexcept
     if (p == nullptr)
         return;
     Head * const pHead = static_cast<Head *>(p) - 1;
+    if (t_pMemory != nullptr)
+        t_pMemory->m_nHeld -= pHead->nOctets;
     if (pHead->ePlace == Head::Place_Heap)
         std::free(pHead);
     else if (pHead->ePlace == Head::Place_Large)

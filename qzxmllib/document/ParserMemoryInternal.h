@@ -18,6 +18,10 @@ public:
 
     static XML_Memory_Handling_Suite const * GetFunctions() noexcept;
 
+    /// The octets that the parser may hold. It fails for want of memory when it asks for more.
+    void SetLimit(std::size_t nOctets) noexcept { m_nLimit = nOctets; }
+    bool IsBeyondLimit() const noexcept { return m_bBeyondLimit; }
+
     /// Makes the parsers of this thread take memory here.
     class Use
     {
@@ -38,9 +42,13 @@ private:
     static void * Reallocate(void * p, std::size_t nOctets) noexcept;
     static void Free(void * p) noexcept;
     void * Take(std::size_t nOctets);
+    bool MayHold(std::size_t nOctets) noexcept;
 
     unsigned char * m_pFirst = nullptr;
     std::size_t m_nUsed = 0;
+    std::size_t m_nHeld = 0;
+    std::size_t m_nLimit = ~std::size_t(0);
+    bool m_bBeyondLimit = false;
 };
 
 /// A number that nobody can foresee, for the hash tables of a parser.

@@ -87,10 +87,10 @@ CXmlDocument::~CXmlDocument()
 void CXmlDocument::Cleanup()
 {
     if (m_pDocumentElement != nullptr)
-    {
         m_pTree->DestroyAll(std::exchange(m_pDocumentElement, nullptr));
+    // A load that failed before its root may have left text and names.
+    if (m_pTree->HoldsMemory())
         m_pTree = std::make_unique<CXmlTree>(*this);
-    }
     m_pData.reset();
     m_nDataLength = 0;
     m_pElementStack.clear();

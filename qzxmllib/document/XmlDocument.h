@@ -27,9 +27,11 @@ QZXMLLIB_API void AsyncFromXmlFile(bool bAsync);
 /// again or destroyed; equal pointers mean equal names.
 struct CXmlName
 {
+    explicit CXmlName(std::u16string const & strUri) : strNamespaceURI(strUri) {}
+
     std::u16string strLocalName;
-    /// Empty for no namespace.
-    std::u16string strNamespaceURI;
+    /// Empty for no namespace. Belongs to the table of names, which keeps each URI once.
+    std::u16string const & strNamespaceURI;
     CXmlDocument * pDocument = nullptr;
     /// What CXmlAttribute::IsNamespaceAttribute and IsNilAttribute answer for attributes of this name.
     bool bNamespaceAttribute = false;
@@ -38,6 +40,7 @@ struct CXmlName
     mutable std::uint64_t nEntry = 0;
 };
 
+class CPathNames;
 struct XmlRuns;
 
 /// What a node keeps outside the memory of its document. The document has all of it in a ring, so that the nodes need
@@ -212,6 +215,7 @@ private:
     friend class CXmlDocument;
     friend class CXmlTree;
     friend class CFastInfosetReader;
+    friend class CPathNames;
 
     /// The attributes once somebody asked for a vector of them.
     struct AttributeVector : XmlOwned
@@ -313,6 +317,7 @@ private:
     friend class CExpatReader;
     friend class CFastInfosetReader;
     friend class CXmlElement;
+    friend class CPathNames;
 
     // What the readers build with. Forms that take a CXmlName save the search for the name.
     CXmlName const & InternName(std::u16string_view namespaceURI, std::u16string_view localName);

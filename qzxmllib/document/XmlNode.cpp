@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace QzXmlLib16
 {
@@ -18,6 +21,77 @@ CInstanceName g_xmlElementName(u"CXmlElement");
 CInstanceName g_xmlAttributeName(u"CXmlAttribute");
 
 } // namespace
+
+/// The names in a path. The aliases are brought into order by URI once, as a document may have many of them.
+class CPathNames
+{
+public:
+    explicit CPathNames(CXmlDocument const & document)
+    {
+        // The first alias of a URI in ascending order stands for it.
+        for (auto const & [strAlias, strUri] : document.m_mapNamespaces)
+            m_aliases.emplace(strUri, &strAlias);
+    }
+
+    /// "alias:", or nothing.
+    std::u16string AliasPrefixOf(std::u16string const & strUri) const
+    {
+        auto const it = strUri.empty() ? m_aliases.end() : m_aliases.find(strUri);
+        return it != m_aliases.end() && !it->second->empty() ? *it->second + u":" : std::u16string();
+    }
+    std::u16string QNameOf(CXmlName const & name) const { return AliasPrefixOf(name.strNamespaceURI) + name.strLocalName; }
+    std::u16string PathOf(CXmlElement const & element) const
+    {
+        std::vector<CXmlElement const *> path;
+        for (CXmlElement const * p = &element; p != nullptr; p = p->m_pParent)
+            path.push_back(p);
+        std::u16string strPath;
+        for (auto it = path.rbegin(); it != path.rend(); ++it)
+            strPath += u"/" + StepOf(**it);
+        return strPath;
+    }
+    /// The name, with its position if siblings have the same.
+    std::u16string StepOf(CXmlElement const & element) const
+    {
+        std::u16string const strName = QNameOf(*element.m_pName);
+        if (element.m_pParent == nullptr)
+            return strName;
+        std::unordered_map<CXmlName const *, bool> namesakes{{element.m_pName, true}};
+        auto const isNamesake = [&](CXmlName const & name)
+        {
+            // The end of the name, which most siblings settle by.
+            std::u16string const & strLocal = name.strLocalName;
+            if (strLocal.size() > strName.size() ||
+                strName.compare(strName.size() - strLocal.size(), strLocal.size(), strLocal) != 0)
+                return false;
+            auto const [it, bNew] = namesakes.try_emplace(&name, false);
+            if (bNew)
+                it->second = QNameOf(name) == strName;
+            return it->second;
+        };
+        CXmlName const * pLastName = element.m_pName;
+        bool bNamesake = true;
+        int nNamesakes = 0;
+        int nPosition = 0;
+        for (CXmlElement const * p = element.m_pParent->m_pFirstChild; p != nullptr; p = p->m_pNextSibling)
+        {
+            // Siblings mostly come in runs of one name.
+            if (p->m_pName != pLastName)
+            {
+                pLastName = p->m_pName;
+                bNamesake = isNamesake(*pLastName);
+            }
+            if (bNamesake)
+                ++nNamesakes;
+            if (p == &element)
+                nPosition = nNamesakes;
+        }
+        return nNamesakes > 1 ? FormatString(u"%s[%d]", strName, nPosition) : strName;
+    }
+
+private:
+    std::unordered_map<std::u16string_view, std::u16string const *> m_aliases;
+};
 
 std::u16string & CXmlText::String(XmlOwned & ring)
 {
@@ -72,14 +146,8 @@ std::u16string const & CXmlAttribute::GetValue() const
 
 std::u16string CXmlAttribute::GetXPath() const
 {
-    std::u16string strPath = m_pElement->GetXPath() + u"/";
-    if (!GetNamespaceURI().empty())
-    {
-        std::u16string const strAlias = m_pElement->GetDocument()->LookupAliasFromNamespace(GetNamespaceURI().c_str());
-        if (!strAlias.empty())
-            strPath += strAlias + u":";
-    }
-    return strPath + u"@" + GetLocalName();
+    CPathNames const names(*m_pElement->GetDocument());
+    return names.PathOf(*m_pElement) + u"/" + names.AliasPrefixOf(GetNamespaceURI()) + u"@" + GetLocalName();
 }
 
 CXmlElement::CXmlElement(CXmlName const & name, CXmlElement * pParent)
@@ -130,13 +198,7 @@ std::u16string const & CXmlElement::GetAttribute(char16_t const * localName, cha
 
 std::u16string CXmlElement::GetXPath() const
 {
-    std::vector<CXmlElement const *> path;
-    for (CXmlElement const * p = this; p != nullptr; p = p->m_pParent)
-        path.push_back(p);
-    std::u16string strPath;
-    for (auto it = path.rbegin(); it != path.rend(); ++it)
-        strPath += u"/" + (*it)->GetNameWithPredicate();
-    return strPath;
+    return CPathNames(*GetDocument()).PathOf(*this);
 }
 
 void CXmlElement::AppendText(char16_t const * pText)
@@ -199,35 +261,12 @@ CXmlElement * CXmlElement::RemoveLastChildElement(CXmlElement * pBefore)
 
 std::u16string CXmlElement::GetQName() const
 {
-    if (GetNamespaceURI().empty())
-        return GetLocalName();
-    std::u16string const strAlias = GetDocument()->LookupAliasFromNamespace(GetNamespaceURI().c_str());
-    return strAlias.empty() ? GetLocalName() : strAlias + u":" + GetLocalName();
+    return CPathNames(*GetDocument()).QNameOf(*m_pName);
 }
 
 std::u16string CXmlElement::GetNameWithPredicate() const
 {
-    std::u16string const strName = GetQName();
-    if (m_pParent == nullptr)
-        return strName;
-    // Siblings mostly come in runs of one name, which is looked up once.
-    CXmlName const * pLastName = m_pName;
-    bool bNamesake = true;
-    int nNamesakes = 0;
-    int nPosition = 0;
-    for (CXmlElement const * p = m_pParent->m_pFirstChild; p != nullptr; p = p->m_pNextSibling)
-    {
-        if (p->m_pName != pLastName)
-        {
-            pLastName = p->m_pName;
-            bNamesake = pLastName == m_pName || p->GetQName() == strName;
-        }
-        if (bNamesake)
-            ++nNamesakes;
-        if (p == this)
-            nPosition = nNamesakes;
-    }
-    return nNamesakes > 1 ? FormatString(u"%s[%d]", strName, nPosition) : strName;
+    return CPathNames(*GetDocument()).StepOf(*this);
 }
 
 } // namespace QzXmlLib16

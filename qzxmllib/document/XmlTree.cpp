@@ -53,6 +53,8 @@ constexpr std::u16string_view kNamespaceAttributes[] = {
 
 constexpr std::size_t kFirstSlots = 64;
 constexpr std::size_t kMostNamesKept = 512;
+/// A longer beginning of a key is shared.
+constexpr std::size_t kLongKeyStart = 256;
 
 std::u16string Widen(std::string_view text)
 {
@@ -101,10 +103,9 @@ void CXmlNameTable::SetDocument(CXmlDocument & doc) noexcept
 
 CXmlNameRecord const & CXmlNameTable::AddFromParser(std::string_view strKey, std::uint64_t nHash)
 {
-    std::size_t const nBar = strKey.find('|');
-    if (nBar == std::string_view::npos)
-        return Add(std::string(strKey), nHash, std::u16string(), Widen(strKey));
-    return Add(std::string(strKey), nHash, Widen(strKey.substr(0, nBar)), Widen(strKey.substr(nBar + 1)));
+    std::size_t const nStart = KeyStart(strKey);
+    std::u16string const strUri = nStart != 0 ? Widen(strKey.substr(0, nStart - 1)) : std::u16string();
+    return Add(strKey, nStart, nHash, strUri, Widen(strKey.substr(nStart)));
 }
 
 CXmlName const & CXmlNameTable::FromText(std::u16string_view namespaceURI, std::u16string_view localName)
@@ -114,15 +115,32 @@ CXmlName const & CXmlNameTable::FromText(std::u16string_view namespaceURI, std::
     std::string strKey(1, '\xFF');
     AppendOctets(strKey, &nUnits, sizeof nUnits);
     AppendOctets(strKey, namespaceURI.data(), namespaceURI.size() * sizeof(char16_t));
+    std::size_t const nStart = strKey.size();
     AppendOctets(strKey, localName.data(), localName.size() * sizeof(char16_t));
     std::uint64_t const nHash = Hash(strKey);
     if (CXmlNameRecord const * const pRecord = Find(strKey, nHash))
         return *pRecord;
-    return Add(std::move(strKey), nHash, std::u16string(namespaceURI), std::u16string(localName));
+    return Add(strKey, nStart, nHash, namespaceURI, std::u16string(localName));
 }
 
-CXmlNameRecord const & CXmlNameTable::Add(
-    std::string strKey, std::uint64_t nHash, std::u16string strNamespaceURI, std::u16string strLocalName)
+/// The one copy of a text.
+template <class String>
+String const & CXmlNameTable::Share(
+    std::unordered_map<std::basic_string_view<typename String::value_type>, std::unique_ptr<String>, TextHash> & shared,
+    std::basic_string_view<typename String::value_type> text)
+{
+    auto const it = shared.find(text);
+    if (it != shared.end())
+        return *it->second;
+    auto spText = std::make_unique<String>(text);
+    String const & strText = *spText;
+    shared.emplace(strText, std::move(spText));
+    m_nTextOctets += sizeof(String) + text.size() * sizeof(typename String::value_type);
+    return strText;
+}
+
+CXmlNameRecord const & CXmlNameTable::Add(std::string_view strKey, std::size_t nStart, std::uint64_t nHash,
+    std::u16string_view namespaceURI, std::u16string strLocalName)
 {
     if (m_records.size() >= m_slots.size() / 2)
     {
@@ -131,13 +149,15 @@ CXmlNameRecord const & CXmlNameTable::Add(
             if (slot.pRecord != nullptr)
                 Place(*slot.pRecord, slot.nHash);
     }
-    CXmlNameRecord & record = m_records.emplace_back();
-    record.strKey = std::move(strKey);
+    std::u16string const & strUri = Share(m_uris, namespaceURI);
+    std::string const * const pKeyStart = nStart > kLongKeyStart ? &Share(m_keyStarts, strKey.substr(0, nStart)) : nullptr;
+    std::string strOwnKey(pKeyStart != nullptr ? strKey.substr(nStart) : strKey);
+    CXmlNameRecord & record = m_records.emplace_back(strUri);
+    record.strKey = std::move(strOwnKey);
+    record.pKeyStart = pKeyStart;
     record.strLocalName = std::move(strLocalName);
-    record.strNamespaceURI = std::move(strNamespaceURI);
     record.pDocument = m_pDoc;
-    m_nTextOctets +=
-        record.strKey.size() + (record.strLocalName.size() + record.strNamespaceURI.size()) * sizeof(char16_t);
+    m_nTextOctets += record.strKey.size() + record.strLocalName.size() * sizeof(char16_t);
     if (EqualText(record.strNamespaceURI, XsiNamespace()) || EqualText(record.strNamespaceURI, kXmlnsNamespace))
     {
         record.bNilAttribute = record.strLocalName == u"nil";

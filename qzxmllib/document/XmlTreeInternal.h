@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace QzXmlLib16
@@ -49,7 +50,20 @@ struct XmlRuns
 /// A name with the octets under which it is found: what the parser calls it, or a form of its own for other readers.
 struct CXmlNameRecord : CXmlName
 {
+    using CXmlName::CXmlName;
+
+    bool Is(std::string_view key) const noexcept
+    {
+        if (pKeyStart == nullptr)
+            return strKey == key;
+        return key.size() == pKeyStart->size() + strKey.size() && key.substr(0, pKeyStart->size()) == *pKeyStart &&
+               key.substr(pKeyStart->size()) == strKey;
+    }
+
+    /// The key, or the end of a long one. Then it is a local name, which no key is as a whole.
     std::string strKey;
+    /// The beginning of a long key, which the names of one namespace share.
+    std::string const * pKeyStart = nullptr;
     /// The name that the parser gave behind this one when it last did.
     mutable CXmlNameRecord const * pNext = nullptr;
 };
@@ -70,7 +84,8 @@ public:
         if (pLast != nullptr && pLast->pNext != nullptr && std::strcmp(pLast->pNext->strKey.c_str(), pszRaw) == 0)
             return *(m_pLast = pLast->pNext);
         CXmlNameRecord const & record = FindFromParser(pszRaw);
-        if (pLast != nullptr)
+        // A part of a key is no match for a whole one.
+        if (pLast != nullptr && record.pKeyStart == nullptr)
             pLast->pNext = &record;
         return *(m_pLast = &record);
     }
@@ -80,9 +95,8 @@ public:
     {
         std::uint64_t const nHash = Hash(strRaw);
         CXmlNameRecord const * const pRecord = Find(strRaw, nHash);
-        return pRecord != nullptr
-                   ? *pRecord
-                   : Add(std::string(strRaw), nHash, std::u16string(namespaceURI), std::u16string(localName));
+        return pRecord != nullptr ? *pRecord
+                                  : Add(strRaw, KeyStart(strRaw), nHash, namespaceURI, std::u16string(localName));
     }
     CXmlName const & FromText(std::u16string_view namespaceURI, std::u16string_view localName);
     /// Makes all names those of the document.
@@ -102,6 +116,16 @@ private:
         return pRecord != nullptr ? *pRecord : AddFromParser(strKey, nHash);
     }
 
+    struct TextHash
+    {
+        template <class Char>
+        std::size_t operator()(std::basic_string_view<Char> text) const noexcept
+        {
+            return static_cast<std::size_t>(hash(text.data(), text.size() * sizeof(Char)));
+        }
+        CKeyedHash hash;
+    };
+
     struct Slot
     {
         std::uint64_t nHash = 0;
@@ -114,19 +138,31 @@ private:
         std::size_t const nMask = m_slots.size() - 1;
         for (std::size_t i = nHash & nMask; m_slots[i].pRecord != nullptr; i = (i + 1) & nMask)
         {
-            if (m_slots[i].nHash == nHash && m_slots[i].pRecord->strKey.size() == strKey.size() &&
-                std::memcmp(m_slots[i].pRecord->strKey.data(), strKey.data(), strKey.size()) == 0)
+            if (m_slots[i].nHash == nHash && m_slots[i].pRecord->Is(strKey))
                 return m_slots[i].pRecord;
         }
         return nullptr;
     }
     CXmlNameRecord const & AddFromParser(std::string_view strKey, std::uint64_t nHash);
-    CXmlNameRecord const & Add(
-        std::string strKey, std::uint64_t nHash, std::u16string strNamespaceURI, std::u16string strLocalName);
+    /// The length of what all names of a namespace have in front in the parser's form.
+    static std::size_t KeyStart(std::string_view strRaw)
+    {
+        std::size_t const nBar = strRaw.find('|');
+        return nBar == std::string_view::npos ? 0 : nBar + 1;
+    }
+    CXmlNameRecord const & Add(std::string_view strKey, std::size_t nStart, std::uint64_t nHash,
+        std::u16string_view namespaceURI, std::u16string strLocalName);
+    template <class String>
+    String const & Share(std::unordered_map<std::basic_string_view<typename String::value_type>,
+                             std::unique_ptr<String>, TextHash> & shared,
+        std::basic_string_view<typename String::value_type> text);
     void Place(CXmlNameRecord const & record, std::uint64_t nHash);
 
     CXmlDocument * m_pDoc = nullptr;
     CKeyedHash m_hash;
+    /// Texts that several names share, each under itself.
+    std::unordered_map<std::u16string_view, std::unique_ptr<std::u16string>, TextHash> m_uris;
+    std::unordered_map<std::string_view, std::unique_ptr<std::string>, TextHash> m_keyStarts;
     std::deque<CXmlNameRecord> m_records;
     std::vector<Slot> m_slots;
     /// Of the keys and names, so far as they need memory of their own.
@@ -148,6 +184,8 @@ public:
     ~CXmlTree();
 
     CXmlNameTable & Names() { return *m_spNames; }
+    /// Whether there are nodes or text, or more names than are worth keeping for the next load.
+    bool HoldsMemory() const { return !m_blocks.empty() || m_spNames->CountOctets() > kMostOctetsOfNames; }
 
     /// While one lives, new nodes are counted together. For readers that run no code of the application meanwhile.
     class CountTogether
@@ -245,6 +283,7 @@ public:
         }
     }
 
+    static constexpr std::size_t kMostOctetsOfNames = 256 * 1024;
     /// Longer text lies in a string of its own, whose memory comes back when it grows.
     static constexpr std::size_t kLongestInBlock = 4096;
 
