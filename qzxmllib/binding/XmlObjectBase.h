@@ -60,9 +60,10 @@ public:
     virtual CXmlObjectBase * GetBase() = 0;
     CXmlObjectBase const * GetBase() const;
 
-    /// Writes a file. CompressionType_ZLib is refused before the file is created, and so are gzip data that would be
-    /// longer than the plain octets. Files of encoding UTF-16 begin with a byte order mark, also in front of compressed
-    /// data.
+    /// Writes a file. An existing one is replaced when the new one is complete, so that a failure leaves it as it was;
+    /// with AsyncToXmlFile it is overwritten as the object is walked, and a failure leaves a part. CompressionType_ZLib
+    /// is refused before the file is created, and so are gzip data that would be longer than the plain octets. Files of
+    /// encoding UTF-16 begin with a byte order mark, also in front of compressed data.
     virtual void ToXmlFile(char16_t const * fileName, bool includeHeader = true, bool formatted = true,
         XmlEncoding eEncoding = XmlEncoding_UTF8, EOLType eEOL = EOLType_LF,
         CSerializationContext const & ctx = CSerializationContext::GetDefaultContext(),

@@ -88,8 +88,8 @@ void CExpatReader::Parse(unsigned char const * pOctets, std::size_t nOctets, boo
     m_nInput += nOctets;
     CReadLimits const & limits = m_doc.GetContext().GetReadLimits();
     if (limits.nMaxAmplification != 0 && limits.nMaxAmplifiedUnits != 0)
-        m_spMemory->SetLimit(std::max(
-            limits.nMaxAmplifiedUnits * sizeof(char16_t), limits.nMaxAmplification * m_nInput));
+        m_spMemory->SetLimit(
+            std::max(limits.nMaxAmplifiedUnits * sizeof(char16_t), limits.nMaxAmplification * m_nInput));
     CParserMemory::Use const use(*m_spMemory);
     bool const bAlone = m_doc.m_pfnElementComplete == nullptr;
     std::optional<CXmlTree::CountTogether> together;
@@ -189,8 +189,8 @@ inline void CExpatReader::FlushText()
 void CExpatReader::CheckDepth() const
 {
     if (m_nMaxDepth != 0 && m_doc.m_pElementStack.size() >= m_nMaxDepth)
-        throw CQzException(FormatString(u"Elements are nested deeper than %d levels at line %d",
-            static_cast<int>(m_nMaxDepth), GetLine()));
+        throw CQzException(FormatString(
+            u"Elements are nested deeper than %d levels at line %d", static_cast<int>(m_nMaxDepth), GetLine()));
 }
 
 int CExpatReader::GetLine() const
@@ -206,7 +206,8 @@ inline void CExpatReader::CountAttribute(std::size_t nOctets)
     if (m_nAttributeUnits <= limits.nMaxAmplifiedUnits || limits.nMaxAmplifiedUnits == 0 ||
         limits.nMaxAmplification == 0 || m_nAttributeUnits <= m_nInput * limits.nMaxAmplification)
         return;
-    throw CQzException(FormatString(u"The attributes of the document are too large for its size at line %d", GetLine()));
+    throw CQzException(
+        FormatString(u"The attributes of the document are too large for its size at line %d", GetLine()));
 }
 
 /// The parser would read a high surrogate without a low one as another character; it finds lone low ones itself.
@@ -216,8 +217,8 @@ void CExpatReader::CheckSurrogates(unsigned char const * pOctets, std::size_t nO
         m_spSurrogates = CSurrogateCheck::ForStart(pOctets, nOctets);
     std::size_t const nLine = m_spSurrogates != nullptr ? m_spSurrogates->Take(pOctets, nOctets, bFinal) : 0;
     if (nLine != 0)
-        throw CQzException(FormatString(u"%s at line %d", DecodeParserText(XML_ErrorString(XML_ERROR_INVALID_TOKEN)),
-            static_cast<int>(nLine)));
+        throw CQzException(FormatString(
+            u"%s at line %d", DecodeParserText(XML_ErrorString(XML_ERROR_INVALID_TOKEN)), static_cast<int>(nLine)));
 }
 
 void CExpatReader::StartDocumentTypeHandler(void * pThis, char const *, char const *, char const *, int)

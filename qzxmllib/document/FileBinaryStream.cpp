@@ -3,6 +3,7 @@
 #include "qzxmllib/support/PlatformFileInternal.h"
 #include "qzxmllib/support/QzException.h"
 
+#include <string_view>
 #include <utility>
 
 namespace QzXmlLib16
@@ -22,20 +23,10 @@ CFileBinaryStream::~CFileBinaryStream() = default;
 
 void CFileBinaryStream::WriteToFile()
 {
-    static unsigned char const kByteOrderMark[] = {255, 254};
-    CPlatformFile file;
-    std::size_t nMark = 0;
-    std::size_t nPut = 0;
-    int nError = file.CreateExclusive(m_strFileName.c_str());
-    if (nError == 0 && (m_eEncoding == XmlEncoding_UTF16 || m_eEncoding == XmlEncoding_UTF16NoDecl))
-        nError = file.WriteAt(kByteOrderMark, sizeof kByteOrderMark, 0, nMark);
-    if (nError == 0)
-        nError = file.WriteAt(m_data.GetData(), m_data.GetLength(), nMark, nPut);
-    // Some file systems tell of a lost write only here.
-    int const nCloseError = file.Close();
-    if (nError == 0)
-        nError = nCloseError;
-    if (nError != 0)
+    bool const bWide = m_eEncoding == XmlEncoding_UTF16 || m_eEncoding == XmlEncoding_UTF16NoDecl;
+    std::string_view const mark(bWide ? "\xFF\xFE" : "");
+    std::string_view const octets(reinterpret_cast<char const *>(m_data.GetData()), m_data.GetLength());
+    if (int const nError = CPlatformFile::WriteWhole(m_strFileName.c_str(), {mark, octets}))
         throw CQzException(
             FormatString(u"Failed to write data to the file [%s] error [0x%08X]", m_strFileName, nError));
 }

@@ -16,8 +16,9 @@ public:
     CFileBinaryStream(std::u16string strFileName, XmlEncoding eEncoding, CBinaryData const & data);
     ~CFileBinaryStream() override;
 
-    /// Creates the file, replacing an existing one, and writes the octets, in the UTF-16 encodings behind a byte order
-    /// mark, whatever the octets are. Throws CQzException if anything is not written.
+    /// Writes the octets, in the UTF-16 encodings after a byte order mark, whatever the octets are. A regular file is
+    /// replaced by one that is complete, with its mode and owner. Throws CQzException if anything is not written; an
+    /// existing file is then as it was.
     void WriteToFile();
 
 private:

@@ -10,8 +10,8 @@ namespace QzXmlLib16
 {
 
 /// Text that goes to a file while it is produced, in constant memory. The file is created by Open, replacing an
-/// existing one, and complete when Close returns. After a failed write the file is closed; the stream can then only
-/// be destroyed.
+/// existing one, and complete when Close returns. After a failed write the file is closed and holds a part
+/// of the text, whatever it held before; the stream can then only be destroyed.
 class QZXMLLIB_API CFileTextStream : public CTextStream
 {
 public:

@@ -43,6 +43,13 @@ void CheckSize(std::size_t nOctets, char16_t const * pszKind)
         throw CQzException(FormatString(u"%s is too large!", pszKind));
 }
 
+[[noreturn]] void ThrowOpenFailure(char16_t const * pszFileName, int nError)
+{
+    if (nError == CPlatformFile::kNoRegularFile)
+        throw CQzException(FormatString(u"The file [%s] is a pipe, a socket or a device and is not read", pszFileName));
+    throw CQzException(FormatString(u"Failed to open the file [%s] Error [0x%08x]", OrEmpty(pszFileName), nError));
+}
+
 template <class Char>
 std::size_t LengthOf(Char const * pszText)
 {
@@ -166,7 +173,7 @@ void CXmlDocument::ReadWholeFile(char16_t const * pszFileName)
 {
     CPlatformFile file;
     if (int const nError = file.OpenSharedRead(pszFileName))
-        throw CQzException(FormatString(u"Failed to open the file [%s] Error [0x%08x]", pszFileName, nError));
+        ThrowOpenFailure(pszFileName, nError);
     std::uint64_t nSize = 0;
     int nError = file.Size(nSize);
     if (nError == 0 && nSize > kLongestInput)
@@ -199,7 +206,7 @@ void CXmlDocument::AsyncParse(char16_t const * pszFileName)
     m_pAsyncRead = std::make_unique<AsyncRead>();
     CloseAtEnd const closeAtEnd(*this);
     if (int const nError = m_pAsyncRead->file.OpenSharedRead(pszFileName))
-        throw CQzException(FormatString(u"Failed to open the file [%s] Error [0x%08x]", pszFileName, nError));
+        ThrowOpenFailure(pszFileName, nError);
     try
     {
         m_pData.reset(new unsigned char[kChunkOctets]);

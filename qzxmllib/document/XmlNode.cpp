@@ -39,7 +39,10 @@ public:
         auto const it = strUri.empty() ? m_aliases.end() : m_aliases.find(strUri);
         return it != m_aliases.end() && !it->second->empty() ? *it->second + u":" : std::u16string();
     }
-    std::u16string QNameOf(CXmlName const & name) const { return AliasPrefixOf(name.strNamespaceURI) + name.strLocalName; }
+    std::u16string QNameOf(CXmlName const & name) const
+    {
+        return AliasPrefixOf(name.strNamespaceURI) + name.strLocalName;
+    }
     std::u16string PathOf(CXmlElement const & element) const
     {
         std::vector<CXmlElement const *> path;

@@ -150,7 +150,8 @@ CXmlNameRecord const & CXmlNameTable::Add(std::string_view strKey, std::size_t n
                 Place(*slot.pRecord, slot.nHash);
     }
     std::u16string const & strUri = Share(m_uris, namespaceURI);
-    std::string const * const pKeyStart = nStart > kLongKeyStart ? &Share(m_keyStarts, strKey.substr(0, nStart)) : nullptr;
+    std::string const * const pKeyStart =
+        nStart > kLongKeyStart ? &Share(m_keyStarts, strKey.substr(0, nStart)) : nullptr;
     std::string strOwnKey(pKeyStart != nullptr ? strKey.substr(nStart) : strKey);
     CXmlNameRecord & record = m_records.emplace_back(strUri);
     record.strKey = std::move(strOwnKey);

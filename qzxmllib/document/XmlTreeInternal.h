@@ -153,8 +153,9 @@ private:
     CXmlNameRecord const & Add(std::string_view strKey, std::size_t nStart, std::uint64_t nHash,
         std::u16string_view namespaceURI, std::u16string strLocalName);
     template <class String>
-    String const & Share(std::unordered_map<std::basic_string_view<typename String::value_type>,
-                             std::unique_ptr<String>, TextHash> & shared,
+    String const & Share(
+        std::unordered_map<std::basic_string_view<typename String::value_type>, std::unique_ptr<String>, TextHash> &
+            shared,
         std::basic_string_view<typename String::value_type> text);
     void Place(CXmlNameRecord const & record, std::uint64_t nHash);
 

@@ -4,20 +4,28 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
 #include <sys/types.h>
+
+struct stat;
 
 namespace QzXmlLib16
 {
 
-/// The calls of the operating system through which file content moves. They answer like pread and pwrite.
+/// The calls of the operating system through which file content moves. They answer like pread, pwrite, close and
+/// rename; null stands for the real one.
 struct CPlatformFileCalls
 {
-    ssize_t (*pfnRead)(int nFile, void * pOctets, std::size_t nOctets, off_t nOffset);
-    ssize_t (*pfnWrite)(int nFile, void const * pOctets, std::size_t nOctets, off_t nOffset);
+    ssize_t (*pfnRead)(int nFile, void * pOctets, std::size_t nOctets, off_t nOffset) = nullptr;
+    ssize_t (*pfnWrite)(int nFile, void const * pOctets, std::size_t nOctets, off_t nOffset) = nullptr;
+    int (*pfnClose)(int nFile) = nullptr;
+    int (*pfnRename)(char const * pszFrom, char const * pszTo) = nullptr;
 };
 
-/// Puts other calls in the place of pread and pwrite, so that a test can stage a failing transfer. Null brings the real
-/// ones back. Not for use while another thread reads or writes files.
+/// Puts other calls in the place of those of the system, so that a test can stage failures. Null brings the real ones
+/// back. Not for use while another thread reads or writes files.
 QZXMLLIB_API void SetPlatformFileCalls(CPlatformFileCalls const * pCalls);
 
 /// An open file, closed by the destructor. Operations give an error number of the platform, 0 for success, and never
@@ -30,8 +38,11 @@ public:
     CPlatformFile & operator=(CPlatformFile && other) noexcept;
     ~CPlatformFile();
 
-    /// Opens a file for reading beside other readers. A directory gives EISDIR, a file that is being written by
-    /// CreateExclusive an error too. A name that is no valid UTF-16 gives EILSEQ.
+    /// What OpenSharedRead gives for a pipe, a socket or a device. No error number of the platform.
+    static constexpr int kNoRegularFile = -1;
+
+    /// Opens a regular file for reading beside other readers, without waiting for anybody. A directory gives EISDIR, a
+    /// file that is being written by CreateExclusive an error too. A name that is no valid UTF-16 gives EILSEQ.
     int OpenSharedRead(char16_t const * pszPath);
     /// Creates a file for writing, or empties an existing one, unless somebody else holds it open through this class.
     int CreateExclusive(char16_t const * pszPath);
@@ -45,8 +56,17 @@ public:
     /// Harmless when the file is closed already. Reports an error that the platform had kept back until now.
     int Close();
 
+    /// Writes a file whole, piece after piece, in place of what it holds. An existing regular file is replaced when
+    /// all of the new one is on its way to the disk, by a file next to it that takes over its mode and owner; links are
+    /// followed. A failure leaves the old file as it was, and no new one. What is no regular file, and a file in a
+    /// folder in which none can be made, is written directly. Refused while somebody else holds the file open through
+    /// this class.
+    static int WriteWhole(char16_t const * pszPath, std::initializer_list<std::string_view> pieces);
+
 private:
     int Open(char16_t const * pszPath, int nFlags, int nLock);
+    int WritePieces(std::initializer_list<std::string_view> pieces) const;
+    int MakeReplacement(std::string const & strTarget, struct stat const & old, std::string & strName);
 
     int m_nFile = -1;
 };

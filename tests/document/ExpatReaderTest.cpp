@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/SerializationContext.h"
 #include "tests/document/TreeText.h"
+#include "tests/support/BigStack.h"
 
 #include <algorithm>
 
@@ -114,6 +115,142 @@ TEST(ExpatReaderTest, TakesInputInAnyPieces)
         reader.Parse(nullptr, 0, true);
         EXPECT_EQ(TreeText(doc.GetDocumentElement()), strTree);
     }
+}
+
+/// Entities that refer to each other in a chain: in text, in an attribute, in the default of an attribute; declared
+/// from either end.
+TEST(ExpatReaderTest, BoundsTheDepthOfEntities)
+{
+    auto const document = [](int nEntities, bool bForward, std::string const & strRest)
+    {
+        std::string strXml = "<!DOCTYPE a [";
+        for (int i = 0; i < nEntities; ++i)
+        {
+            int const n = bForward ? i : nEntities - 1 - i;
+            std::string const strValue = n == 0 ? "x" : "&e" + std::to_string(n - 1) + ";";
+            strXml += "<!ENTITY e" + std::to_string(n) + " '" + strValue + "'>";
+        }
+        return strXml + strRest;
+    };
+    for (bool const bForward : {true, false})
+        for (std::string const strRest : {"]><a>&e63;</a>", "]><a k='&e63;'/>", "<!ATTLIST a k CDATA '&e63;'>]><a/>"})
+        {
+            CXmlDocument doc;
+            std::string const strTree = LoadText(doc, document(64, bForward, strRest));
+            EXPECT_EQ(strTree.find("failed"), std::string::npos) << strTree;
+            OnStack(
+                [&]
+                {
+                    CXmlDocument deep;
+                    EXPECT_EQ(LoadText(deep, document(20000, bForward, strRest)),
+                        "failed: Entities are nested deeper than 64 levels at line 1");
+                },
+                128 * 1024);
+        }
+    CXmlDocument doc;
+    EXPECT_EQ(LoadText(doc, "<!DOCTYPE a [<!ENTITY e '&e;'>]><a/>"), "failed: recursive entity reference at line 1");
+    EXPECT_EQ(LoadText(doc, "<!DOCTYPE a [<!ENTITY e 'x'><!ENTITY e '&e;'>]><a>&e;</a>"), "a \"x\"");
+}
+
+TEST(ExpatReaderTest, StrictLimits)
+{
+    CSerializationContext ctx;
+    ctx.SetReadLimits(CReadLimits::Strict());
+    CXmlDocument doc(ctx);
+    EXPECT_EQ(LoadText(doc, "<!DOCTYPE a><a/>"), "failed: A document type is not allowed at line 1");
+    EXPECT_EQ(LoadText(doc, Repeated<std::string>("<a>", 257)),
+        "failed: Elements are nested deeper than 256 levels at line 1");
+    EXPECT_EQ(LoadText(doc, "<a/>"), "a");
+}
+
+/// Defaults of attributes, and a long namespace that every name repeats, cost more than the input shows.
+TEST(ExpatReaderTest, BoundsWhatTheInputMultiplies)
+{
+    CSerializationContext ctx;
+    CReadLimits limits;
+    limits.nMaxAmplifiedUnits = 100000;
+    limits.nMaxAmplification = 10;
+    ctx.SetReadLimits(limits);
+    CXmlDocument doc(ctx);
+    std::string strDefaults = "<!DOCTYPE a [<!ATTLIST b";
+    for (int i = 0; i < 1000; ++i)
+        strDefaults += " k" + std::to_string(i) + " CDATA ''";
+    EXPECT_EQ(LoadText(doc, strDefaults + ">]><a>" + Repeated<std::string>("<b/>", 20) + "</a>"),
+        "failed: The attributes of the document are too large for its size at line 1");
+    std::string strLong = "<a xmlns:p='" + std::string(30000, 'u') + "'><b";
+    for (int i = 0; i < 3000; ++i)
+        strLong += " p:k" + std::to_string(i) + "=''";
+    EXPECT_EQ(
+        LoadText(doc, strLong + "/></a>"), "failed: The names of the document are too large for its size at line 1");
+
+    // Names in one long namespace share it, whoever reads them.
+    std::string strNames = "<a xmlns='" + std::string(20000, 'u') + "'>";
+    for (int i = 0; i < 4000; ++i)
+        strNames += "<e" + std::to_string(i) + "/>";
+    ctx.SetReadLimits(CReadLimits());
+    doc.LoadXml((strNames + "<e7/></a>").c_str());
+    CXmlElement const * const pFirst = doc.GetDocumentElement()->GetFirstElement();
+    EXPECT_EQ(pFirst->GetNamespaceURI(), std::u16string(20000, u'u'));
+    EXPECT_EQ(&pFirst->GetNamespaceURI(), &doc.GetDocumentElement()->GetNamespaceURI());
+    EXPECT_EQ(pFirst->GetXPath(), u"/a/e0");
+}
+
+TEST(ExpatReaderTest, LoneSurrogatesInUtf16)
+{
+    struct Row
+    {
+        std::u16string_view text;
+        char const * pszResult;
+    };
+    constexpr Row kRows[] = {
+        {u"<a>12345678\xD83D\xDE00</a>", "a \"12345678\xF0\x9F\x98\x80\""},
+        {u"<a>\r\n\n\xD83Dx</a>", "failed: not well-formed (invalid token) at line 3"},
+        {u"<a>1234567\xD83D\xD83D\xDE00</a>", "failed: not well-formed (invalid token) at line 1"},
+        {u"<a>\n\xDE00</a>", "failed: not well-formed (invalid token) at line 2"},
+    };
+    for (Row const & row : kRows)
+    {
+        std::u16string const strText(row.text);
+        CXmlDocument doc;
+        EXPECT_EQ(TreeOrFailure(doc, [&] { doc.LoadXml(strText.c_str()); }), row.pszResult);
+        for (bool const bLowFirst : {true, false})
+        {
+            std::string strOctets;
+            for (char16_t const c : u"\xFEFF" + strText)
+                strOctets += {
+                    static_cast<char>(bLowFirst ? c & 0xFF : c >> 8), static_cast<char>(bLowFirst ? c >> 8 : c & 0xFF)};
+            auto const * const p = reinterpret_cast<unsigned char const *>(strOctets.data());
+            for (std::size_t const nPiece : {strOctets.size(), std::size_t(3), std::size_t(10)})
+            {
+                doc.Cleanup();
+                auto const parse = [&]
+                {
+                    CExpatReader reader(doc);
+                    reader.Init();
+                    for (std::size_t n = 0; n < strOctets.size(); n += nPiece)
+                        reader.Parse(p + n, std::min(nPiece, strOctets.size() - n), n + nPiece >= strOctets.size());
+                };
+                EXPECT_EQ(TreeOrFailure(doc, parse), row.pszResult) << nPiece;
+            }
+        }
+    }
+}
+
+/// Working out a path must not look at aliases and names again for each of many siblings.
+TEST(ExpatReaderTest, PathsAmongManySiblings)
+{
+    constexpr int kMany = 20000;
+    std::string strXml = "<r";
+    for (int i = 0; i < kMany; ++i)
+        strXml += " xmlns:p" + std::to_string(i) + "='urn:" + std::to_string(i) + "'";
+    strXml += ">" + Repeated<std::string>("<p7:a/><p19999:a/><b/>", kMany) + "</r>";
+    CXmlDocument doc;
+    doc.LoadXml(strXml.c_str());
+    CXmlElement const * pLast = doc.GetDocumentElement()->GetFirstElement();
+    while (pLast->GetNextSiblingElement()->GetNextSiblingElement() != nullptr)
+        pLast = pLast->GetNextSiblingElement();
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(pLast->GetXPath(), u"/r/p19999:a[20000]");
 }
 
 TEST(ExpatReaderTest, BoundsTheDepth)

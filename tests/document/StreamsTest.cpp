@@ -2,10 +2,14 @@
 #include "qzxmllib/document/FileTextStream.h"
 #include "qzxmllib/document/StringBuffer.h"
 #include "qzxmllib/document/TextStream.h"
+#include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/PlatformFileInternal.h"
 #include "tests/support/TestFile.h"
 
 #include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
 
 using namespace QzXmlLib16;
 
@@ -193,13 +197,14 @@ int g_nWritesLeft = 0;
 TEST(FileStreamTest, AnyWriteCanFail)
 {
     CTestFile file;
-    CPlatformFileCalls const calls = {::pread, [](int nFile, void const * pOctets, std::size_t nOctets, off_t nOffset)
-        {
-            if (g_nWritesLeft-- > 0)
-                return ::pwrite(nFile, pOctets, nOctets, nOffset);
-            errno = EDQUOT;
-            return static_cast<ssize_t>(-1);
-        }};
+    CPlatformFileCalls calls;
+    calls.pfnWrite = [](int nFile, void const * pOctets, std::size_t nOctets, off_t nOffset)
+    {
+        if (g_nWritesLeft-- > 0)
+            return ::pwrite(nFile, pOctets, nOctets, nOffset);
+        errno = EDQUOT;
+        return static_cast<ssize_t>(-1);
+    };
     SetPlatformFileCalls(&calls);
     for (int nGood = 0; nGood <= 3; ++nGood)
     {
@@ -223,6 +228,99 @@ TEST(FileStreamTest, AnyWriteCanFail)
         EXPECT_NO_THROW(stream.Close());
     }
     SetPlatformFileCalls(nullptr);
+}
+
+/// Counts the calls of the system down to the one that fails, with an error number or by a short count.
+struct Staged
+{
+    static bool Fails() { return nLeft-- == 0 && (errno = nError, true); }
+    static ssize_t Write(int nFile, void const * pOctets, std::size_t nOctets, off_t nOffset)
+    {
+        if (!Fails())
+            return ::pwrite(nFile, pOctets, nOctets, nOffset);
+        return nError != 0 ? -1 : ::pwrite(nFile, pOctets, nOctets / 2, nOffset);
+    }
+    static ssize_t Read(int nFile, void * pOctets, std::size_t nOctets, off_t nOffset)
+    {
+        if (!Fails())
+            return ::pread(nFile, pOctets, nOctets, nOffset);
+        return nError != 0 ? -1 : ::pread(nFile, pOctets, nOctets / 2, nOffset);
+    }
+    static int Close(int nFile)
+    {
+        int const nResult = ::close(nFile);
+        return Fails() && nError != 0 ? (errno = nError, -1) : nResult;
+    }
+    static int Rename(char const * pszFrom, char const * pszTo)
+    {
+        return Fails() && nError != 0 ? -1 : ::rename(pszFrom, pszTo);
+    }
+
+    static inline int nLeft = 0;
+    static inline int nError = 0;
+};
+
+/// Whatever call fails while a file is written, it holds the old octets or the new ones, and nothing else is left.
+TEST(FileStreamTest, TheOldFileStandsUntilTheNewOneIsComplete)
+{
+    std::string const strFolder = testing::TempDir() + "qzxml" + std::to_string(::getpid());
+    std::filesystem::create_directory(strFolder);
+    std::string const strFile = strFolder + "/file";
+    std::string const strLink = strFolder + "/link";
+    std::filesystem::create_symlink("file", strLink);
+    CPlatformFileCalls const calls{&Staged::Read, &Staged::Write, &Staged::Close, &Staged::Rename};
+    SetPlatformFileCalls(&calls);
+    bool bAllGood = false;
+    for (int nCall = 0; !bAllGood; ++nCall)
+    {
+        bAllGood = true;
+        for (int const nError : {0, EINTR, ENOSPC, EIO, EDQUOT})
+        {
+            std::ofstream(strFile) << "old";
+            ASSERT_EQ(::chmod(strFile.c_str(), 0640), 0);
+            Staged::nError = nError;
+            Staged::nLeft = nCall;
+            std::u16string const strResult = ResultOf(
+                [&]
+                {
+                    CFileBinaryStream(Wide(strLink), XmlEncoding_UTF16, Octets("fresh")).WriteToFile();
+                    return std::u16string();
+                });
+            std::ifstream file(strFile, std::ios::binary);
+            std::string const strContent(std::istreambuf_iterator<char>(file), {});
+            EXPECT_EQ(strContent, strResult.empty() ? "\xFF\xFE"
+                                                      "fresh"
+                                                    : "old")
+                << nCall << ' ' << nError;
+            EXPECT_TRUE(strResult.empty() || (nError != 0 && nError != EINTR)) << nCall << ' ' << Utf8(strResult);
+            struct stat status = {};
+            EXPECT_EQ(::stat(strFile.c_str(), &status), 0);
+            EXPECT_EQ(status.st_mode & 0777u, 0640u);
+            bAllGood = bAllGood && Staged::nLeft >= 0;
+        }
+        EXPECT_LT(nCall, 20);
+        std::filesystem::directory_iterator const entries(strFolder);
+        EXPECT_EQ(std::distance(begin(entries), end(entries)), 2);
+    }
+    SetPlatformFileCalls(nullptr);
+
+    // What is no regular file is written as it is, and not read.
+    std::string const strPipe = strFolder + "/pipe";
+    ASSERT_EQ(::mkfifo(strPipe.c_str(), 0600), 0);
+    CXmlDocument document;
+    ExpectThrows<CQzException>([&] { document.Load(Wide(strPipe).c_str()); },
+        u"The file [" + Wide(strPipe) + u"] is a pipe, a socket or a device and is not read");
+    ExpectThrows<CQzException>(
+        [&] { document.Load(u"/dev/null"); }, u"The file [/dev/null] is a pipe, a socket or a device and is not read");
+    ExpectThrows<CQzException>(
+        [&] { document.Load(nullptr); }, FormatString(u"Failed to open the file [] Error [0x%08x]", ENOENT));
+    int const nReader = ::open(strPipe.c_str(), O_RDONLY | O_NONBLOCK);
+    CFileBinaryStream(Wide(strPipe), XmlEncoding_UTF8, Octets("piped")).WriteToFile();
+    char aGot[8] = {};
+    EXPECT_EQ(::read(nReader, aGot, sizeof aGot), 5);
+    ::close(nReader);
+    EXPECT_STREQ(aGot, "piped");
+    std::filesystem::remove_all(strFolder);
 }
 
 } // namespace
