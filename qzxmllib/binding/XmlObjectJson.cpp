@@ -29,6 +29,15 @@ void StartJson(CJsonTextWriter & writer, bool bFormatted, EOLType eEOL, CSeriali
     writer.WriteDocumentStart();
 }
 
+/// The XML that a failure quotes: the beginning of a long one.
+std::u16string Quote(std::u16string strXml)
+{
+    constexpr std::size_t kMost = 65536;
+    if (strXml.size() > kMost)
+        strXml.replace(kMost, std::u16string::npos, u"\n[...]");
+    return strXml;
+}
+
 void EndJson(CJsonTextWriter & writer)
 {
     writer.WriteDocumentEnd();
@@ -140,7 +149,7 @@ void CXmlObjectBase::FromJson_Int(CBinaryData const & xml, CSerializationContext
     catch (CQzException const & e)
     {
         throw CQzException(
-            FormatString(u"Error converting JSON to XML:\n%s", DecodeUtf8(xml.GetData(), xml.GetLength())), e);
+            FormatString(u"Error converting JSON to XML:\n%s", Quote(DecodeUtf8(xml.GetData(), xml.GetLength()))), e);
     }
 }
 

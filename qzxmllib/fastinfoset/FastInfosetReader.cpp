@@ -2,6 +2,7 @@
 
 #include "qzxmllib/binding/SerializationContext.h"
 #include "qzxmllib/document/Encoder.h"
+#include "qzxmllib/document/HarmlessNameInternal.h"
 #include "qzxmllib/document/PlainTextInternal.h"
 #include "qzxmllib/document/XmlTreeInternal.h"
 #include "qzxmllib/fastinfoset/EncodingAlgorithmInternal.h"
@@ -88,7 +89,7 @@ CFastInfosetReader::~CFastInfosetReader() = default;
 
 bool CFastInfosetReader::ReadDocument(unsigned char const * pOctets, std::size_t nOctets)
 {
-    m_pCurrent = pOctets;
+    m_pFirst = m_pCurrent = pOctets;
     m_pEnd = pOctets + nOctets;
     if (!StepOverIdentification())
     {
@@ -313,7 +314,16 @@ void CFastInfosetReader::AddToTable(CStringTable & table, CString const & string
         std::none_of(strText.begin(), strText.end(), [](char16_t c) { return c == u'\0' || c == u'\r'; });
 }
 
-std::u16string CFastInfosetReader::Decode(CString const & string) const
+/// The text of a literal string. What an alphabet or an algorithm multiplies counts against the limits.
+std::u16string CFastInfosetReader::Decode(CString const & string)
+{
+    std::u16string strText = DecodeKind(string);
+    if (string.eKind == FIStringKind_Alphabet || string.eKind == FIStringKind_Algorithm)
+        CountNamed(strText.size());
+    return strText;
+}
+
+std::u16string CFastInfosetReader::DecodeKind(CString const & string) const
 {
     switch (string.eKind)
     {
@@ -382,7 +392,7 @@ void CFastInfosetReader::SkipIdentifyingStrings(unsigned nCount)
 void CFastInfosetReader::SkipString(CString const & string) const
 {
     if (!string.bIndex)
-        Decode(string);
+        DecodeKind(string);
 }
 
 void CFastInfosetReader::SkipInstruction()
@@ -824,12 +834,17 @@ CXmlName const & CFastInfosetReader::ReadLiteralName(unsigned char byLead, CName
     bool const bNamespace = (byLead & kNameNamespace) != 0;
     if (bPrefix && !bNamespace)
         throw CQzException(u"Failed to parse FastInfoset. Invalid QName type Prefix without Namespace.");
+    auto const nOffset = static_cast<int>(m_pCurrent - m_pFirst - 1);
     CFIVocabulary::CQNameParts parts(0, 0, 0);
     if (bPrefix)
         parts.m_dwPrefixIndex = ReadNamePart(m_prefixes, kPrefixes);
     if (bNamespace)
         parts.m_dwNamespaceIndex = ReadNamePart(m_namespaceNames, kNamespaceNames);
     parts.m_dwLocalNameIndex = ReadNamePart(m_localNames, kLocalNames);
+    std::u16string_view const localName = m_localNames[parts.m_dwLocalNameIndex - 1];
+    if (!IsHarmlessName(localName))
+        throw CQzException(
+            FormatString(u"Failed to parse FastInfoset. Invalid name [%s] at octet %d.", localName, nOffset));
     CXmlName const & name = FindName(parts);
     if (names.size() < CFIVocabulary::kMaxEntries)
         names.push_back(&name);

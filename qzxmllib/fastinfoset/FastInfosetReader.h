@@ -87,7 +87,8 @@ private:
     CString ReadEncodedString(FIStringForm const & form, unsigned char byLead);
     char16_t const * TakePlain(CString const & string);
     void AddToTable(CStringTable & table, CString const & string);
-    std::u16string Decode(CString const & string) const;
+    std::u16string Decode(CString const & string);
+    std::u16string DecodeKind(CString const & string) const;
     std::u16string DecodeAlphabet(CString const & string) const;
 
     void SkipOctetString();
@@ -125,6 +126,7 @@ private:
 
     CFastInfosetContext const * m_pFIContext;
     CXmlDocument & m_doc;
+    unsigned char const * m_pFirst = nullptr;
     unsigned char const * m_pCurrent = nullptr;
     unsigned char const * m_pEnd = nullptr;
     CXmlTree * m_pTree = nullptr;

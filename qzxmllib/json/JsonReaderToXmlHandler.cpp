@@ -1,6 +1,7 @@
 #include "qzxmllib/json/JsonReaderToXmlHandler.h"
 
 #include "qzxmllib/binding/SerializationContext.h"
+#include "qzxmllib/document/HarmlessNameInternal.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlTextWriter.h"
 #include "qzxmllib/json/JsonTextReader.h"
@@ -23,23 +24,6 @@ std::u16string const & NoNamespace()
 {
     static std::u16string const s_strNone;
     return s_strNone;
-}
-
-/// False for a name that would be more than a name where XML text expects one: white space, markup, or the start of a
-/// comment, a section or an instruction. Whether it is a legal name otherwise is left to the XML parser.
-bool IsHarmlessName(std::u16string_view name) noexcept
-{
-    if (name.empty() || name[0] == u'!' || name[0] == u'?')
-        return false;
-    constexpr auto harmful = []
-    {
-        std::uint64_t nMask = (std::uint64_t(1) << 33) - 1;
-        for (char16_t const c : std::u16string_view(u"<>&\"'/="))
-            nMask |= std::uint64_t(1) << c;
-        return nMask;
-    };
-    constexpr std::uint64_t nHarmful = harmful();
-    return std::none_of(name.begin(), name.end(), [](char16_t c) { return c < 64 && (nHarmful >> c & 1) != 0; });
 }
 
 } // namespace

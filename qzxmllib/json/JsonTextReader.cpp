@@ -90,6 +90,10 @@ void CJsonTextReader::Read()
         if (m_bStrict && !m_bEndOfText)
             FailFound(u"Unexpected text behind the value, found '%c' at line %d, position %d.");
     }
+    else if (m_bStrict)
+    {
+        Fail(u"Unexpected End of File. Expected a value at line %d, position %d.");
+    }
     if (!m_strRootElementName.empty())
         m_defaultHandler.EndObject();
     m_defaultHandler.EndDocument();

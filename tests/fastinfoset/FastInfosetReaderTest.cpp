@@ -95,6 +95,8 @@ FailureRow const kFailures[] = {{"NoElement", "F0", FAILED "The document has no 
     {"IntOfSixOctets", "3C 00'a' 8C 0E 03 00 00 00 00 00 00", u"Invalid value for INT byte encoding."},
     {"OddUtf16", "3C 00'a' 84'x'", FAILED "Invalid length of UTF-16 string."},
     {"Utf8", "3C 00'a' 81'x' FF", u"Failed to convert text from UTF-8. Invalid sequence at position [1]."},
+    {"MarkupInElementName", "3C 00'a' 3C 01'b>' FF", FAILED "Invalid name [b>] at octet 8."},
+    {"BlankInAttributeName", "7C 00'a' 78 02'x y' 40'1' F0", FAILED "Invalid name [x y] at octet 8."},
     {"Utf8OfDroppedText", "E2 00 FF", u"Failed to convert text from UTF-8. Invalid sequence at position [0]."}};
 
 using ReadFailureTest = testing::TestWithParam<FailureRow>;
@@ -106,6 +108,21 @@ TEST_P(ReadFailureTest, Throws)
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, ReadFailureTest, testing::ValuesIn(kFailures), CaseName);
+
+/// One octet of truth values is up to 48 units of text.
+TEST(FastInfosetReader, AlgorithmsCountAgainstTheLimits)
+{
+    CSerializationContext ctx;
+    CReadLimits limits;
+    limits.nMaxAmplifiedUnits = 1000;
+    limits.nMaxAmplification = 10;
+    ctx.SetReadLimits(limits);
+    std::string strDocument = "3C 00'a' 8C 16 C5";
+    for (int i = 0; i < 200; ++i)
+        strDocument += " 00";
+    ExpectThrows<CQzException>([&] { TreeOf(FiDocument((strDocument + " FF").c_str()), ctx); },
+        FAILED "The input names more text than the limits allow.");
+}
 
 TEST(FastInfosetReader, CountsItsNodesHoweverItEnds)
 {

@@ -151,6 +151,7 @@ BadCase const kBad[] = {{"Depth101", Nested(101, u""), u"JSON exceeded depth lim
     {"StrictLineFeedInString", u"[\n\"a\nb\"]", kControl, 2, 3, u"$", kStrict},
     {"StrictControlInEscape", u"\"\\\n", kControl, 1, 3, u"$", kStrict},
     {"StrictTextBehind", u"{} ]", u"Unexpected text behind the value, found ']'", 1, 4, u"$", kStrict},
+    {"StrictNothing", u" \n ", u"Unexpected End of File. Expected a value", 2, 1, u"$", kStrict},
     {"StrictTwoLines", u"1\n2", u"Unexpected text behind the value, found '2'", 2, 1, u"$", kStrict}};
 
 INSTANTIATE_TEST_SUITE_P(Bad, JsonTextReaderFailureTest, testing::ValuesIn(kBad), CaseName);

@@ -83,6 +83,10 @@ TEST(XmlObjectJsonTest, Failures)
     ExpectThrows<CQzException>(
         [&] { spObject->FromJson("{\"r\":{\"no\":\"\xC3\xA9\"}}"); }, strWrapped + u"<r><no>\u00e9</no></r>");
     ExpectThrows<CQzException>([&] { spObject->FromJson(u" "); }, strWrapped);
+    std::u16string const strLong = strWrapped.substr(strWrapped.find(u'<')) + u"<r><no>" + std::u16string(70000, u'x');
+    ExpectThrows<CQzException>([&]
+        { spObject->FromJson((u"{\"r\":{\"no\":\"" + std::u16string(70000, u'x') + u"\"}}").c_str()); },
+        strWrapped.substr(0, strWrapped.find(u'<')) + strLong.substr(0, 65536) + u"\n[...]");
     ExpectThrows<CQzValidationException>([&] { spObject->FromJson("{\"r\" 1}"); },
         u"Expected Object Name/Value separator character ':', found '1' at line 1, position 6.", u"$.r");
     ExpectThrows<CQzException>([&] { spObject->FromJson(""); }, u"JSON String is empty!");
