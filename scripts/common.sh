@@ -16,3 +16,15 @@ build_preset()
     cmake --build "build/$preset" -j "${JOBS:-2}" "${BUILD_ARGS[@]}"
 }
 BUILD_ARGS=()
+
+# use_comma_locale: makes a locale with a decimal comma for the tests where the machine has none.
+use_comma_locale()
+{
+    if locale -a 2> /dev/null | grep -qi '^de_DE\.utf-\?8$'; then
+        return
+    fi
+    local folder=$PWD/build/locales
+    mkdir -p "$folder"
+    [[ -d $folder/de_DE.UTF-8 ]] || localedef -i de_DE -f UTF-8 "$folder/de_DE.UTF-8"
+    export LOCPATH=$folder
+}

@@ -21,6 +21,13 @@ cmake -S "$work/source" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" > "$
 cmake --build "$work/build"
 "$work/build/consumer"
 
+echo "consumer.sh: loading at run time"
+shared=$(find "$work/prefix" -name libQzXmlLib16.so)
+"$work/build/load" "$work/build/libplugin.so"
+"$work/build/load" "$shared" "$work/build/libplugin.so"
+python3 -c 'import ctypes, sys; [ctypes.CDLL(name, ctypes.RTLD_GLOBAL) for name in sys.argv[1:]][-1].RoundTrip() and sys.exit(1)' \
+    "$shared" "$work/build/libplugin.so"
+
 echo "consumer.sh: pkg-config"
 export PKG_CONFIG_PATH
 PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name QzXmlLib16.pc)")

@@ -5,7 +5,7 @@ set -euo pipefail
 
 declare -A packages=(
     [build]="g++ make cmake ninja-build pkg-config libexpat1-dev zlib1g-dev libpcre2-dev python3"
-    [test]="libgtest-dev libgmock-dev googletest libgmp-dev jq python3"
+    [test]="libgtest-dev libgmock-dev googletest libgmp-dev jq locales python3"
     [bench]="libbenchmark-dev libexpat1-dev"
     [ci]="clang libclang-rt-14-dev clang-format binutils doxygen"
 )

@@ -4,5 +4,6 @@
 . "$(dirname "$0")/common.sh"
 
 scripts/install-deps.sh build test
+use_comma_locale
 build_preset release -DQZXMLLIB_BUILD_TESTS=ON -DQZXMLLIB_BUILD_BENCH=OFF ${QZ_CMAKE_ARGS:-}
 exec ctest --test-dir build/release --output-on-failure -j2 "$@"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "qzxmllib/values/BinaryData.h"
+
 #include <set>
 #include <string>
 
@@ -10,6 +12,8 @@ namespace Gpx
 struct Survey
 {
     int nPoints = 0;
+    /// All elements, whatever they are.
+    int nElements = 0;
     /// Elements that hold what device makers and others add.
     int nExtensions = 0;
     /// The namespaces of all elements and attributes but that of GPX.
@@ -18,5 +22,7 @@ struct Survey
 
 /// Walks a file, plain or compressed, without keeping it in memory. Throws CQzException if it is no GPX 1.1.
 Survey SurveyFile(std::u16string const & strFile);
+/// The same for the octets of a file.
+Survey SurveyOctets(QzXmlLib16::CBinaryData const & octets);
 
 } // namespace Gpx

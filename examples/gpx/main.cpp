@@ -101,7 +101,7 @@ std::string Elapsed(CDateTime const & first, CDateTime const & last)
     return nMinutes < 60 ? strMinutes : std::to_string(nMinutes / 60) + " h " + strMinutes;
 }
 
-void PrintSummary(Gpx::Summary const & summary, Gpx::Survey const & survey)
+void PrintSummary(Gpx::Summary const & summary, Gpx::Survey const & survey, int nKept)
 {
     std::printf("  points   %d way points, %d in %d routes, %d in %d tracks of %d segments\n", summary.nWayPoints,
         summary.nRoutePoints, summary.nRoutes, summary.nTrackPoints, summary.nTracks, summary.nSegments);
@@ -114,9 +114,9 @@ void PrintSummary(Gpx::Summary const & summary, Gpx::Survey const & survey)
             Narrow(summary.last->ToString()).c_str(), Elapsed(*summary.first, *summary.last).c_str());
     if (survey.nExtensions > 0)
         std::printf("  others   %d extensions elements, %d elements in them\n", survey.nExtensions, summary.nForeign);
-    if (survey.nPoints != summary.GetPointCount())
-        std::printf("  left out %d points that stand where GPX has no place for them\n",
-            survey.nPoints - summary.GetPointCount());
+    if (survey.nElements != nKept)
+        std::printf("  left out %d elements that stand where GPX has no place for them, %d of them points\n",
+            survey.nElements - nKept, survey.nPoints - summary.GetPointCount());
 }
 
 /// Writes the object in one form, reads it back and prints a line of the table. False if the copy differs.
@@ -161,15 +161,16 @@ bool Process(char const * pszFile)
     double const ms = Milliseconds([&] { spGpx->FromXmlFile(strFile.c_str(), ReadContext()); });
 
     std::printf("%s, written by %s, read in %.2f ms\n", pszFile, Narrow(spGpx->m_strCreator).c_str(), ms);
-    PrintSummary(Gpx::Summarize(*spGpx), survey);
+    CSerializationContext const ctx = FormContext(kForms[0], survey.foreignNamespaces);
+    int const nKept = Gpx::SurveyOctets(spGpx->ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF, ctx)).nElements;
+    PrintSummary(Gpx::Summarize(*spGpx), survey, nKept);
     std::printf(
         "  %-16s %10s %10s %8s %10s %8s  %s\n", "form", "octets", "write ms", "MB/s", "read ms", "MB/s", "read back");
     bool bAgrees = true;
     for (Form const & form : kForms)
     {
-        CSerializationContext const ctx = FormContext(form, survey.foreignNamespaces);
-        if (form.bStrict || !HoldsLineFeed(*spGpx, FormContext(kForms[0], survey.foreignNamespaces)))
-            bAgrees = PrintForm(form, *spGpx, ctx) && bAgrees;
+        if (form.bStrict || !HoldsLineFeed(*spGpx, ctx))
+            bAgrees = PrintForm(form, *spGpx, FormContext(form, survey.foreignNamespaces)) && bAgrees;
         else
             std::printf("  %-16s would lose line feeds\n", form.pszName);
     }

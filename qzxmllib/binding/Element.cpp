@@ -32,14 +32,16 @@ constexpr std::int32_t kMaxLevels = 10000;
 
 constexpr std::u16string_view kKeywords[] = {u"##any", u"##other", u"##local", u"##targetNamespace"};
 
+// At fixed places, see ThreadStack.cpp.
+
 /// Levels that are open outside the fragments that this thread writes.
-thread_local std::int32_t t_nOuterLevels = 0;
+__attribute__((tls_model("initial-exec"))) thread_local std::int32_t t_nOuterLevels = 0;
 
 /// Levels of a tree that are destroyed one inside the other. What lies deeper waits in a list.
 constexpr int kNestedDestructions = 64;
 /// The same on a stack that is nearly used up.
 constexpr int kNestedOnLowStack = 4;
-thread_local int t_nDestructions = 0;
+__attribute__((tls_model("initial-exec"))) thread_local int t_nDestructions = 0;
 thread_local CElementCol * t_pDoomed = nullptr;
 
 std::u16string TextOrEmpty(char16_t const * pText)
@@ -345,7 +347,6 @@ void CElement::ToXml_Int(CXmlWriter * pWriter, bool, char16_t const *, CSerializ
 {
     if (OpenLevels(*pWriter) >= kMaxLevels)
         ThrowTooDeep();
-    RequireStack();
     // Only XML text can hold a fragment; every other form gets the same content as an ordinary element.
     auto * const pTextWriter = m_strContentNamespace.IsEmpty() ? nullptr : dynamic_cast<CXmlTextWriter *>(pWriter);
     if (pTextWriter != nullptr)
@@ -367,13 +368,17 @@ void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & 
     if (bAttributes)
         CXmlObjectBase::ToXml_Int(m_spAttributes, pWriter, false, u"", ctx, false);
     if (bChildren)
+    {
+        RequireStack();
         CXmlObjectBase::ToXml_Int(m_spChildElements, pWriter, false, u"", ctx, false);
+    }
     pWriter->WriteTextView(m_text.View(), ItemType_string);
     pWriter->WriteEndElement();
 }
 
 [[gnu::noinline]] void CElement::WriteFragment(CXmlTextWriter * pWriter) const
 {
+    RequireStack();
     COuterLevels const levels(*pWriter);
     CTextStream stream(XmlEncoding_None);
     CXmlTextWriter writer(&stream);

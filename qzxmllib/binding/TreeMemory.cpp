@@ -26,24 +26,6 @@ struct CTreeArena::Block
     }
 };
 
-/// Objects of one block that went and are still to be counted.
-struct CTreeArena::Swept
-{
-    Block * pBlock = nullptr;
-    std::int64_t nGone = 0;
-    int nSweeps = 0;
-
-    void Flush() noexcept
-    {
-        if (pBlock != nullptr)
-            std::exchange(pBlock, nullptr)->Count(-std::exchange(nGone, 0));
-    }
-
-    static thread_local Swept t_swept;
-};
-
-thread_local CTreeArena::Swept CTreeArena::Swept::t_swept;
-
 namespace
 {
 
@@ -57,7 +39,10 @@ constexpr std::size_t kLargestObject = 1024;
 /// In front of an object on the heap, so that it is aligned as any other.
 constexpr std::size_t kHeapHead = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
-thread_local CTreeArena * t_pArena = nullptr;
+// One word each at a fixed place, see ThreadStack.cpp.
+__attribute__((tls_model("initial-exec"))) thread_local CTreeArena * t_pArena = nullptr;
+/// The outermost sweep of the thread, or null.
+__attribute__((tls_model("initial-exec"))) thread_local CTreeArena::Sweep * t_pSweep = nullptr;
 
 void *& HeadOf(void * p)
 {
@@ -75,13 +60,30 @@ CTreeArena::Use::~Use()
 
 CTreeArena::Sweep::Sweep() noexcept
 {
-    ++Swept::t_swept.nSweeps;
+    if (t_pSweep == nullptr)
+        t_pSweep = this;
 }
 
 CTreeArena::Sweep::~Sweep()
 {
-    if (--Swept::t_swept.nSweeps == 0)
-        Swept::t_swept.Flush();
+    if (t_pSweep != this)
+        return;
+    t_pSweep = nullptr;
+    Flush();
+}
+
+inline void CTreeArena::Sweep::Flush() noexcept
+{
+    if (m_pBlock != nullptr)
+        std::exchange(m_pBlock, nullptr)->Count(-std::exchange(m_nGone, 0));
+}
+
+inline void CTreeArena::Sweep::Take(Block * pBlock) noexcept
+{
+    if (m_pBlock != pBlock)
+        Flush();
+    m_pBlock = pBlock;
+    ++m_nGone;
 }
 
 void * CTreeArena::Take(std::size_t nOctets)
@@ -140,15 +142,12 @@ void CTreeMemory::operator delete(void * p) noexcept
     if (p == nullptr)
         return;
     auto * const pBlock = static_cast<CTreeArena::Block *>(HeadOf(p));
-    CTreeArena::Swept & swept = CTreeArena::Swept::t_swept;
     if (pBlock == nullptr)
         return ::operator delete(static_cast<unsigned char *>(p) - kHeapHead);
-    if (swept.nSweeps == 0)
-        return pBlock->Count(-1);
-    if (swept.pBlock != pBlock)
-        swept.Flush();
-    swept.pBlock = pBlock;
-    ++swept.nGone;
+    if (t_pSweep != nullptr)
+        t_pSweep->Take(pBlock);
+    else
+        pBlock->Count(-1);
 }
 
 } // namespace QzXmlLib16

@@ -28,6 +28,8 @@ public:
         CTreeArena * m_pOuter;
     };
 
+    struct Block;
+
     /// While one lives, objects that go on this thread are counted block by block and not one by one.
     class Sweep
     {
@@ -36,12 +38,20 @@ public:
         Sweep(Sweep const &) = delete;
         Sweep & operator=(Sweep const &) = delete;
         ~Sweep();
+
+    private:
+        friend class CTreeMemory;
+
+        void Flush() noexcept;
+        void Take(Block * pBlock) noexcept;
+
+        /// Objects of one block that went and are still to be counted.
+        Block * m_pBlock = nullptr;
+        std::int64_t m_nGone = 0;
     };
 
 private:
     friend class CTreeMemory;
-    struct Block;
-    struct Swept;
 
     void * Take(std::size_t nOctets);
     void NewBlock();

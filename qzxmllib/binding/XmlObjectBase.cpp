@@ -21,8 +21,9 @@ namespace
 /// in a destructor's event does not destroy the object again.
 constexpr std::int32_t kCountInDestruction = 0x40000000;
 
+// At a fixed place, see ThreadStack.cpp.
 /// Objects whose destruction is under way on this thread, one inside the other.
-thread_local int t_nDestructions = 0;
+__attribute__((tls_model("initial-exec"))) thread_local int t_nDestructions = 0;
 /// Objects that wait for the outermost destruction, as the stack was too low for them. Null for none.
 thread_local std::vector<CXmlObjectBase *> * t_pPostponed = nullptr;
 
@@ -78,7 +79,9 @@ long CXmlObjectBase::AddRef()
 
 long CXmlObjectBase::Release()
 {
-    std::int32_t const nCount = m_nRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    // Whoever holds the only count shares the object with nobody, and the count goes with it.
+    bool const bLast = m_nRefCount.load(std::memory_order_acquire) == 1;
+    std::int32_t const nCount = bLast ? 0 : m_nRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
     if (nCount == 0)
         Destroy(this);
     return nCount;

@@ -33,18 +33,6 @@ std::size_t NumberOf(std::u16string_view alias) noexcept
     return nShorter + nNumber;
 }
 
-std::u16string ToAlias(std::size_t nNumber)
-{
-    std::size_t nLetters = kFewestLetters;
-    std::size_t nOfLength = kLetters * kLetters;
-    for (; nNumber >= nOfLength; ++nLetters, nOfLength *= kLetters)
-        nNumber -= nOfLength;
-    std::u16string strAlias(nLetters, u'A');
-    for (std::size_t i = nLetters; i-- > 0; nNumber /= kLetters)
-        strAlias[i] = static_cast<char16_t>(u'A' + nNumber % kLetters);
-    return strAlias;
-}
-
 } // namespace
 
 void CNamespaceIndex::Declare(std::u16string const & strUri, std::u16string const & strAlias)
@@ -98,6 +86,18 @@ void CNamespaceIndex::Uncount(std::u16string const & strAlias) noexcept
     if (nNumber == kNoNumber || --m_uses.find(nNumber)->second != 0)
         return;
     m_nFirstFree = std::min(m_nFirstFree, nNumber);
+}
+
+std::u16string CNamespaceIndex::ToAlias(std::size_t nNumber)
+{
+    std::size_t nLetters = kFewestLetters;
+    std::size_t nOfLength = kLetters * kLetters;
+    for (; nNumber >= nOfLength; ++nLetters, nOfLength *= kLetters)
+        nNumber -= nOfLength;
+    std::u16string strAlias(nLetters, u'A');
+    for (std::size_t i = nLetters; i-- > 0; nNumber /= kLetters)
+        strAlias[i] = static_cast<char16_t>(u'A' + nNumber % kLetters);
+    return strAlias;
 }
 
 std::u16string CNamespaceIndex::FirstFreeAlias()

@@ -30,6 +30,8 @@ public:
 
     /// The first of the aliases "AA" to "ZZ", "AAA" to "ZZZ" and so on that no declaration in force has.
     std::u16string FirstFreeAlias();
+    /// The alias with a number, counted from 0.
+    static std::u16string ToAlias(std::size_t nNumber);
 
 private:
     struct Hash

@@ -22,7 +22,8 @@ constexpr std::size_t kBlockOctets = 64 * 1024;
 constexpr std::size_t kLongestInBlock = kBlockOctets / 4;
 constexpr std::size_t kLargeOctets = 2 * 1024 * 1024;
 
-thread_local CParserMemory * t_pMemory = nullptr;
+// At a fixed place, see ThreadStack.cpp.
+__attribute__((tls_model("initial-exec"))) thread_local CParserMemory * t_pMemory = nullptr;
 
 } // namespace
 

@@ -20,6 +20,9 @@ namespace
 
 CInstanceName g_contextName(u"CXmlWriterContext");
 
+/// So many are looked through without an index.
+constexpr std::size_t kFewDeclarations = 16;
+
 /// The names of elements at one level are often those of the last one there.
 void KeepText(std::u16string & strKept, std::u16string const & strText)
 {
@@ -272,6 +275,14 @@ void CXmlWriter::WriteAttributeView(
 
 std::u16string CXmlWriter::GenerateNamespaceAlias(CNamespaceMap const & namespaces)
 {
+    if (namespaces.size() < kFewDeclarations)
+        for (std::size_t nNumber = 0;; ++nNumber)
+        {
+            std::u16string strAlias = CNamespaceIndex::ToAlias(nNumber);
+            auto const isIt = [&strAlias](auto const & entry) { return entry.second == strAlias; };
+            if (std::none_of(namespaces.begin(), namespaces.end(), isIt))
+                return strAlias;
+        }
     CNamespaceIndex index;
     for (auto const & entry : namespaces)
         index.Declare(entry.first, entry.second);
@@ -377,25 +388,27 @@ CNamespaceIndex * CXmlWriter::IndexOf(CXmlWriterContext const & context)
 std::u16string const * CXmlWriter::FindKnownPrefix(CXmlWriterContext const & context, std::u16string const & strUri)
 {
     CXmlWriterContext::CScope const & scope = *context.m_pScope->m_spScope;
-    if (m_lastAlias.nState == scope.nState && EqualText(m_lastAlias.strUri, strUri))
-        return m_lastAlias.pAlias;
-    CNamespaceIndex const * const pIndex = IndexOf(context);
-    std::u16string const * const pAlias = pIndex != nullptr ? pIndex->Find(strUri) : scope.Find(strUri);
-    if (pAlias != nullptr)
+    if (scope.pOuter != nullptr)
     {
-        m_lastAlias.nState = 0;
-        m_lastAlias.strUri = strUri;
-        m_lastAlias.pAlias = pAlias;
-        m_lastAlias.nState = scope.nState;
+        CNamespaceIndex const * const pIndex = IndexOf(context);
+        return pIndex != nullptr ? pIndex->Find(strUri) : scope.Find(strUri);
     }
-    return pAlias;
+    if (m_lastAlias.nState == scope.nState && EqualText(m_lastAlias.pEntry->first, strUri))
+        return &m_lastAlias.pEntry->second;
+    auto const it = scope.own.find(strUri);
+    if (it == scope.own.end())
+        return nullptr;
+    m_lastAlias = {&*it, scope.nState};
+    return &it->second;
 }
 
 CXmlWriter::CPrefix CXmlWriter::FindPrefix(CXmlWriterContext & context, std::u16string const & strUri)
 {
     if (std::u16string const * const pAlias = FindKnownPrefix(context, strUri))
         return {pAlias, false};
-    CNamespaceIndex * const pIndex = IndexOf(context);
+    CXmlWriterContext::CScope const & known = *context.m_pScope->m_spScope;
+    bool const bFew = known.pOuter == nullptr && known.own.size() < kFewDeclarations;
+    CNamespaceIndex * const pIndex = bFew ? nullptr : IndexOf(context);
     context.AddNamespace(
         strUri, pIndex != nullptr ? pIndex->FirstFreeAlias() : GenerateNamespaceAlias(context.GetNamespaces()));
     CXmlWriterContext::CScope const & scope = *context.m_spScope;

@@ -244,11 +244,10 @@ private:
     friend class CWriteLease;
 
     struct Slot;
-    /// The alias found last.
+    /// The declaration found last in a map.
     struct LastAlias
     {
-        std::u16string strUri;
-        std::u16string const * pAlias = nullptr;
+        CNamespaceMap::value_type const * pEntry = nullptr;
         std::uint64_t nState = 0; ///< of the scope; 0 for none
     };
 

@@ -11,7 +11,7 @@ CKeyedHash::CKeyedHash()
     {
         std::random_device device;
         auto const draw = [&device] { return std::uint64_t(device()) << 32 | device(); };
-        return Key{draw(), draw()};
+        return Key{draw(), draw(), draw() | 1};
     }();
     m_key = s_key;
 }

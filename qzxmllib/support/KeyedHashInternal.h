@@ -24,13 +24,10 @@ public:
         state.Take(static_cast<std::uint64_t>(nOctets) << 56 | Load(p, nLeft));
         return state.Finish();
     }
-    /// The hash of two words.
+    /// The hash of two words: products of 128 bits, both factors of which depend on the key.
     std::uint64_t operator()(std::uint64_t nFirst, std::uint64_t nSecond) const noexcept
     {
-        State state(m_key);
-        state.Take(nFirst);
-        state.Take(nSecond);
-        return state.Finish();
+        return Fold(Fold(nFirst ^ m_key.n0, nSecond ^ m_key.n1) ^ m_key.n1, m_key.n2);
     }
 
 private:
@@ -38,7 +35,14 @@ private:
     {
         std::uint64_t n0;
         std::uint64_t n1;
+        std::uint64_t n2; ///< odd
     };
+
+    static std::uint64_t Fold(std::uint64_t nLeft, std::uint64_t nRight) noexcept
+    {
+        auto const nProduct = static_cast<unsigned __int128>(nLeft) * nRight;
+        return static_cast<std::uint64_t>(nProduct) ^ static_cast<std::uint64_t>(nProduct >> 64);
+    }
 
     class State
     {

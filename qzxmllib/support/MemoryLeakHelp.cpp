@@ -112,7 +112,8 @@ std::vector<CInstanceCounters *> & Shards()
     return *s_pShards;
 }
 
-thread_local CInstanceCounters * t_pShard = nullptr;
+// At a fixed place, see ThreadStack.cpp.
+__attribute__((tls_model("initial-exec"))) thread_local CInstanceCounters * t_pShard = nullptr;
 thread_local bool t_bShardGone = false;
 
 /// Folds the shard of a thread into the shared counts when the thread ends.

@@ -14,8 +14,12 @@ namespace
 
 constexpr std::uintptr_t kReserve = 32 * 1024;
 
+// Words of a thread that are asked for with every object lie at a fixed place: the general way is a call, which cost 4
+// to 9 % of most rows of bench_orders at 4 KB (medians of 5 alternating runs). All thread-local data of the library
+// together stay below 200 octets, so that it can be loaded at run time.
+
 /// The lowest address of the thread's stack. 0 before the first question, and 1 if it cannot be found out.
-thread_local std::uintptr_t t_nStackEnd = 0;
+__attribute__((tls_model("initial-exec"))) thread_local std::uintptr_t t_nStackEnd = 0;
 
 [[gnu::noinline]] std::uintptr_t FindStackEnd() noexcept
 {
