@@ -72,7 +72,7 @@ void CdatetimeBaseCol::ToXml_Int(
     {
         pWriter->WriteStartElement(m_strElementName, m_strNamespace);
         // Writers are told one kind for all five.
-        pWriter->WriteText(ItemToString(m_items[i]), ItemType_datetime);
+        pWriter->WriteText(const_cast<CdatetimeBaseCol *>(this)->ItemToString(m_items[i]), ItemType_datetime);
         pWriter->WriteEndElement();
     }
 }
@@ -108,13 +108,13 @@ void CDateKindCol<eType, eDTType>::AddAt(int nIndex, CDateTime const & value)
 }
 
 template <ItemType eType, CDateTime::DTType eDTType>
-void CDateKindCol<eType, eDTType>::AddFromString(std::u16string_view text)
+void CDateKindCol<eType, eDTType>::AddFromString(std::u16string strText)
 {
-    Add(ItemTraits<eType>::FromText(text, m_eWhitespaceRule));
+    Add(ItemTraits<eType>::FromText(strText, m_eWhitespaceRule));
 }
 
 template <ItemType eType, CDateTime::DTType eDTType>
-std::u16string CDateKindCol<eType, eDTType>::ItemToString(CDateTime const & value) const
+std::u16string CDateKindCol<eType, eDTType>::ItemToString(CDateTime const & value)
 {
     std::u16string strText;
     ItemTraits<eType>::ToText(value, m_strFormat, strText);

@@ -42,7 +42,7 @@ protected:
 
     void ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t const * namespaceUri, CSerializationContext const & ctx,
         bool emptyChoiceAllowed) const override;
-    virtual std::u16string ItemToString(CDateTime const & value) const = 0;
+    virtual std::u16string ItemToString(CDateTime const & value) = 0;
 
     /// Adds a value that has been checked, with its events. The test of the index comes behind the first of them.
     void BaseAddAt(int nIndex, CDateTime const & value);
@@ -70,8 +70,8 @@ public:
 protected:
     ~CDateKindCol() override;
 
-    void AddFromString(std::u16string_view text) override;
-    std::u16string ItemToString(CDateTime const & value) const override;
+    void AddFromString(std::u16string strText) override;
+    std::u16string ItemToString(CDateTime const & value) override;
 };
 
 // clang-format off

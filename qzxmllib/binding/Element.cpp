@@ -37,6 +37,9 @@ constexpr std::u16string_view kKeywords[] = {u"##any", u"##other", u"##local", u
 /// Levels that are open outside the fragments that this thread writes.
 __attribute__((tls_model("initial-exec"))) thread_local std::int32_t t_nOuterLevels = 0;
 
+/// Levels of trees that this thread writes, whatever the writer makes of them.
+__attribute__((tls_model("initial-exec"))) thread_local std::int32_t t_nWalkLevels = 0;
+
 /// Levels of a tree that are destroyed one inside the other. What lies deeper waits in a list.
 constexpr int kNestedDestructions = 64;
 /// The same on a stack that is nearly used up.
@@ -68,8 +71,18 @@ void RequireText(char16_t const * pText, char16_t const * pszMessage)
 std::int32_t OpenLevels(CXmlWriter const & writer)
 {
     // The depth of the innermost record is no such count: writers indent by it.
-    return t_nOuterLevels + static_cast<std::int32_t>(writer.GetOpenElements());
+    return std::max(t_nWalkLevels, t_nOuterLevels + static_cast<std::int32_t>(writer.GetOpenElements()));
 }
+
+/// Counts a level while its children are written.
+class CWalkLevel
+{
+public:
+    CWalkLevel() { ++t_nWalkLevels; }
+    CWalkLevel(CWalkLevel const &) = delete;
+    CWalkLevel & operator=(CWalkLevel const &) = delete;
+    ~CWalkLevel() { --t_nWalkLevels; }
+};
 
 /// Counts the levels outside a fragment while it is written.
 class COuterLevels
@@ -217,16 +230,16 @@ CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CShared
     m_strElementName = source.GetLocalName();
 }
 
-CElement::CElement(CElement const * pOriginal)
-    : CXmlObjectBase(*pOriginal), CInstanceMonitor(g_elementName), m_text(pOriginal->m_text),
-      m_strNamespace(pOriginal->m_strNamespace), m_strNamespaceRestriction(pOriginal->m_strNamespaceRestriction),
-      m_strTargetNamespace(pOriginal->m_strTargetNamespace),
-      m_bCollectionsTakeNamespace(pOriginal->m_bCollectionsTakeNamespace)
+CElement::CElement(CloneOf const & source)
+    : CXmlObjectBase(source.original), CInstanceMonitor(g_elementName), m_text(source.original.m_text),
+      m_strNamespace(source.original.m_strNamespace), m_strNamespaceRestriction(source.original.m_strNamespaceRestriction),
+      m_strTargetNamespace(source.original.m_strTargetNamespace),
+      m_bCollectionsTakeNamespace(source.original.m_bCollectionsTakeNamespace)
 {
-    if (pOriginal->m_spAttributes != nullptr)
-        m_spAttributes = pOriginal->m_spAttributes->Clone();
-    if (pOriginal->m_spChildElements != nullptr)
-        m_spChildElements = pOriginal->m_spChildElements->MakeEmptyClone();
+    if (source.original.m_spAttributes != nullptr)
+        m_spAttributes = source.original.m_spAttributes->Clone();
+    if (source.original.m_spChildElements != nullptr)
+        m_spChildElements = source.original.m_spChildElements->MakeEmptyClone();
 }
 
 CElement::~CElement()
@@ -370,6 +383,7 @@ void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & 
     if (bChildren)
     {
         RequireStack();
+        CWalkLevel const level;
         CXmlObjectBase::ToXml_Int(m_spChildElements, pWriter, false, u"", ctx, false);
     }
     pWriter->WriteTextView(m_text.View(), ItemType_string);
@@ -403,7 +417,7 @@ CSmartPtr<CElement> CElement::Clone() const
         CNode const * pNext;
         CElementCol * pClones;
     };
-    CSmartPtr<CElement> spClone(new CElement(this));
+    CSmartPtr<CElement> spClone(new CElement(CloneOf{*this}));
     std::vector<Level> levels{{FirstChildNode(), spClone->m_spChildElements}};
     while (!levels.empty())
     {
@@ -417,7 +431,7 @@ CSmartPtr<CElement> CElement::Clone() const
             ThrowTooDeep();
         auto const * const pChild = static_cast<CElement const *>(level.pNext->m_spItem.Get());
         level.pNext = level.pNext->m_pNext;
-        CSmartPtr<CElement> const spChild(new CElement(pChild));
+        CSmartPtr<CElement> const spChild(new CElement(CloneOf{*pChild}));
         level.pClones->AppendItem(spChild);
         levels.push_back({pChild->FirstChildNode(), spChild->m_spChildElements});
     }

@@ -107,7 +107,11 @@ private:
     CElement(CXmlElement const & source, CSharedText strNamespace, CSharedText strTargetNamespace,
         bool bCollectionsTakeNamespace);
     /// A clone without children.
-    explicit CElement(CElement const * pOriginal);
+    struct CloneOf
+    {
+        CElement const & original;
+    };
+    explicit CElement(CloneOf const & source);
 
     // The collections. Those of an element that was read come up when something is put into them or they are asked for.
     CAttributeCol & Attributes() const

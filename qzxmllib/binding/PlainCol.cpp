@@ -86,9 +86,9 @@ void CPlainCol<eType, Value>::ToXml_Int(
 }
 
 template <ItemType eType, class Value>
-void CPlainCol<eType, Value>::AddFromString(std::u16string_view text)
+void CPlainCol<eType, Value>::AddFromString(std::u16string strText)
 {
-    Add(ItemTraits<eType>::FromText(text, m_eWhitespaceRule));
+    Add(ItemTraits<eType>::FromText(strText, m_eWhitespaceRule));
 }
 
 template class CPlainCol<ItemType_hexBinary, CBinaryData>;

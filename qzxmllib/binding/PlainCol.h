@@ -52,7 +52,7 @@ protected:
 
     void ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t const * namespaceUri, CSerializationContext const & ctx,
         bool emptyChoiceAllowed) const override;
-    void AddFromString(std::u16string_view text) override;
+    void AddFromString(std::u16string strText) override;
 
 private:
     CItemList<Value> m_items;

@@ -27,7 +27,7 @@ CXmlElement * CXmlTypeCollection::FromXml_Int(
 {
     while (pChild != nullptr && DoesElementNameMatch(ctx, pChild, m_strElementName.c_str(), m_strNamespace.c_str()))
     {
-        AddFromString(pChild->GetTextView());
+        AddFromString(std::u16string(pChild->GetTextView()));
         pChild = pChild->GetNextSiblingElement();
     }
     return pChild;

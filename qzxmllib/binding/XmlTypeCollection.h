@@ -35,7 +35,7 @@ protected:
     CXmlElement * FromXml_Int(CXmlElement * pElement, CXmlElement * pChild, CSerializationContext const & ctx,
         bool emptyChoiceAllowed) override;
     /// Converts the text and adds the value.
-    virtual void AddFromString(std::u16string_view text) = 0;
+    virtual void AddFromString(std::u16string strText) = 0;
 
     // Both throw CQzInvalidParamException.
     void ThrowUnlessItem(int nIndex) const;

@@ -15,9 +15,14 @@ class QZXMLLIB_API CFastInfosetBinaryData : public CBinaryData
 public:
     using CBinaryData::CBinaryData;
     CFastInfosetBinaryData() = default;
-    explicit CFastInfosetBinaryData(CBinaryData const & data) : CBinaryData(data) {}
+    CFastInfosetBinaryData(CBinaryData const & data) : CBinaryData(data) {}
     CFastInfosetBinaryData(CFastInfosetBinaryData const & other) = default;
     CFastInfosetBinaryData & operator=(CFastInfosetBinaryData const & other) = default;
+    CFastInfosetBinaryData & operator=(CBinaryData const & data)
+    {
+        CBinaryData::operator=(data);
+        return *this;
+    }
     ~CFastInfosetBinaryData() override;
 
     /// The text of the octets; several values are joined with blanks. No octets give an empty text for any index.

@@ -24,7 +24,8 @@ public:
     /// The form in which the values of one primitive kind travel.
     struct EncodedCharacterString
     {
-        EncodedCharacterStringKind m_eKind = ECS_DefaultEncoding;
+        /// One of EncodedCharacterStringKind.
+        std::uint32_t m_eKind = ECS_DefaultEncoding;
         /// Of the alphabet or the algorithm, from 1 on. Not looked at for ECS_DefaultEncoding.
         std::uint32_t m_dwIndex = 0;
     };

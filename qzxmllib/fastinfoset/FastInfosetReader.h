@@ -27,7 +27,7 @@ struct FIStringForm;
 ///
 /// An octet of input may name a long entry of a table, so the tree can be much larger than the input; the read limits
 /// of the context of the document bound that, and the nesting depth.
-class QZXMLLIB_API CFastInfosetReader : private CInstanceMonitor
+class QZXMLLIB_API CFastInfosetReader : public CInstanceMonitor
 {
 public:
     CFastInfosetReader(CFastInfosetContext const & context, CXmlDocument & doc);

@@ -13,7 +13,7 @@ namespace QzXmlLib16
 
 /// Traces the events to the debug output, keeps the path of what is open, and hands each event on. The path is brought
 /// up to date before the event is handed on.
-class QZXMLLIB_API CJsonReaderDefaultHandler final : public IJsonReaderHandler, public IErrorPathProvider
+class QZXMLLIB_API CJsonReaderDefaultHandler : public IJsonReaderHandler, public IErrorPathProvider
 {
 public:
     CJsonReaderDefaultHandler();

@@ -16,7 +16,7 @@ namespace QzXmlLib16
 
 /// Turns JSON into XML text: a name becomes an element, an array repeats its name, "@x" becomes an attribute and
 /// "#text" the text beside attributes. Prefixes and declarations go into the XML as they stand.
-class QZXMLLIB_API CJsonReaderToXmlHandler final : public IJsonReaderHandler
+class QZXMLLIB_API CJsonReaderToXmlHandler : public IJsonReaderHandler
 {
 public:
     /// Both objects stay the caller's and must outlive the handler.

@@ -13,7 +13,7 @@ namespace QzXmlLib16
 /// Reads one JSON text and reports what it finds to a handler. A line feed is never significant, so one in a string or
 /// in a number vanishes, and what stands behind the first value is not looked at. A fault of the text throws
 /// CQzValidationException with line, position and path. Read runs once.
-class QZXMLLIB_API CJsonTextReader : private CInstanceMonitor
+class QZXMLLIB_API CJsonTextReader : public CInstanceMonitor
 {
 public:
     /// The text must outlive the reader.

@@ -360,14 +360,14 @@ void CDateTime::SetDateTime(CDateTime const & source, DTType eType)
     m_eType = eType;
 }
 
-int CDateTime::GetZoneHour() const
+short CDateTime::GetZoneHour() const
 {
     if (!HasTimeZone())
         throw CQzInvalidStateException(u"TimeZone is not been used");
     return m_nZoneHour;
 }
 
-int CDateTime::GetZoneMinute() const
+unsigned char CDateTime::GetZoneMinute() const
 {
     if (!HasTimeZone())
         throw CQzInvalidStateException(u"TimeZone is not been used");

@@ -158,8 +158,8 @@ public:
     bool HasTimeZone() const noexcept { return m_nZoneMinute < 60; }
     // These need an offset, else they throw CQzInvalidStateException. The hour has the sign of the offset, the minute
     // has none: -00:30 is held as +00:30.
-    int GetZoneHour() const;
-    int GetZoneMinute() const;
+    short GetZoneHour() const;
+    unsigned char GetZoneMinute() const;
     /// Sets the zone to "Z"; the fields stay as they are.
     void SetUTC() noexcept;
     /// Sets the offset; the fields stay as they are. Throws CQzInvalidValueException unless the hour lies from -23 to
