@@ -232,7 +232,8 @@ CElement::CElement(CXmlElement const & source, CSharedText strNamespace, CShared
 
 CElement::CElement(CloneOf const & source)
     : CXmlObjectBase(source.original), CInstanceMonitor(g_elementName), m_text(source.original.m_text),
-      m_strNamespace(source.original.m_strNamespace), m_strNamespaceRestriction(source.original.m_strNamespaceRestriction),
+      m_strNamespace(source.original.m_strNamespace),
+      m_strNamespaceRestriction(source.original.m_strNamespaceRestriction),
       m_strTargetNamespace(source.original.m_strTargetNamespace),
       m_bCollectionsTakeNamespace(source.original.m_bCollectionsTakeNamespace)
 {

@@ -1,5 +1,6 @@
 #include "qzxmllib/support/BlockMemoryInternal.h"
 
+#include "qzxmllib/support/ThreadExitInternal.h"
 #include "qzxmllib/support/ThreadMemoryInternal.h"
 
 #include <algorithm>
@@ -134,21 +135,19 @@ private:
 thread_local CThreadMemory * t_pThreadMemory = nullptr;
 thread_local bool t_bThreadEnds = false;
 
+void DropThreadMemory()
+{
+    t_bThreadEnds = true;
+    TrimMemory();
+}
+
+CThreadExit g_threadExit(&DropThreadMemory);
+
 /// Of the calling thread; null while the thread ends or if there is no memory for it.
 CThreadMemory * OfThread() noexcept
 {
-    struct Cleaner
-    {
-        ~Cleaner()
-        {
-            t_bThreadEnds = true;
-            delete std::exchange(t_pThreadMemory, nullptr);
-        }
-    };
-    if (t_pThreadMemory != nullptr || t_bThreadEnds)
+    if (t_pThreadMemory != nullptr || t_bThreadEnds || !g_threadExit.Ask())
         return t_pThreadMemory;
-    static thread_local Cleaner const t_cleaner;
-    static_cast<void>(t_cleaner);
     return t_pThreadMemory = new (std::nothrow) CThreadMemory;
 }
 

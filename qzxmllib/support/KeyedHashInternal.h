@@ -92,7 +92,8 @@ private:
     static std::uint64_t Load(unsigned char const * p, std::size_t nOctets) noexcept
     {
         std::uint64_t n = 0;
-        std::memcpy(&n, p, nOctets);
+        if (nOctets != 0)
+            std::memcpy(&n, p, nOctets);
         return n;
     }
 

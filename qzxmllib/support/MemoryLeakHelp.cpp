@@ -1,6 +1,7 @@
 #include "qzxmllib/support/MemoryLeakHelp.h"
 
 #include "qzxmllib/support/MemoryLeakHelpInternal.h"
+#include "qzxmllib/support/ThreadExitInternal.h"
 #include "qzxmllib/support/Utf8Internal.h"
 
 #include <algorithm>
@@ -10,8 +11,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace
@@ -88,7 +91,7 @@ struct CInstanceCounters
         return static_cast<unsigned>((nBits >> 2) ^ (nBits >> 8)) % kCacheSlots;
     }
 
-    static CInstanceCounters * OfThread();
+    static CInstanceCounters * OfThread() noexcept;
     static void CountShared(ClassType & ct, std::int64_t nLive, std::int64_t nTotal);
     static ClassType & Find(char16_t const * name);
     static std::int64_t Sum(ClassType const & ct, std::atomic<std::int64_t> Counter::*pField, std::int64_t nBase);
@@ -116,31 +119,34 @@ std::vector<CInstanceCounters *> & Shards()
 __attribute__((tls_model("initial-exec"))) thread_local CInstanceCounters * t_pShard = nullptr;
 thread_local bool t_bShardGone = false;
 
-/// Folds the shard of a thread into the shared counts when the thread ends.
-struct ShardOwner
+/// Folds the shard of a thread that ends into the shared counts.
+void FoldShard()
 {
-    ~ShardOwner()
-    {
-        CInstanceCounters * const pShard = t_pShard;
-        t_pShard = nullptr;
-        t_bShardGone = true;
-        if (pShard != nullptr)
-            CInstanceCounters::Retire(pShard);
-    }
-};
+    CInstanceCounters * const pShard = std::exchange(t_pShard, nullptr);
+    t_bShardGone = true;
+    if (pShard != nullptr)
+        CInstanceCounters::Retire(pShard);
+}
+
+QzXmlLib16::CThreadExit g_threadExit(&FoldShard);
 
 } // namespace
 
-CInstanceCounters * CInstanceCounters::OfThread()
+/// Null while the thread ends and if there is no memory for a shard: the shared counts serve then.
+CInstanceCounters * CInstanceCounters::OfThread() noexcept
 {
-    if (t_pShard != nullptr || t_bShardGone)
+    if (t_pShard != nullptr || t_bShardGone || !g_threadExit.Ask())
         return t_pShard;
-    static thread_local ShardOwner t_owner;
-    static_cast<void>(t_owner);
-    auto pShard = std::make_unique<CInstanceCounters>();
-    CLockGuard const guard(CInstanceMonitor::m_cs);
-    Shards().push_back(pShard.get());
-    t_pShard = pShard.release();
+    try
+    {
+        auto pShard = std::make_unique<CInstanceCounters>();
+        CLockGuard const guard(CInstanceMonitor::m_cs);
+        Shards().push_back(pShard.get());
+        t_pShard = pShard.release();
+    }
+    catch (std::bad_alloc const &)
+    {
+    }
     return t_pShard;
 }
 

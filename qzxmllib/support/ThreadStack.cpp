@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <pthread.h>
 
 namespace QzXmlLib16
@@ -23,6 +24,12 @@ __attribute__((tls_model("initial-exec"))) thread_local std::uintptr_t t_nStackE
 
 [[gnu::noinline]] std::uintptr_t FindStackEnd() noexcept
 {
+    // The platform does not survive running out of memory in its answer: the question waits until there is enough.
+    constexpr std::size_t kMemoryOfAnswer = 16 * 1024;
+    void * const pMemory = std::malloc(kMemoryOfAnswer);
+    if (pMemory == nullptr)
+        return 1;
+    std::free(pMemory);
     t_nStackEnd = 1;
 #if defined(__linux__)
     pthread_attr_t attributes;
