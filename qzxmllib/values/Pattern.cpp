@@ -169,8 +169,11 @@ pcre2_code * Compile(std::u16string_view expression, int & nError)
 {
     std::string const strUtf8 = ToUtf8(expression);
     PCRE2_SIZE nOffset = 0;
-    return pcre2_compile(
+    pcre2_code * const pCode = pcre2_compile(
         reinterpret_cast<PCRE2_SPTR>(strUtf8.data()), strUtf8.size(), PCRE2_UTF, &nError, &nOffset, nullptr);
+    if (pCode == nullptr && nError == PCRE2_ERROR_HEAP_FAILED)
+        throw std::bad_alloc();
+    return pCode;
 }
 
 template <class T, void (*pfnFree)(T *)>
@@ -243,6 +246,8 @@ bool CPattern::Matches(std::u16string_view value) const
     int const nResult =
         pcre2_match(static_cast<pcre2_code const *>(m_pCode), reinterpret_cast<PCRE2_SPTR>(strUtf8.data()),
             strUtf8.size(), 0, PCRE2_ANCHORED | PCRE2_NO_UTF_CHECK, spData.get(), spContext.get());
+    if (nResult == PCRE2_ERROR_NOMEMORY)
+        throw std::bad_alloc();
     if (nResult < 0)
         return false;
     // "$" is content in front of a last line feed.

@@ -198,6 +198,15 @@ std::vector<Operation> MakeOperations()
                 spCol->Add(u"abc123");
                 return Utf8(copy.ToString(u"")) + Utf8((big * big).ToString());
             }},
+        {"LongPattern", // too long to be kept
+            []
+            {
+                std::u16string const strPattern = Repeated<std::u16string>(u"(a|[b-d]{2,3})", 300);
+                CSmartPtr<CstringCol> const spCol(new CstringCol(u"e", u"", 0, -1, strPattern.c_str(), -1, -1, u"", u"",
+                    u"", u"", -1, -1, -1, CWhitespaceUtils::WhitespaceRule_None, u""));
+                spCol->Add(std::u16string(300, u'a').c_str());
+                return std::string("matched");
+            }},
         {"Trim",
             []
             {
@@ -218,9 +227,10 @@ bool RunFailing(Operation const & operation, std::size_t n)
         operation.run();
         t_bStaged = false;
     }
-    catch (CQzException const &)
+    catch (CQzException const & e)
     {
         t_bStaged = false;
+        EXPECT_EQ(e.GetFullMessage().find(u"Invalid Regular Expression"), std::u16string::npos);
     }
     catch (std::bad_alloc const &)
     {
