@@ -1,11 +1,12 @@
 #!/bin/bash
 # Installs what is missing of the Debian packages that the project needs, as root or by sudo.
-# usage: install-deps.sh [GROUP...]   groups: build test bench ci (default: build)
+# usage: install-deps.sh [GROUP...]   groups: build test generator bench ci (default: build)
 set -euo pipefail
 
 declare -A packages=(
     [build]="g++ make cmake ninja-build pkg-config libexpat1-dev zlib1g-dev libpcre2-dev python3"
     [test]="libgtest-dev libgmock-dev googletest libgmp-dev jq locales python3"
+    [generator]="libxerces-c-dev libcli11-dev libxml2-utils"
     [bench]="libbenchmark-dev libexpat1-dev"
     [ci]="clang libclang-rt-14-dev clang-format binutils doxygen"
 )

@@ -113,6 +113,34 @@ bool IsBuiltIn(XSSimpleTypeDefinition & definition)
     return !definition.getAnonymous() && ToUtf8(definition.getNamespace()) == kSchemaNamespace;
 }
 
+std::vector<std::string> ToStrings(xercesc::StringList * pValues)
+{
+    std::vector<std::string> values;
+    for (XMLSize_t n = 0; pValues != nullptr && n < pValues->size(); ++n)
+        values.push_back(ToUtf8(pValues->elementAt(n)));
+    return values;
+}
+
+/// Takes out the patterns by which the parser checks built-in types, as xs:integer: derived types repeat them.
+void DropPatternsOfBuiltIns(SimpleType & type, XSSimpleTypeDefinition * pStep)
+{
+    while (pStep != nullptr)
+    {
+        auto * const pLists = pStep->getMultiValueFacets();
+        for (XMLSize_t i = 0; pLists != nullptr && i < pLists->size(); ++i)
+        {
+            auto & patterns = type.facets.patterns;
+            patterns.erase(
+                std::remove(patterns.begin(), patterns.end(), ToStrings(pLists->elementAt(i)->getLexicalFacetValues())),
+                patterns.end());
+        }
+        auto * const pBase = pStep->getBaseType();
+        bool const bUp =
+            pBase != nullptr && pBase != pStep && pBase->getTypeCategory() == xercesc::XSTypeDefinition::SIMPLE_TYPE;
+        pStep = bUp ? static_cast<XSSimpleTypeDefinition *>(pBase) : nullptr;
+    }
+}
+
 void SetBuiltIn(SimpleType & type, BuiltInRow const & row)
 {
     type.strKind = row.pszKind;
@@ -161,6 +189,7 @@ void CSimpleTypeBuilder::Fill(SimpleType & type, XSSimpleTypeDefinition & defini
                               static_cast<XSSimpleTypeDefinition *>(pBase)->getVariety() == pStep->getVariety();
         pStep = bDerived ? static_cast<XSSimpleTypeDefinition *>(pBase) : nullptr;
     }
+    DropPatternsOfBuiltIns(type, pStep);
     // IDREFS, NMTOKENS and ENTITIES are lists that are built in.
     switch (definition.getVariety())
     {
@@ -215,13 +244,10 @@ void CSimpleTypeBuilder::AddStep(SimpleType & type, XSSimpleTypeDefinition & def
         for (XMLSize_t i = 0; i < pLists->size(); ++i)
         {
             auto & facet = *pLists->elementAt(i);
-            auto * const pValues = facet.getLexicalFacetValues();
-            std::vector<std::string> values;
-            for (XMLSize_t n = 0; pValues != nullptr && n < pValues->size(); ++n)
-                values.push_back(ToUtf8(pValues->elementAt(n)));
+            std::vector<std::string> values = ToStrings(facet.getLexicalFacetValues());
             if (facet.getFacetKind() == XSSimpleTypeDefinition::FACET_PATTERN)
             {
-                // A step repeats the patterns of its base in some versions of the parser.
+                // The parser repeats the patterns of the base, also those by which it checks built-in types itself.
                 if (std::find(type.facets.patterns.begin(), type.facets.patterns.end(), values) ==
                     type.facets.patterns.end())
                     type.facets.patterns.push_back(std::move(values));

@@ -104,15 +104,12 @@ public:
 
     xercesc::InputSource * resolveEntity(xercesc::XMLResourceIdentifier * pIdentifier) override
     {
-        auto const strLocation =
-            pIdentifier->getResourceIdentifierType() == xercesc::XMLResourceIdentifier::ExternalEntity
-                ? std::string()
-                : ToUtf8(pIdentifier->getSchemaLocation());
-        auto const strNamespaceUri = ToUtf8(pIdentifier->getNameSpace());
-        if (pIdentifier->getResourceIdentifierType() != xercesc::XMLResourceIdentifier::ExternalEntity)
-            if (auto * const pSource = Resolve(strNamespaceUri, strLocation, ToUtf8(pIdentifier->getBaseURI())))
-                return pSource;
-        return MakeMemorySource(m_strEmpty, "none");
+        // A document type that a schema names is never fetched.
+        if (pIdentifier->getResourceIdentifierType() == xercesc::XMLResourceIdentifier::ExternalEntity)
+            return MakeMemorySource(m_strEmpty, "none");
+        // Null leaves an import without a document: what it should bring is missed when it is asked for.
+        return Resolve(ToUtf8(pIdentifier->getNameSpace()), ToUtf8(pIdentifier->getSchemaLocation()),
+            ToUtf8(pIdentifier->getBaseURI()));
     }
 
     void warning(xercesc::SAXParseException const & failure) override { Add(Severity::Warning, failure); }
