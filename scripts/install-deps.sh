@@ -8,7 +8,7 @@ declare -A packages=(
     [test]="libgtest-dev libgmock-dev googletest libgmp-dev jq locales python3"
     [generator]="libxerces-c-dev libcli11-dev libxml2-utils"
     [bench]="libbenchmark-dev libexpat1-dev"
-    [ci]="clang libclang-rt-14-dev clang-format binutils doxygen"
+    [ci]="clang libclang-rt-14-dev clang-format binutils doxygen gcovr"
 )
 
 wanted=()
