@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace QzXmlLib16
 {
@@ -51,7 +52,9 @@ unsigned char * COctetChain::RoomInNewBlock(std::size_t nOctets)
     Block block{nullptr, 0, 0};
     if (m_blocks.empty() && t_nLastOutput != 0)
     {
-        block.nSize = std::max(nOctets, t_nLastOutput + t_nLastOutput / 8 + kSmallestSpace / 2);
+        // Taken by one output at a time: of many that are open at once the others begin small.
+        std::size_t const nLast = std::exchange(t_nLastOutput, 0);
+        block.nSize = std::max(nOctets, nLast + nLast / 8 + kSmallestSpace / 2);
         m_spFirst = std::make_unique<CNewOctets>(block.nSize);
         block.pFirst = m_spFirst->Get();
     }

@@ -3,12 +3,15 @@
 #include "qzxmllib/document/StringBuffer.h"
 #include "qzxmllib/document/TextStream.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/document/XmlTextWriter.h"
 #include "qzxmllib/support/PlatformFileInternal.h"
 #include "tests/support/TestFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
+#include <memory>
 #include <sys/stat.h>
 
 using namespace QzXmlLib16;
@@ -112,6 +115,39 @@ TEST(TextStreamTest, TextAndOctetsStayWholeAcrossFlushes)
     stream.Write(u"end");
     EXPECT_EQ(TextOf(stream.GetBinary()), strOctets + "end");
     EXPECT_EQ(stream.TakeText(), strText + u"end");
+}
+
+/// A large output makes the thread expect another one, not one in each of many streams.
+TEST(TextStreamTest, ManyStreamsAfterALargeOutput)
+{
+    {
+        CTextStream large(XmlEncoding_UTF8);
+        CXmlTextWriter writer(&large);
+        writer.StartDocument();
+        writer.WriteStartElement(u"a", u"");
+        writer.WriteText(std::u16string(40000000, u'x'), ItemType_string);
+        writer.WriteEndElement();
+        writer.EndDocument();
+        EXPECT_EQ(large.TakeBinary().GetLength(), 40000008u);
+    }
+    auto const addressSpace = []
+    {
+        std::size_t nPages = 0;
+        std::ifstream("/proc/self/statm") >> nPages;
+        return nPages * 4096;
+    };
+    std::size_t const nBefore = addressSpace();
+    std::vector<std::unique_ptr<CTextStream>> streams;
+    for (int n = 0; n < 20; ++n)
+    {
+        streams.push_back(std::make_unique<CTextStream>(XmlEncoding_UTF8));
+        CXmlTextWriter writer(streams.back().get());
+        writer.StartDocument();
+        writer.WriteStartElement(u"a", u"");
+        writer.WriteEndElement();
+        writer.EndDocument();
+    }
+    EXPECT_LT(addressSpace(), nBefore + 100000000);
 }
 
 TEST(TextStreamTest, WhatCannotBeEncodedWaitsForTheQuestion)
