@@ -1,5 +1,6 @@
 #include "examples/support/ElementTree.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -10,8 +11,24 @@ namespace
 
 using namespace QzXmlLib16;
 
+/// Whether XML text can hold the name. Those with characters beyond ASCII are not judged.
+bool IsPlainName(std::u16string const & strName)
+{
+    constexpr char16_t kLetters[] = u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_";
+    constexpr char16_t kOthers[] = u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_.-0123456789";
+    return strName.find_first_of(kLetters) == 0 && strName.find_first_not_of(kOthers) == std::u16string::npos;
+}
+
+/// Whether XML text can hold the characters. Fast Infoset holds others too.
+bool IsPlainText(std::u16string const & strText)
+{
+    return std::all_of(strText.begin(), strText.end(),
+        [](char16_t c) { return (c >= 32 || c == u'\n' || c == u'\t' || c == u'\r') && c < 0xFFFE; });
+}
+
 /// What docs/losses.md names is left out of the comparison: characters that an attribute or a text does not keep, text
-/// that is written as a section, and references in a URI.
+/// that is written as a section, and references in a URI. So are names and text from Fast Infoset that XML text cannot
+/// hold.
 bool IsKept(CElement & top)
 {
     std::vector<CElement *> open{&top};
@@ -21,10 +38,12 @@ bool IsKept(CElement & top)
     {
         CElement & element = *open.back();
         open.pop_back();
-        if (element.GetText().rfind(u"<![CDATA[", 0) == 0 || !isPlainUri(element.GetNamespace()))
+        if (!IsPlainName(element.GetName()) || !IsPlainText(element.GetText()) ||
+            element.GetText().rfind(u"<![CDATA[", 0) == 0 || !isPlainUri(element.GetNamespace()))
             return false;
         for (CAttribute & attribute : *element.GetAttributes())
-            if (attribute.GetValue().find_first_of(u"\t\r") != std::u16string::npos ||
+            if (!IsPlainName(attribute.GetName()) || !IsPlainText(attribute.GetValue()) ||
+                attribute.GetValue().find_first_of(u"\t\r") != std::u16string::npos ||
                 !isPlainUri(attribute.GetNamespace()))
                 return false;
         for (CElement & child : *element.GetChildElements())

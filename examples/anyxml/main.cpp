@@ -107,6 +107,8 @@ bool Process(char const * pszFile)
 {
     std::u16string const strFile = Widen(pszFile);
     CSerializationContext ctx;
+    // For readers other than this library.
+    ctx.GetFIContext().SetStrict(true);
     ctx.GetJsonContext().SetSupportRoundtrip(JsonRoundTrip_Attributes);
     ctx.GetJsonContext().SetStrict(true);
     CSmartPtr<CElement> spTop(new CRootElement);

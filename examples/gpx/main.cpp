@@ -84,12 +84,10 @@ CSerializationContext FormContext(Form const & form, std::set<std::u16string> co
     int nAlias = 0;
     for (std::u16string const & strNamespace : foreignNamespaces)
         ctx.GetNamespaceAliases().Add(FormatString(u"x%d", ++nAlias).c_str(), strNamespace.c_str());
+    // For readers other than this library; short values fall back on text where they must.
+    ctx.GetFIContext().SetStrict(true);
     if (form.bSuggestedValues)
-    {
         ctx.GetFIContext().SetSuggestedValues();
-        // The alphabet of dates has neither the point of a fraction nor the plus sign of an offset.
-        ctx.GetFIContext().SetEncoding(ItemType_datetime, {CFastInfosetContext::ECS_DefaultEncoding, 0});
-    }
     return ctx;
 }
 

@@ -145,7 +145,7 @@ void CAttributeInfoPrimitive::AttributeToXml(
     ReadProperty(pClass, value);
     if (IsLeftOut(value))
         return;
-    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), lease.Text());
+    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride, ctx.GetExactValues(), lease.Text());
     if (IsDefaultLeftOut(ctx, text))
         return;
     if (value.GetTypeAsEnum() != m_eUncheckedType)

@@ -399,6 +399,7 @@ void CElement::WriteElement(CXmlWriter * pWriter, CSerializationContext const & 
     CXmlTextWriter writer(&stream);
     writer.SetEOL(pWriter->GetEOL());
     writer.SetFormat(pWriter->GetFormat());
+    writer.SetExactText(pWriter->GetExactText());
     writer.SetDefaultNamespace(m_strContentNamespace.String());
     writer.WriteStartElement(m_strElementName, m_strNamespace.String());
     CSerializationContext ctx;

@@ -211,7 +211,7 @@ bool CElementInfo::ElementToXmlPrim(
     }
     if (!value.IsValid())
         return false;
-    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride.c_str(), lease.Text());
+    std::u16string_view const text = CVariantText::View(value, m_strFormatOverride, ctx.GetExactValues(), lease.Text());
     bool const bDefault = !m_strDefaultValue.empty() && text == m_strDefaultValue;
     // The check comes first, so that a refused value leaves no part of an element behind. A default is not checked.
     if (!bDefault && value.GetTypeAsEnum() != m_eUncheckedType)

@@ -76,10 +76,11 @@ void CPlainCol<eType, Value>::ToXml_Int(
 {
     ValidateCount(ctx);
     std::u16string strText;
+    auto const print = ctx.GetExactValues() ? ItemTraits<eType>::ToExactText : ItemTraits<eType>::ToText;
     for (std::size_t i = 0; i < m_items.GetCount(); ++i)
     {
         pWriter->WriteStartElement(m_strElementName, m_strNamespace);
-        ItemTraits<eType>::ToText(m_items[i], m_strFormat, strText);
+        print(m_items[i], m_strFormat, strText);
         pWriter->WriteText(strText, eType);
         pWriter->WriteEndElement();
     }

@@ -160,6 +160,7 @@ CSerializationContext & CSerializationContext::operator=(CSerializationContext c
     m_eSchemaType = other.m_eSchemaType;
     m_bNoOptionalAttributeDefaultOutput = other.m_bNoOptionalAttributeDefaultOutput;
     m_bWriteDefaultElementValues = other.m_bWriteDefaultElementValues;
+    m_bExactValues = other.m_bExactValues;
     m_bStripCDATA = other.m_bStripCDATA;
     m_strIndentChars = other.m_strIndentChars;
     m_readLimits = other.m_readLimits;

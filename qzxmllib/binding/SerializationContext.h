@@ -122,6 +122,14 @@ public:
     /// Writing: an element whose text equals its default keeps the text; when false it is written empty.
     bool GetWriteDefaultElementValues() const { return m_bWriteDefaultElementValues; }
     void SetWriteDefaultElementValues(bool bValue) { m_bWriteDefaultElementValues = bValue; }
+    /// Writing: every value that XML Schema allows comes back equal. Floating point numbers have the fewest digits that
+    /// tell them, years have four digits, a duration of nothing is PT0S, tabs and line ends in attributes and carriage
+    /// returns in text are character references, JSON is written as with its option for strict output, and Fast
+    /// Infoset holds as text what a shorter form cannot hold. Formats of the class hold all the same. Reading:
+    /// carriage returns that come from references are kept, and tabs and line ends in JSON. What remains is listed in
+    /// docs/losses.md. False at first.
+    bool GetExactValues() const { return m_bExactValues; }
+    void SetExactValues(bool bValue) { m_bExactValues = bValue; }
     /// Reading: the markers of CDATA sections are dropped. True at first; when false they stay in the text.
     bool GetStripCDATA() const { return m_bStripCDATA; }
     void SetStripCDATA(bool bValue) { m_bStripCDATA = bValue; }
@@ -188,6 +196,7 @@ private:
     SchemaType m_eSchemaType = SchemaType_Default;
     bool m_bNoOptionalAttributeDefaultOutput = false;
     bool m_bWriteDefaultElementValues = false;
+    bool m_bExactValues = false;
     bool m_bStripCDATA = true;
     std::u16string m_strIndentChars = u"\t";
     CReadLimits m_readLimits;

@@ -293,7 +293,8 @@ void CXmlGeneratedClass::WriteStartTag(
         pWriter->WriteInLineSchema(strSchema);
 }
 
-void CXmlGeneratedClass::WriteTextProperty(CParentElementInfo const & info, CXmlWriter * pWriter) const
+void CXmlGeneratedClass::WriteTextProperty(
+    CParentElementInfo const & info, CXmlWriter * pWriter, CSerializationContext const & ctx) const
 {
     CWriteLease const lease(*pWriter);
     QzVariant & value = lease.Value();
@@ -304,7 +305,8 @@ void CXmlGeneratedClass::WriteTextProperty(CParentElementInfo const & info, CXml
         return;
     }
     pWriter->WriteTextView(
-        CVariantText::View(value, info.GetPrimitiveFormatOverride().c_str(), lease.Text()), value.GetTypeAsEnum());
+        CVariantText::View(value, info.GetPrimitiveFormatOverride(), ctx.GetExactValues(), lease.Text()),
+        value.GetTypeAsEnum());
 }
 
 void CXmlGeneratedClass::ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t const * namespaceUri,
@@ -339,7 +341,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t c
                 throw CQzException(u"Unknown XML Group Type");
             }
             if (HasTextProperty(info))
-                WriteTextProperty(info, pWriter);
+                WriteTextProperty(info, pWriter, ctx);
         }
         if (bElement)
             pWriter->WriteEndElement();

@@ -84,7 +84,8 @@ private:
     void WriteRootDeclarations(CXmlWriter * pWriter, CSerializationContext const & ctx) const;
     void WriteStartTag(
         CXmlWriter * pWriter, bool isRoot, char16_t const * namespaceUri, CSerializationContext const & ctx) const;
-    void WriteTextProperty(QzXmlLib16Data::CParentElementInfo const & info, CXmlWriter * pWriter) const;
+    void WriteTextProperty(
+        QzXmlLib16Data::CParentElementInfo const & info, CXmlWriter * pWriter, CSerializationContext const & ctx) const;
     void ReadTextProperty(QzXmlLib16Data::CParentElementInfo const & info, CXmlElement const * pElement);
     void ProcessAttributesToXml(CSerializationContext const & ctx, QzXmlLib16Data::CElementInfo ** ppElements,
         QzXmlLib16Data::CAttributeInfo ** ppAttributes, CXmlWriter * pWriter) const;

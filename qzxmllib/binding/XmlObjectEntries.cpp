@@ -31,6 +31,7 @@ struct TextOptions
 void StartXml(CXmlTextWriter & writer, TextOptions const & options, CSerializationContext const & ctx)
 {
     writer.StartDocument();
+    writer.SetExactText(ctx.GetExactValues());
     writer.SetFormat(options.bFormatted);
     writer.SetIndentChars(ctx.GetIndentChars());
     writer.SetEOL(options.eEOL);

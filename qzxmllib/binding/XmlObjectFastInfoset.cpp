@@ -13,6 +13,7 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(
 {
     CBinaryStream stream;
     CFastInfosetWriter writer(ctx.GetFIContext(), stream);
+    writer.SetExactValues(ctx.GetExactValues());
     writer.StartDocument();
     writer.WriteHeader(eDecl);
     WriteTo(writer, ctx);

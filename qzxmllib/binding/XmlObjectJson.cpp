@@ -25,7 +25,7 @@ void StartJson(CJsonTextWriter & writer, bool bFormatted, EOLType eEOL, CSeriali
     writer.SetIndentChars(ctx.GetIndentChars().c_str());
     writer.SetEOL(eEOL);
     writer.SetRoundTrip(options.GetSupportRoundtrip());
-    writer.SetStrict(options.GetStrict());
+    writer.SetStrict(options.GetStrict() || ctx.GetExactValues());
     writer.WriteDocumentStart();
 }
 

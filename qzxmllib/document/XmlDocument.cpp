@@ -102,6 +102,7 @@ void CXmlDocument::Cleanup()
     m_nDataLength = 0;
     m_pElementStack.clear();
     m_mapNamespaces.clear();
+    m_pTree->KeepReturns(m_pContext->GetExactValues());
 }
 
 void CXmlDocument::Load(char16_t const * pszFileName)
@@ -410,7 +411,7 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement * pElement, char16_t const 
     text = text.substr(0, text.find(u'\0'));
     for (;;)
     {
-        std::size_t const nReturn = text.find(u'\r');
+        std::size_t const nReturn = pElement->GetTree().FindReturn(text);
         std::u16string_view const stretch = text.substr(0, nReturn);
         if (!stretch.empty())
             pElement->AppendText(stretch.data(), stretch.size());

@@ -328,6 +328,24 @@ void CXmlTextWriter::PutUri(std::u16string_view uri)
             WriteEscaped(uri.substr(i, 1), true);
 }
 
+/// Writes a text with references for what a parser would change. False, and nothing done, if it is written as ever.
+bool CXmlTextWriter::PutExact(std::u16string_view text, bool bAttribute)
+{
+    text = UpToZero(text);
+    std::u16string_view const changed = bAttribute ? u"\t\r" : u"\r";
+    std::size_t nAt = m_bExactText ? text.find_first_of(changed) : std::u16string_view::npos;
+    if (nAt == std::u16string_view::npos)
+        return false;
+    for (; nAt != std::u16string_view::npos; nAt = text.find_first_of(changed))
+    {
+        WriteEscaped(text.substr(0, nAt), bAttribute);
+        Put(text[nAt] == u'\t' ? std::u16string_view(u"&#x9;") : std::u16string_view(u"&#xD;"));
+        text.remove_prefix(nAt + 1);
+    }
+    WriteEscaped(text, bAttribute);
+    return true;
+}
+
 void CXmlTextWriter::WriteEscaped(std::u16string_view text, bool bAttribute)
 {
     for (;;)
@@ -492,7 +510,7 @@ void CXmlTextWriter::PutContent(std::u16string_view text)
     }
     if (text[0] == u'<' && text.substr(0, kCDataStart.size()) == kCDataStart)
         Put(UpToZero(text));
-    else
+    else if (!PutExact(text, false))
         WriteEscaped(text, false);
     FlushIfFull();
 }
@@ -576,7 +594,8 @@ void CXmlTextWriter::PutAttributeOf(
             to.Put(u'=');
             to.Put(u'"');
         });
-    WriteEscaped(value, true);
+    if (!PutExact(value, true))
+        WriteEscaped(value, true);
     Put(u"\"");
     FlushIfFull();
 }
@@ -638,7 +657,8 @@ inline bool CXmlTextWriter::PutAttribute(Out out, TwinText const & head, std::u1
 bool CXmlTextWriter::WriteShortAttribute(CXmlWriterContext const & context, std::u16string const & strName,
     std::u16string const & strUri, std::u16string_view value)
 {
-    if (value.size() > kLongestInOnePiece)
+    if (value.size() > kLongestInOnePiece ||
+        (m_bExactText && value.find_first_of(u"\t\r") != std::u16string_view::npos))
         return false;
     CNameCache<TwinText> & attributes = m_spNames->attributes;
     std::uint64_t const nVersion = context.GetDeclarationsVersion();
@@ -703,6 +723,8 @@ bool CXmlTextWriter::WriteShortElement(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view text)
 {
     if (!m_bWholeElements || m_pContext == nullptr || text.empty() || text.size() > kLongestInOnePiece)
+        return false;
+    if (m_bExactText && text.find(u'\r') != std::u16string_view::npos)
         return false;
     CXmlWriterContext & parent = *m_pContext;
     auto const nDepth = static_cast<std::size_t>(parent.m_nDepth) + 1;

@@ -59,6 +59,11 @@ public:
         SetIndentChars(pszIndentChars != nullptr ? std::u16string(pszIndentChars) : std::u16string());
     }
 
+    /// Tabs and carriage returns in attributes, and carriage returns in text, are written as character references, with
+    /// which they pass a parser. Off at first: a tab is written as it stands and a carriage return is left out.
+    bool GetExactText() const noexcept { return m_bExactText; }
+    void SetExactText(bool bExactText) noexcept { m_bExactText = bExactText; }
+
     /// Writes the XML declaration. Only with no element open.
     void WriteHeader();
     /// Writes the text as it stands and a line end. Throws CQzException with an element open.
@@ -94,6 +99,7 @@ private:
     void PutUri(std::u16string_view uri);
     void PutDeclaration(std::u16string const & strAlias, std::u16string const & strUri);
     void WriteEscaped(std::u16string_view text, bool bAttribute);
+    bool PutExact(std::u16string_view text, bool bAttribute);
     void FlushIfFull();
     TagText const * FindTags(
         CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri);
@@ -114,6 +120,7 @@ private:
     std::u16string m_strEOL;
     EOLType m_eEOLType;
     bool m_bFormat;
+    bool m_bExactText = false;
     /// No class derived from this one may have other ideas of what an element is made of.
     bool m_bWholeElements = false;
     CTextStream * m_pStream;

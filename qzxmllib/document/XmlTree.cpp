@@ -286,7 +286,7 @@ void CXmlTree::AppendUtf8ExcludingCR(CXmlText & text, char const * pText, std::s
     std::string_view rest(pText, nOctets);
     for (;;)
     {
-        std::size_t const nReturn = rest.find('\r');
+        std::size_t const nReturn = FindReturn(rest);
         std::string_view const stretch = rest.substr(0, nReturn);
         if (!stretch.empty())
             AppendUtf8(text, stretch.data(), stretch.size());

@@ -188,6 +188,15 @@ public:
     /// Whether there are nodes or text, or more names than are worth keeping for the next load.
     bool HoldsMemory() const { return !m_blocks.empty() || m_spNames->CountOctets() > kMostOctetsOfNames; }
 
+    /// Whether carriage returns in element text, which a parser gives only for references, stay.
+    void KeepReturns(bool bKeep) noexcept { m_bKeepReturns = bKeep; }
+    /// The first carriage return to be left out, or npos.
+    template <class Char>
+    std::size_t FindReturn(std::basic_string_view<Char> text) const noexcept
+    {
+        return m_bKeepReturns ? text.npos : text.find(Char('\r'));
+    }
+
     /// While one lives, new nodes are counted together. For readers that run no code of the application meanwhile.
     class CountTogether
     {
@@ -365,6 +374,7 @@ private:
     Census m_elements;
     Census m_attributes;
     bool m_bCountTogether = false;
+    bool m_bKeepReturns = false;
     std::vector<XmlBlock> m_blocks;
     std::size_t m_nHeld = 0;
     XmlBlock m_spare;

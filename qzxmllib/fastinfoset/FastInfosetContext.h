@@ -43,10 +43,10 @@ public:
     /// Throws CQzInvalidParamException for numbers of 29 and above.
     void SetEncoding(unsigned long nItemType, EncodedCharacterString const & encoding);
     /// Sets the short forms for all kinds but text: numbers and binary data through algorithms, dates and decimals
-    /// through alphabets. A date and time with a fraction of a second or a plus sign, and a decimal with an upper-case
-    /// exponent, then fail to be written. Values come back in the spelling that the algorithm gives them: "07" of
-    /// ItemType_i4 as "7". A short text that was seen before goes out as an index to the first, whatever its kind, and
-    /// so may come back respelled as well.
+    /// through alphabets. Unless GetStrict(), a date and time with a fraction of a second or a plus sign, and a decimal
+    /// with an upper-case exponent, then fail to be written. Values come back in the spelling that the algorithm gives
+    /// them: "07" of ItemType_i4 as "7". A short text that was seen before goes out as an index to the first, whatever
+    /// its kind, and so may come back respelled as well.
     void SetSuggestedValues();
 
     /// Strings of as many UTF-16 code units or more do not enter the tables and are written out each time. 6 at first.
@@ -67,6 +67,14 @@ public:
     std::u16string GetExternalVocabularyURI() const { return m_strExternalVocabularyURI; }
     void SetExternalVocabularyURI(std::u16string const & strURI) { m_strExternalVocabularyURI = strURI; }
 
+    /// Writing: documents that other decoders of X.891 read as well. Each namespace is declared on the element that
+    /// first uses it, also those of made-up prefixes and no namespace below a default one; a type is named by an
+    /// attribute with a prefix of XML Schema instances; a value that its short form cannot hold is written as text in
+    /// place of a failure; and values in the form of an algorithm stay out of the tables, where decoders differ. False
+    /// at first: declarations stand on the root alone. Reading takes both.
+    bool GetStrict() const { return m_bStrict; }
+    void SetStrict(bool bStrict) { m_bStrict = bStrict; }
+
     /// 0, which is UTF-8.
     unsigned char GetDefaultStringEncoding() const { return m_byDefaultStringEncoding; }
 
@@ -78,6 +86,7 @@ private:
     std::uint32_t m_dwAttributeMaxAddLength = 6;
     std::uint32_t m_dwElementMaxAddLength = 6;
     bool m_bUseGeneratedVocabulary = false;
+    bool m_bStrict = false;
     CFIVocabulary m_vocabulary;
     std::u16string m_strExternalVocabularyURI;
 };

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstring>
 #include <typeinfo>
+#include <unordered_map>
 #include <utility>
 
 namespace QzXmlLib16
@@ -34,6 +35,7 @@ constexpr unsigned kAttributesPresent = 0x40;
 constexpr unsigned kNamespacesPresent = 0x38;
 constexpr unsigned kIndexOnBit1 = 0x80;
 constexpr unsigned char kDefaultNamespaceAttribute = 0xCD;
+constexpr unsigned char kNoDefaultNamespaceAttribute = 0xCC;
 constexpr unsigned char kNamespaceAttribute = 0xCF;
 constexpr unsigned kChunk = 0x80;
 constexpr unsigned kChunkIndex = 0x20;
@@ -141,6 +143,76 @@ struct CFastInfosetWriter::KnownName
     }
 };
 
+/// The declarations in force in a strict document, and what waits until those of an element are complete.
+class CFastInfosetWriter::CDeclared
+{
+public:
+    struct Attribute
+    {
+        std::u16string strPrefix;
+        std::u16string strUri;
+        std::u16string strName;
+        std::u16string strValue;
+        ItemType eType;
+    };
+
+    /// Makes the prefix, which may be empty, stand for the namespace within the pending element.
+    void Declare(std::u16string_view prefix, std::u16string_view uri)
+    {
+        std::vector<std::u16string> & bindings = m_bindings[std::u16string(prefix)];
+        if (bindings.empty() ? prefix.empty() && uri.empty() : bindings.back() == uri)
+            return;
+        bindings.emplace_back(uri);
+        try
+        {
+            m_declarations.push_back({&*m_bindings.find(std::u16string(prefix)), m_nDepth});
+        }
+        catch (...)
+        {
+            bindings.pop_back();
+            throw;
+        }
+    }
+    void Enter() noexcept
+    {
+        ++m_nDepth;
+        m_nFirst = m_declarations.size();
+        m_attributes.clear();
+        m_bBegun = false;
+    }
+    void Leave() noexcept
+    {
+        for (; !m_declarations.empty() && m_declarations.back().nDepth == m_nDepth; m_declarations.pop_back())
+            m_declarations.back().pBinding->second.pop_back();
+        --m_nDepth;
+    }
+    /// Calls f with prefix and namespace of each declaration of the pending element.
+    template <class F>
+    void ForEachNew(F && f) const
+    {
+        for (std::size_t i = m_nFirst; i < m_declarations.size(); ++i)
+            f(m_declarations[i].pBinding->first, m_declarations[i].pBinding->second.back());
+    }
+    bool HasNew() const noexcept { return m_nFirst < m_declarations.size(); }
+
+    std::vector<Attribute> m_attributes;
+    std::u16string m_strPrefix; ///< of the pending element
+    bool m_bBegun = false;      ///< whether its prefix is known
+
+private:
+    using CBindings = std::unordered_map<std::u16string, std::vector<std::u16string>>;
+    struct Declaration
+    {
+        CBindings::value_type * pBinding;
+        std::size_t nDepth;
+    };
+
+    CBindings m_bindings;
+    std::vector<Declaration> m_declarations;
+    std::size_t m_nDepth = 0;
+    std::size_t m_nFirst = 0;
+};
+
 struct CFastInfosetWriter::Tables : IThreadKept
 {
     /// By the names that callers use.
@@ -191,6 +263,8 @@ CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const & context, CBin
     : CXmlWriter(u"CFastInfosetWriter"), m_pStream(&stream), m_pFIContext(&context),
       m_spTables(TakeFromThread<Tables>(ThreadKept_FastInfosetWriter)), m_pOctets(m_spTables->abyOctets)
 {
+    if (context.GetStrict())
+        m_spDeclared = std::make_unique<CDeclared>();
     m_pVocabulary = context.GetUseGeneratedVocabulary() ? context.GetVocabulary() : &CFIVocabulary::Smallest();
     m_spTables->Begin(*m_pVocabulary);
 }
@@ -307,11 +381,13 @@ void CFastInfosetWriter::WriteStartElement(std::u16string const & strName, std::
     }
     else
     {
-        m_bWholeElements = typeid(*this) == typeid(CFastInfosetWriter);
+        m_bWholeElements = typeid(*this) == typeid(CFastInfosetWriter) && m_spDeclared == nullptr;
     }
     CXmlWriterContext * const pParent = m_pContext;
     m_pPendingContext = &PushContext(strName, strUri);
     m_pContext = pParent;
+    if (m_spDeclared != nullptr)
+        m_spDeclared->Enter();
     m_nPendingVersion = m_pPendingContext->GetDeclarationsVersion();
     m_pPendingName = m_spTables->knownElements.Find(m_nPendingVersion, strName, strUri);
 }
@@ -348,7 +424,7 @@ void CFastInfosetWriter::PutContent(std::u16string_view text, ItemType eType)
     CIndexMap & map = m_spTables->characterChunks;
     if (text.size() >= m_pFIContext->GetElementMaxAddLength())
     {
-        WriteEncodedString(kStringOnBit5, kChunk, text, eType);
+        WriteEncodedString(kStringOnBit5, kChunk, 0, text, eType);
         return;
     }
     CIndexMap::Spot spot;
@@ -357,8 +433,8 @@ void CFastInfosetWriter::PutContent(std::u16string_view text, ItemType eType)
         PutNumber(kIntegerOnBit4, kChunk | kChunkIndex, dwIndex);
         return;
     }
-    WriteEncodedString(kStringOnBit5, kChunk | kChunkAdd, text, eType);
-    map.Add(text, spot);
+    if (WriteEncodedString(kStringOnBit5, kChunk, kChunkAdd, text, eType))
+        map.Add(text, spot);
 }
 
 /// Puts a value that is not empty and not longer than kLongestInOnePiece: an index, or text if it is ASCII and goes out
@@ -470,6 +546,8 @@ void CFastInfosetWriter::WriteEndElement()
     if (m_bPendingTerminator)
         Put(kDoubleTerminator);
     m_bPendingTerminator = !m_bPendingTerminator;
+    if (m_spDeclared != nullptr)
+        m_spDeclared->Leave();
     PopContext();
 }
 
@@ -491,6 +569,15 @@ void CFastInfosetWriter::WriteAttributeView(
 void CFastInfosetWriter::PutAttributeOf(
     std::u16string const & strName, std::u16string const & strUri, std::u16string_view value, ItemType eType)
 {
+    if (m_spDeclared != nullptr)
+    {
+        CXmlWriterContext & element = RequireDeclaring();
+        if (strUri.empty())
+            AddDeclaring({}, strUri, strName, value, eType);
+        else
+            AddDeclaring(DeclarePrefix(element, strUri), strUri, strName, value, eType);
+        return;
+    }
     CXmlWriterContext & context = RequireAttributes();
     Tables & tables = *m_spTables;
     if (KnownName * const pName = tables.knownAttributes.Find(context.GetDeclarationsVersion(), strName, strUri))
@@ -512,6 +599,17 @@ void CFastInfosetWriter::PutAttributeOf(
 void CFastInfosetWriter::WriteXsiType(
     std::u16string const & strTypeUri, std::u16string const & strTypeName, ItemType eType)
 {
+    if (m_spDeclared != nullptr)
+    {
+        CXmlWriterContext & element = RequireDeclaring();
+        std::u16string strValue;
+        if (!NeedsNoPrefix(element, strTypeUri))
+            strValue = DeclarePrefix(element, strTypeUri) + u':';
+        else if (!strTypeUri.empty())
+            m_spDeclared->Declare({}, strTypeUri);
+        AddDeclaring(DeclarePrefix(element, XsiNamespace()), XsiNamespace(), u"type", strValue + strTypeName, eType);
+        return;
+    }
     CXmlWriterContext & context = RequireAttributes();
     if (NeedsNoPrefix(context, strTypeUri))
     {
@@ -526,7 +624,8 @@ void CFastInfosetWriter::WriteXsiType(
 
 void CFastInfosetWriter::WriteXsiNil()
 {
-    RequireAttributes();
+    if (m_spDeclared == nullptr)
+        RequireAttributes();
     WriteAttribute(u"nil", XsiNamespace(), u"true", ItemType_boolean);
 }
 
@@ -535,6 +634,8 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
 {
     if (m_pPendingContext == nullptr)
         return;
+    if (m_spDeclared != nullptr)
+        return FlushDeclaring();
     CXmlWriterContext & context = *m_pPendingContext;
     context.m_bContentFlag = bHasAttributes;
     unsigned dwLead = bHasAttributes ? kAttributesPresent : 0;
@@ -559,6 +660,89 @@ void CFastInfosetWriter::FlushStartElement(bool bHasAttributes)
         std::uint64_t const nVersion = context.GetDeclarationsVersion();
         if (name.bWhole && known.Find(nVersion, context.m_strName, context.m_strNamespace) == nullptr)
             known.Keep(nVersion, context.m_strName, context.m_strNamespace, name);
+    }
+    m_pContext = m_pPendingContext;
+    m_pPendingContext = nullptr;
+}
+
+/// The pending element of a strict document, whose own prefix is declared.
+CXmlWriter::CXmlWriterContext & CFastInfosetWriter::RequireDeclaring()
+{
+    if (m_pPendingContext == nullptr)
+    {
+        RequireStartTag();
+        throw CQzException(u"Attributes must be added before elements");
+    }
+    CXmlWriterContext & context = *m_pPendingContext;
+    CDeclared & declared = *m_spDeclared;
+    if (declared.m_bBegun)
+        return context;
+    // The root declares all that the document declares, used or not.
+    if (m_pContext == nullptr)
+    {
+        declared.Declare({}, m_strDefaultNamespace);
+        for (auto const & [strUri, strAlias] : m_mapNamespaces)
+            if (!BeginsWithXmlNamespace(strUri))
+                declared.Declare(strAlias, strUri);
+    }
+    declared.m_strPrefix.clear();
+    if (NeedsNoPrefix(context, context.m_strNamespace))
+        declared.Declare({}, context.m_strNamespace);
+    else
+        declared.m_strPrefix = DeclarePrefix(context, context.m_strNamespace);
+    declared.m_bBegun = true;
+    return context;
+}
+
+/// The prefix of a namespace, which stands for it from the pending element on.
+std::u16string const & CFastInfosetWriter::DeclarePrefix(CXmlWriterContext & context, std::u16string const & strUri)
+{
+    std::u16string const & strPrefix = *FindPrefix(context, strUri).pAlias;
+    if (!BeginsWithXmlNamespace(strUri))
+        m_spDeclared->Declare(strPrefix, strUri);
+    return strPrefix;
+}
+
+void CFastInfosetWriter::AddDeclaring(std::u16string_view prefix, std::u16string const & strUri,
+    std::u16string_view name, std::u16string_view value, ItemType eType)
+{
+    m_spDeclared->m_attributes.push_back(
+        {std::u16string(prefix), strUri, std::u16string(name), std::u16string(value), eType});
+}
+
+/// FlushStartElement in a strict document.
+void CFastInfosetWriter::FlushDeclaring()
+{
+    CXmlWriterContext & context = RequireDeclaring();
+    CDeclared & declared = *m_spDeclared;
+    context.m_bContentFlag = !declared.m_attributes.empty();
+    unsigned dwLead = context.m_bContentFlag ? kAttributesPresent : 0;
+    if (declared.HasNew())
+    {
+        Put(dwLead | kNamespacesPresent);
+        dwLead = 0;
+        declared.ForEachNew(
+            [this](std::u16string const & strPrefix, std::u16string const & strUri)
+            {
+                if (!strPrefix.empty())
+                {
+                    Put(kNamespaceAttribute);
+                    WriteNamePart(m_spTables->prefixes, strPrefix);
+                }
+                else
+                {
+                    Put(strUri.empty() ? kNoDefaultNamespaceAttribute : kDefaultNamespaceAttribute);
+                }
+                if (!strUri.empty())
+                    WriteNamePart(m_spTables->namespaceNames, strUri);
+            });
+        Put(kTerminator);
+    }
+    WriteName(kElementName, dwLead, declared.m_strPrefix, context.m_strNamespace, context.m_strName);
+    for (CDeclared::Attribute const & attribute : declared.m_attributes)
+    {
+        WriteName(kAttributeName, 0, attribute.strPrefix, attribute.strUri, attribute.strName);
+        WriteAttributeValue(attribute.strValue, attribute.eType);
     }
     m_pContext = m_pPendingContext;
     m_pPendingContext = nullptr;
@@ -718,7 +902,7 @@ void CFastInfosetWriter::WriteAttributeValue(std::u16string_view value, ItemType
         return;
     if (value.size() >= m_pFIContext->GetAttributeMaxAddLength())
     {
-        WriteEncodedString(kStringOnBit3, 0, value, eType);
+        WriteEncodedString(kStringOnBit3, 0, 0, value, eType);
         return;
     }
     CIndexMap & map = m_spTables->attributeValues;
@@ -728,12 +912,45 @@ void CFastInfosetWriter::WriteAttributeValue(std::u16string_view value, ItemType
         PutNumber(kIntegerOnBit2, kIndexOnBit1, dwIndex);
         return;
     }
-    WriteEncodedString(kStringOnBit3, kValueAdd, value, eType);
-    map.Add(value, spot);
+    if (WriteEncodedString(kStringOnBit3, 0, kValueAdd, value, eType))
+        map.Add(value, spot);
 }
 
-void CFastInfosetWriter::WriteEncodedString(
-    FIStringForm const & form, unsigned dwLead, std::u16string_view text, ItemType eType)
+/// Puts the octets of a value into m_value. False for a value that is to be written as text instead.
+bool CFastInfosetWriter::Encode(CFastInfosetContext::EncodedCharacterString const & encoding, std::u16string_view text)
+{
+    bool const bMayFail = m_bExactValues || m_spDeclared != nullptr;
+    if (encoding.m_eKind == CFastInfosetContext::ECS_RestrictedAlphabet)
+    {
+        if (PackByAlphabet(encoding.m_dwIndex, text))
+            return true;
+        if (bMayFail)
+            return false;
+        throw CQzException(u"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+    }
+    if (encoding.m_dwIndex < 1 || encoding.m_dwIndex > 10)
+        throw CQzException(
+            FormatString(u"Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]", encoding.m_dwIndex));
+    if (!bMayFail)
+    {
+        EncodeByAlgorithm(encoding.m_dwIndex, text, m_value);
+        return true;
+    }
+    try
+    {
+        EncodeByAlgorithm(encoding.m_dwIndex, text, m_value);
+        return !m_bExactValues || TextOfAlgorithm(encoding.m_dwIndex, m_value.data(), m_value.size()) == text;
+    }
+    catch (CQzException const &)
+    {
+        return false;
+    }
+}
+
+/// Writes a value that is not empty. dwAdd is the bit that enters it into the table, 0 for none; gives whether it
+/// stands.
+bool CFastInfosetWriter::WriteEncodedString(
+    FIStringForm const & form, unsigned dwLead, unsigned dwAdd, std::u16string_view text, ItemType eType)
 {
     CFastInfosetContext::EncodedCharacterString const encoding =
         m_pFIContext->GetEncoding(static_cast<unsigned long>(eType));
@@ -743,15 +960,12 @@ void CFastInfosetWriter::WriteEncodedString(
     case CFastInfosetContext::ECS_DefaultEncoding:
         break;
     case CFastInfosetContext::ECS_RestrictedAlphabet:
-        PackByAlphabet(encoding.m_dwIndex, text);
-        eKind = FIStringKind_Alphabet;
+        if (Encode(encoding, text))
+            eKind = FIStringKind_Alphabet;
         break;
     case CFastInfosetContext::ECS_EncodingAlgorithm:
-        if (encoding.m_dwIndex < 1 || encoding.m_dwIndex > 10)
-            throw CQzException(FormatString(
-                u"Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]", encoding.m_dwIndex));
-        EncodeByAlgorithm(encoding.m_dwIndex, text, m_value);
-        eKind = FIStringKind_Algorithm;
+        if (Encode(encoding, text))
+            eKind = FIStringKind_Algorithm;
         break;
     default:
         throw CQzException(&form == &kStringOnBit3
@@ -762,17 +976,21 @@ void CFastInfosetWriter::WriteEncodedString(
     if (eKind != FIStringKind_Utf8 && !m_value.empty())
     {
         unsigned const dwEntry = encoding.m_dwIndex - 1;
+        if (eKind == FIStringKind_Algorithm && (m_bExactValues || m_spDeclared != nullptr))
+            dwAdd = 0;
+        dwLead |= dwAdd;
         Put(dwLead | static_cast<unsigned>(eKind) << form.nShift | dwEntry >> (8 - form.nShift));
         PutLength(form.lengths, (dwEntry << form.nShift) & 0xFF, m_value.size());
         Put(m_value.data(), m_value.size());
-        return;
+        return dwAdd != 0;
     }
     if (m_pFIContext->GetDefaultStringEncoding() == 1)
         throw CQzException(u"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
     std::u16string_view const written = UpToZero(text);
     if (written.empty())
         throw CQzException(u"Failed to write FastInfoset. The value has no octets.");
-    WriteUtf8(form.lengths, dwLead, written);
+    WriteUtf8(form.lengths, dwLead | dwAdd, written);
+    return dwAdd != 0;
 }
 
 /// Writes the length and the octets of a text that is not empty and holds no code unit 0.
@@ -803,8 +1021,8 @@ void CFastInfosetWriter::WriteUtf8(FIForms const & lengths, unsigned dwLead, std
     }
 }
 
-/// Puts the text into m_value, one position in the alphabet behind the other.
-void CFastInfosetWriter::PackByAlphabet(std::uint32_t dwIndex, std::u16string_view text)
+/// Puts the text into m_value, one position in the alphabet behind the other. False if it has other characters.
+bool CFastInfosetWriter::PackByAlphabet(std::uint32_t dwIndex, std::u16string_view text)
 {
     auto const & alphabets = m_pVocabulary->m_restrictedAlphabets;
     if (dwIndex < 1 || dwIndex > alphabets.size())
@@ -823,7 +1041,7 @@ void CFastInfosetWriter::PackByAlphabet(std::uint32_t dwIndex, std::u16string_vi
     {
         std::size_t const nAt = strAlphabet.find(c);
         if (nAt == std::u16string::npos)
-            throw CQzException(u"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+            return false;
         if (nWidth == 8)
             m_value.push_back(static_cast<unsigned char>(nAt));
         else if (bHigh)
@@ -832,6 +1050,7 @@ void CFastInfosetWriter::PackByAlphabet(std::uint32_t dwIndex, std::u16string_vi
             m_value.back() = static_cast<unsigned char>((m_value.back() & 0xF0) | nAt);
         bHigh = !bHigh;
     }
+    return true;
 }
 
 void CFastInfosetWriter::Put(unsigned char const * pOctets, std::size_t nOctets)

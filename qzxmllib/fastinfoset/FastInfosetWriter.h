@@ -30,6 +30,10 @@ public:
     CFastInfosetWriter(CFastInfosetContext const & context, CBinaryStream & stream);
     ~CFastInfosetWriter() override;
 
+    /// Values come back in their own spelling: what a short form cannot hold, or gives back in another one, is written
+    /// as text. Off at first.
+    void SetExactValues(bool bExact) noexcept { m_bExactValues = bExact; }
+
     /// The start of the document, behind an XML declaration if one is named. Throws CQzException for any other number.
     void WriteHeader(FInfoDecl eDecl);
     void WriteDocumentEnd();
@@ -60,10 +64,16 @@ private:
     struct KnownName;
     struct Tables;
     class CNames;
+    class CDeclared;
     using CIndexMap = CFIVocabulary::CIndexMap;
 
     void FlushStartElement(bool bHasAttributes);
     void WriteRootNamespaces(unsigned dwLead);
+    void FlushDeclaring();
+    CXmlWriterContext & RequireDeclaring();
+    void AddDeclaring(std::u16string_view prefix, std::u16string const & strUri, std::u16string_view name,
+        std::u16string_view value, ItemType eType);
+    std::u16string const & DeclarePrefix(CXmlWriterContext & context, std::u16string const & strUri);
     void ClosePendingTerminator();
     void CloseAttributeList(CXmlWriterContext & context);
     CXmlWriterContext & RequireAttributes();
@@ -82,9 +92,11 @@ private:
     void WriteNamePart(CNames & names, std::u16string_view name, std::uint32_t nId);
     void WriteLiteralName(std::u16string_view name);
     void WriteAttributeValue(std::u16string_view value, ItemType eType);
-    void WriteEncodedString(FIStringForm const & form, unsigned dwLead, std::u16string_view text, ItemType eType);
+    bool WriteEncodedString(
+        FIStringForm const & form, unsigned dwLead, unsigned dwAdd, std::u16string_view text, ItemType eType);
+    bool Encode(CFastInfosetContext::EncodedCharacterString const & encoding, std::u16string_view text);
     void WriteUtf8(FIForms const & lengths, unsigned dwLead, std::u16string_view text);
-    void PackByAlphabet(std::uint32_t dwIndex, std::u16string_view text);
+    bool PackByAlphabet(std::uint32_t dwIndex, std::u16string_view text);
 
     unsigned char * Room(std::size_t nOctets);
     void Put(unsigned dwOctet);
@@ -104,6 +116,9 @@ private:
     bool m_bPendingTerminator = false;
     /// No class derived from this one may have other ideas of what an element is made of.
     bool m_bWholeElements = false;
+    bool m_bExactValues = false;
+    /// What is declared where. Null unless the document is strict.
+    std::unique_ptr<CDeclared> m_spDeclared;
     std::unique_ptr<Tables> m_spTables;
     /// What the tables begin with.
     CFIVocabulary const * m_pVocabulary;

@@ -320,6 +320,7 @@ CBinaryData ConvertJsonToXml(std::u16string_view text, CSerializationContext con
     writer.StartDocument();
     // Line ends and indentation would become text of elements that take any content.
     writer.SetFormat(false);
+    writer.SetExactText(ctx.GetExactValues());
 
     CJsonContext const & options = ctx.GetJsonContext();
     CJsonTextReader reader(text);

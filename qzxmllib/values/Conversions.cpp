@@ -187,6 +187,21 @@ struct DoubleFormat
     std::u16string strAfter;
 };
 
+/// Places and widths that a format may ask for.
+constexpr std::uint64_t kMostPlaces = 1000;
+
+/// Passes a width or a precision and keeps it for the directive. False for more than kMostPlaces.
+bool TakeNumber(std::u16string_view format, std::size_t & nPos, std::string & strDirective)
+{
+    std::uint64_t nValue = 0;
+    for (; nPos < format.size() && format[nPos] >= u'0' && format[nPos] <= u'9'; ++nPos)
+    {
+        nValue = std::min(kMostPlaces + 1, nValue * 10 + (format[nPos] - u'0'));
+        strDirective.push_back(static_cast<char>(format[nPos]));
+    }
+    return nValue <= kMostPlaces;
+}
+
 /// Passes the units that stand in the set and keeps them for the directive.
 void TakeAll(std::u16string_view format, std::size_t & nPos, std::u16string_view set, std::string & strDirective)
 {
@@ -196,7 +211,6 @@ void TakeAll(std::u16string_view format, std::size_t & nPos, std::u16string_view
 
 DoubleFormat SplitDoubleFormat(std::u16string_view format)
 {
-    static constexpr std::u16string_view kDigits = u"0123456789";
     DoubleFormat parts;
     for (std::size_t nPos = 0; nPos < format.size();)
     {
@@ -210,11 +224,11 @@ DoubleFormat SplitDoubleFormat(std::u16string_view format)
         bool bValid = parts.strDirective.empty();
         parts.strDirective.push_back('%');
         TakeAll(format, ++nPos, u"-+ #0", parts.strDirective);
-        TakeAll(format, nPos, kDigits, parts.strDirective);
+        bValid = TakeNumber(format, nPos, parts.strDirective) && bValid;
         if (nPos < format.size() && format[nPos] == u'.')
         {
             parts.strDirective.push_back('.');
-            TakeAll(format, ++nPos, kDigits, parts.strDirective);
+            bValid = TakeNumber(format, ++nPos, parts.strDirective) && bValid;
         }
         bValid = bValid && nPos < format.size() && std::u16string_view(u"eEfFgGaA").find(format[nPos]) < 8;
         if (!bValid)
@@ -352,8 +366,7 @@ int ReadPlaces(std::u16string_view format)
     if (bMinus || (!format.empty() && format[0] == u'+'))
         format.remove_prefix(1);
     Digits const digits = ReadDigits(format);
-    constexpr std::uint64_t nMost = 1000;
-    int const nPlaces = static_cast<int>(digits.bOverflow ? nMost : std::min(digits.nValue, nMost));
+    int const nPlaces = static_cast<int>(digits.bOverflow ? kMostPlaces : std::min(digits.nValue, kMostPlaces));
     return bMinus ? -nPlaces : nPlaces;
 }
 
@@ -411,6 +424,37 @@ void PrintR4(float const & fValue, std::u16string_view format, std::u16string & 
 void PrintR8(double const & dValue, std::u16string_view format, std::u16string & strOut)
 {
     PrintDouble(dValue, format, 16, strOut);
+}
+
+template <class T>
+void PrintShortestForm(T value, std::u16string_view format, std::u16string & strOut)
+{
+    if (!format.empty() || !std::isfinite(value))
+        return PrintDouble(static_cast<double>(value), format, 0, strOut);
+    char aText[64];
+    Widen(aText, std::to_chars(aText, std::end(aText), value).ptr, strOut);
+}
+
+void PrintExactR4(float const & fValue, std::u16string_view format, std::u16string & strOut)
+{
+    PrintShortestForm(fValue, format, strOut);
+}
+
+void PrintExactR8(double const & dValue, std::u16string_view format, std::u16string & strOut)
+{
+    PrintShortestForm(dValue, format, strOut);
+}
+
+void PrintExactYear(std::uint16_t const & nValue, std::u16string_view, std::u16string & strOut)
+{
+    strOut = FormatString(u"%04d", nValue);
+}
+
+void PrintExactDuration(CDateTimeSpan const & value, std::u16string_view, std::u16string & strOut)
+{
+    strOut = value.ToString();
+    if (strOut.back() == u'P')
+        strOut += u"T0S";
 }
 
 void PrintMonth(std::uint8_t const & nValue, std::u16string_view, std::u16string & strOut)

@@ -25,6 +25,12 @@ void PrintInteger(T const & nValue, std::u16string_view, std::u16string & strOut
 
 void PrintR4(float const & fValue, std::u16string_view format, std::u16string & strOut);
 void PrintR8(double const & dValue, std::u16string_view format, std::u16string & strOut);
+// As above, so that the value reads back as it was: the fewest digits that tell it, a year of four digits, PT0S. A
+// format holds all the same.
+void PrintExactR4(float const & fValue, std::u16string_view format, std::u16string & strOut);
+void PrintExactR8(double const & dValue, std::u16string_view format, std::u16string & strOut);
+void PrintExactYear(std::uint16_t const & nValue, std::u16string_view, std::u16string & strOut);
+void PrintExactDuration(CDateTimeSpan const & value, std::u16string_view, std::u16string & strOut);
 void PrintMonth(std::uint8_t const & nValue, std::u16string_view, std::u16string & strOut);
 void PrintDay(std::uint8_t const & nValue, std::u16string_view, std::u16string & strOut);
 void PrintChar(char16_t const & cValue, std::u16string_view, std::u16string & strOut);

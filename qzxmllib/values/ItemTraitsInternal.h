@@ -14,9 +14,11 @@
 namespace QzXmlLib16
 {
 
-/// What rows have in common. FromText reads the lexical form, ToText writes it over a string.
+/// What rows have in common. FromText reads the lexical form, ToText writes it over a string, ToExactText such that the
+/// value comes back.
 template <class V, V (*pfnFromText)(std::u16string_view, CWhitespaceUtils::WhitespaceRule),
-    void (*pfnToText)(V const &, std::u16string_view, std::u16string &)>
+    void (*pfnToText)(V const &, std::u16string_view, std::u16string &),
+    void (*pfnToExactText)(V const &, std::u16string_view, std::u16string &) = pfnToText>
 struct ItemRow
 {
     using Value = V;
@@ -28,6 +30,10 @@ struct ItemRow
     static void ToText(V const & value, std::u16string_view format, std::u16string & strOut)
     {
         pfnToText(value, format, strOut);
+    }
+    static void ToExactText(V const & value, std::u16string_view format, std::u16string & strOut)
+    {
+        pfnToExactText(value, format, strOut);
     }
 };
 
@@ -77,14 +83,15 @@ template <> struct ItemTraits<ItemType_ui8>
     : ItemRow<std::uint64_t, CConversions::ui8FromString, PrintInteger<std::uint64_t>>
 { static constexpr char16_t const * pszName = u"ui8"; };
 
-template <> struct ItemTraits<ItemType_r4> : ItemRow<float, CConversions::r4FromString, PrintR4>
+template <> struct ItemTraits<ItemType_r4> : ItemRow<float, CConversions::r4FromString, PrintR4, PrintExactR4>
 { static constexpr char16_t const * pszName = u"r4"; };
 
-template <> struct ItemTraits<ItemType_r8> : ItemRow<double, CConversions::r8FromString, PrintR8>
+template <> struct ItemTraits<ItemType_r8> : ItemRow<double, CConversions::r8FromString, PrintR8, PrintExactR8>
 { static constexpr char16_t const * pszName = u"r8"; };
 
 template <> struct ItemTraits<ItemType_duration>
-    : ItemRow<CDateTimeSpan, CConversions::durationFromString, PrintBy<CDateTimeSpan, CConversions::durationToString>>
+    : ItemRow<CDateTimeSpan, CConversions::durationFromString, PrintBy<CDateTimeSpan, CConversions::durationToString>,
+          PrintExactDuration>
 { static constexpr char16_t const * pszName = u"duration"; };
 
 template <> struct ItemTraits<ItemType_yearMonth>
@@ -96,7 +103,7 @@ template <> struct ItemTraits<ItemType_monthDay>
 { static constexpr char16_t const * pszName = u"monthDay"; };
 
 template <> struct ItemTraits<ItemType_year>
-    : ItemRow<std::uint16_t, CConversions::yearFromString, PrintInteger<std::uint16_t>>
+    : ItemRow<std::uint16_t, CConversions::yearFromString, PrintInteger<std::uint16_t>, PrintExactYear>
 { static constexpr char16_t const * pszName = u"year"; };
 
 template <> struct ItemTraits<ItemType_month> : ItemRow<std::uint8_t, CConversions::monthFromString, PrintMonth>

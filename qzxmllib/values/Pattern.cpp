@@ -51,6 +51,24 @@ bool IsOneOf(char16_t c, std::u16string_view units)
     return units.find(c) != std::u16string_view::npos;
 }
 
+/// The length of a named class such as [:alpha:] at the front of a text that stands within brackets, else 0. The engine
+/// takes a bracket for the beginning of one only if its end follows before the brackets end.
+std::size_t GetNamedClassLength(std::u16string_view text)
+{
+    if (text.size() < 2 || text[0] != u'[' || !IsOneOf(text[1], u":.="))
+        return 0;
+    for (std::size_t i = 2; i + 1 < text.size(); ++i)
+    {
+        if (text[i] == u'\\' && IsOneOf(text[i + 1], u"\\]"))
+            ++i;
+        else if (text[i] == text[1] && text[i + 1] == u']')
+            return i + 2;
+        else if (text[i] == u']' || (text[i] == u'[' && text[i + 1] == text[1]))
+            return 0;
+    }
+    return 0;
+}
+
 /// Whether sets may stand for groups: nothing in the pattern refers to a group, and no escape that is replaced stands
 /// within brackets. A repeated group costs the engine memory for each turn, a repeated set costs none.
 bool MayUseSets(std::u16string_view pattern)
@@ -69,6 +87,8 @@ bool MayUseSets(std::u16string_view pattern)
                 return false;
             ++i;
         }
+        else if (std::size_t const nNamed = bInBrackets ? GetNamedClassLength(pattern.substr(i)) : 0; nNamed != 0)
+            i += nNamed - 1;
         else if (bInBrackets)
             bInBrackets = pattern[i] != u']';
         else if (pattern[i] == u'(' && IsOneOf(cNext, u"?*"))
@@ -121,9 +141,12 @@ std::u16string EscapeHyphens(std::u16string_view text)
     bool bBehindClass = false;
     while (!text.empty())
     {
-        std::size_t const nClass = GetClassEscapeLength(text);
+        std::size_t const nNamed = bInBrackets ? GetNamedClassLength(text) : 0;
+        std::size_t const nClass = nNamed != 0 ? nNamed : GetClassEscapeLength(text);
         std::size_t nTaken = std::max<std::size_t>(nClass, 1);
-        if (nClass == 0 && text[0] == u'\\' && text.size() > 1)
+        if (nNamed != 0)
+            nTaken = nNamed;
+        else if (nClass == 0 && text[0] == u'\\' && text.size() > 1)
             nTaken = 2;
         else if (!bInBrackets && text[0] == u'[')
         {

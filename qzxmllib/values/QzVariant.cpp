@@ -285,34 +285,42 @@ CSmartPtr<CXmlCollectionBase> QzVariant::GetXmlCollection() const
     return CVariantText::CollectionOf(*this);
 }
 
-template <ItemType eType>
+template <ItemType eType, bool bExact>
 void CVariantText::PrintAs(QzVariant const & value, std::u16string_view format, std::u16string & strOut)
 {
     using Traits = ItemTraits<eType>;
     using Value = typename Traits::Value;
+    constexpr auto pfnPrint = bExact ? &Traits::ToExactText : &Traits::ToText;
     if constexpr (kIsInline<Value>)
-        Traits::ToText(FromBits<Value>(std::get<QzVariant::Inline>(value.m_value).nBits), format, strOut);
+        pfnPrint(FromBits<Value>(std::get<QzVariant::Inline>(value.m_value).nBits), format, strOut);
     else if constexpr (std::is_same_v<Value, std::u16string>)
         strOut = value.m_strText;
     else
-        Traits::ToText(std::get<Value>(value.m_value), format, strOut);
+        pfnPrint(std::get<Value>(value.m_value), format, strOut);
 }
 
-template <int... nIndexes>
+template <bool bExact, int... nIndexes>
 constexpr auto CVariantText::MakePrintTable(std::integer_sequence<int, nIndexes...>)
 {
-    return std::array{&PrintAs<static_cast<ItemType>(nIndexes + 1)>...};
+    return std::array{&PrintAs<static_cast<ItemType>(nIndexes + 1), bExact>...};
 }
 
 std::u16string_view CVariantText::View(QzVariant const & value, char16_t const * pszFormat, std::u16string & strScratch)
 {
+    return View(value, pszFormat != nullptr ? pszFormat : std::u16string_view(), false, strScratch);
+}
+
+std::u16string_view CVariantText::View(
+    QzVariant const & value, std::u16string_view format, bool bExact, std::u16string & strScratch)
+{
     if (value.m_type == ItemType_string && !value.m_isNil)
         return value.m_strText;
-    static constexpr auto s_table = MakePrintTable(KindRows());
+    static constexpr auto s_table = MakePrintTable<false>(KindRows());
+    static constexpr auto s_exact = MakePrintTable<true>(KindRows());
     auto const nRow = static_cast<std::size_t>(value.m_type) - 1;
     if (value.m_isNil || nRow >= s_table.size())
         ThrowNoText(value.m_type);
-    s_table[nRow](value, pszFormat != nullptr ? pszFormat : u"", strScratch);
+    (bExact ? s_exact : s_table)[nRow](value, format, strScratch);
     return strScratch;
 }
 

@@ -13,6 +13,9 @@ struct CVariantText
     /// The text of ToString. It lies in the variant if that holds a string, and otherwise in strScratch, whose old
     /// content goes. Throws as ToString does.
     static std::u16string_view View(QzVariant const & value, char16_t const * pszFormat, std::u16string & strScratch);
+    /// The same, or with bExact a text from which the value comes back.
+    static std::u16string_view View(
+        QzVariant const & value, std::u16string_view format, bool bExact, std::u16string & strScratch);
 
     /// FromString. The text may lie in the variant itself.
     static void Assign(
@@ -22,9 +25,9 @@ struct CVariantText
     static void AssignAs(QzVariant & value, std::u16string_view text, CWhitespaceUtils::WhitespaceRule eRule);
     template <int... nIndexes>
     static constexpr auto MakeAssignTable(std::integer_sequence<int, nIndexes...>);
-    template <ItemType eType>
+    template <ItemType eType, bool bExact>
     static void PrintAs(QzVariant const & value, std::u16string_view format, std::u16string & strOut);
-    template <int... nIndexes>
+    template <bool bExact, int... nIndexes>
     static constexpr auto MakePrintTable(std::integer_sequence<int, nIndexes...>);
 
     /// Drops value, kind and nil mark, and keeps the room of a text for the next one.

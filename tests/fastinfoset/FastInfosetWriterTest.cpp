@@ -91,6 +91,12 @@ void Suggested(Context & context)
     context.SetSuggestedValues();
 }
 
+void Strict(Context & context)
+{
+    context.SetStrict(true);
+    context.SetSuggestedValues();
+}
+
 void NoTables(Context & context)
 {
     context.SetElementMaxAddLength(0);
@@ -146,6 +152,19 @@ WriteRow const kRows[] = {
         "a @{" XSI "}type='p:T'"},
     {"TypeUnknown", Plain, u"<a|^{u}T|/", "78 F0 3C 00'a' 7B 01'AA' 28'" XSI "' 03'type' 43'AA:T' F0 FF",
         "a @{" XSI "}type='AA:T'"},
+    {"StrictAliases", Strict, u"<a|<{u}b|@{v}x=1|/|<{u}b|/|/",
+        "3C 00'a' 78 CF 01'AA' 00'u' CF 01'AB' 00'v' F0 3F 81 81 00'b' 7B 82 82 00'x' 40'1' F0 F0 38 CF 81 81 F0 01 FF "
+        "F0",
+        "a ({u}b @{v}x='1') ({u}b)"},
+    {"StrictDefaultNamespace", Strict, u"d{d}|={u}p|<{d}a|<b|<{d}c|/|/|/",
+        "38 CD 00'd' CF 00'p' 00'u' F0 3D 81 00'a' 38 CC F0 3C 00'b' 38 CD 81 F0 3D 81 00'c' FF FF", "{d}a (b ({d}c))"},
+    {"StrictType", Strict, u"<a|^{u}T|!|/",
+        "78 CF 01'AA' 00'u' CF 01'AB' 28'" XSI "' F0 3C 00'a' 7B 82 82 03'type' 43'AA:T' 7B 82 82 02'nil' 30 50 38 F0 "
+        "FF",
+        "a @{" XSI "}type='AA:T' @{" XSI "}nil='true'"},
+    {"StrictValues", Strict, u"%20|<a|'2020-01-01T00:00:00+01:00|%5|'7|'7|'x|/",
+        "3C 00'a' 82 16'2020-01-01T00:00:00+01:00' 8C 0E 01 00 00 00 07 8C 0E 01 00 00 00 07 90'x' FF",
+        "a \"2020-01-01T00:00:00+01:0077x\""},
     {"Integer", Suggested, u"%5|<a|'7|/", "38 F0 3C 00'a' 9C 0E 01 00 00 00 07 FF", "a \"7\""},
     {"Respelled", Suggested, u"<a|<b|%12|'1.50|/|<b|%23|'1.50|/|/",
         "38 F0 3C 00'a' 3C 00'b' 9C 1E 05 3F F8 00 00 00 00 00 00 F0 01 A0 FF F0", "a (b \"1.5\") (b \"1.5\")"},
@@ -190,6 +209,9 @@ constexpr char16_t kNoCharacter[] = FAILED "Invalid character not found for Rest
 
 FailureRow const kFailures[] = {
     {"AttributeBehindEmptyText", Plain, u"<a|'|@x=1", kTooLate},
+    {"StrictAttributeBehindText", Strict, u"<a|'|@x=1", kTooLate},
+    {"StrictAlphabet3", [](Context & c) { Strict(c), Text<1, 3>(c); }, u"<a|'1|/",
+        FAILED "Invalid Restricted Alphabet value [3]"},
     {"TypeBehindChild", Plain, u"<a|<b|/|^T", kTooLate},
     {"NilBehindInstruction", Plain, u"<a|#|!", kTooLate},
     {"NotClosed", Plain, u"<a", u"An Element has not been closed."},

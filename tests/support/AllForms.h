@@ -12,10 +12,11 @@ enum Forms
     kFormXml = 1,
     kFormFastInfoset = 2,
     kFormSuggestedValues = 4,
-    kFormJson = 8,     ///< attributes marked, no namespaces
-    kFormFullJson = 16 ///< also prefixes and xsi:type
+    kFormJson = 8,      ///< attributes marked, no namespaces
+    kFormFullJson = 16, ///< also prefixes and xsi:type
+    kFormStrict = 32    ///< Fast Infoset for all decoders, with suggested values
 };
-constexpr int kNoJson = kFormXml | kFormFastInfoset | kFormSuggestedValues;
+constexpr int kNoJson = kFormXml | kFormFastInfoset | kFormSuggestedValues | kFormStrict;
 constexpr int kAllForms = kNoJson | kFormJson | kFormFullJson;
 
 /// Writes the object in each of the forms, reads it into another of its tables, and expects its XML text to be the
@@ -24,7 +25,7 @@ inline void ExpectSameInForms(CTableClass & object, QzXmlLib16::CSerializationCo
 {
     using namespace QzXmlLib16;
     std::string const strExpected = XmlOf(object, base);
-    for (int nForm : {kFormXml, kFormFastInfoset, kFormSuggestedValues, kFormJson, kFormFullJson})
+    for (int nForm : {kFormXml, kFormFastInfoset, kFormSuggestedValues, kFormStrict, kFormJson, kFormFullJson})
     {
         if ((nForms & nForm) == 0)
             continue;
@@ -35,6 +36,11 @@ inline void ExpectSameInForms(CTableClass & object, QzXmlLib16::CSerializationCo
             // The alphabet of dates has neither the point of a fraction nor the plus sign of an offset.
             ctx.GetFIContext().SetEncoding(ItemType_datetime, {CFastInfosetContext::ECS_DefaultEncoding, 0});
         }
+        if (nForm == kFormStrict)
+        {
+            ctx.GetFIContext().SetSuggestedValues();
+            ctx.GetFIContext().SetStrict(true);
+        }
         ctx.GetJsonContext().SetStrict(true);
         ctx.GetJsonContext().SetSupportRoundtrip(
             nForm == kFormFullJson ? JsonRoundTrip_Full : JsonRoundTrip_Attributes);
@@ -43,7 +49,7 @@ inline void ExpectSameInForms(CTableClass & object, QzXmlLib16::CSerializationCo
         {
             if (nForm == kFormXml)
                 spCopy->FromXmlStream(object.ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF, ctx), ctx);
-            else if (nForm == kFormFastInfoset || nForm == kFormSuggestedValues)
+            else if (nForm == kFormFastInfoset || nForm == kFormSuggestedValues || nForm == kFormStrict)
                 spCopy->FromXmlStream(object.ToFastInfosetStream(FInfoDecl_None, ctx), ctx);
             else
                 spCopy->FromJsonStream(object.ToJsonStream(false, XmlEncoding_UTF8, EOLType_LF, ctx), ctx);

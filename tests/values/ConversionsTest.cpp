@@ -160,7 +160,8 @@ FormatCase const kFormats[] = {{u"%.3f", 1.0 / 3, u"0.333"}, {u"[%+08.2e%%] \u20
     {u"%A", 1.0, u"0X1P+0"}, {u"%-6g|", 1.5, u"1.5   |"},
     {u"%.60f", 0.5, u"0.500000000000000000000000000000000000000000000000000000000000"}, {u"abc", 1.0, nullptr},
     {u"%%", 1.0, nullptr}, {u"%f %f", 1.0, nullptr}, {u"%s", 1.0, nullptr}, {u"%n", 1.0, nullptr},
-    {u"%*f", 1.0, nullptr}, {u"%5.", 1.0, nullptr}, {u"%\u0166", 1.0, nullptr}, {u"%99999999999f", 1.0, nullptr},
+    {u"%*f", 1.0, nullptr}, {u"%1001f", 1.0, nullptr}, {u"%.1001f", 1.0, nullptr}, {u"%5.", 1.0, nullptr},
+    {u"%\u0166", 1.0, nullptr}, {u"%99999999999f", 1.0, nullptr},
     {u"%.3f", -std::numeric_limits<double>::infinity(), u"-INF"}};
 
 using FormatTest = testing::TestWithParam<FormatCase>;

@@ -45,9 +45,11 @@ Case const kCases[] = {{u"[a-z]+", u"abc", true}, {u"[a-z]+", u"abc1", false}, {
     {u"\\p{IsLatinExtended-B}*", u"\u0180\u024F", true}, {u"\\p{IsLatinExtended-B}*", u"\u0250", false},
     // The engine takes no notice of \E, so the bracket behind it does not end the set.
     {u"[\\E]\\c-]+", u"]|(a", true}, {u"[\\E]\\c-]+", u"[-]", false}, {u"[a\\\x01]\\c]+", u"]|", true},
-    {u"\\p{Lu}\\d", u"\u00C95", true}, {u"[\\w-.]+", u"a-.", true}, {u"[^]+-\\p{Lu}\\]]", u"b", true},
-    {u"[a-z]+", std::u16string(u"ab\0c", 4), false}, {std::u16string(u"a\0b", 3), std::u16string(u"a\0b", 3), true},
-    {u"\\c+", kLong, true}, {u"(\\i|\\c)+", kLong.substr(0, 100000), true},
+    {u"[[:alpha:]\\c]+", u"a|(", true}, {u"[[:alpha:]\\c]+", u"-]", false}, {u"[[:alpha:]-\\w]+", u"a-1", true},
+    {u"[[:alpha\\c]+", u"[:", true}, {u"\\p{Lu}\\d", u"\u00C95", true}, {u"[\\w-.]+", u"a-.", true},
+    {u"[^]+-\\p{Lu}\\]]", u"b", true}, {u"[a-z]+", std::u16string(u"ab\0c", 4), false},
+    {std::u16string(u"a\0b", 3), std::u16string(u"a\0b", 3), true}, {u"\\c+", kLong, true},
+    {u"(\\i|\\c)+", kLong.substr(0, 100000), true},
     // The engine gives up, which counts as no match.
     {u"(a+)+b", u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaac", false},
     {u"(a|aa)+b", kLong.substr(0, 50000), false}};
