@@ -339,7 +339,10 @@ bool CXmlTextWriter::PutExact(std::u16string_view text, bool bAttribute)
     for (; nAt != std::u16string_view::npos; nAt = text.find_first_of(changed))
     {
         WriteEscaped(text.substr(0, nAt), bAttribute);
-        Put(text[nAt] == u'\t' ? std::u16string_view(u"&#x9;") : std::u16string_view(u"&#xD;"));
+        if (text[nAt] == u'\t')
+            Put(u"&#x9;");
+        else
+            Put(u"&#xD;");
         text.remove_prefix(nAt + 1);
     }
     WriteEscaped(text, bAttribute);

@@ -27,7 +27,8 @@ CParentElementInfo Info(XmlElementGroupType eGroup, XmlElementType eType, char16
 
 TEST(XmlGeneratedClassTest, RootIsWrittenInItsOrder)
 {
-    CTableSchema pseudo(XmlElementGroupType_Sequence, XmlElementType_Pseudo, false);
+    // A pseudo class has no tag, so that its base classes show nowhere.
+    CTableSchema pseudo(Info(XmlElementGroupType_Sequence, XmlElementType_Pseudo, u"pseudoType", true));
     pseudo.Attribute<CAttributeInfoPrimitive>(u"q", true, ItemType_string, u"", kNone, kNoFacets, u"");
     static CTableSchema * s_pPseudo;
     s_pPseudo = &pseudo;
@@ -56,6 +57,9 @@ TEST(XmlGeneratedClassTest, RootIsWrittenInItsOrder)
         "\nschema='x'\n><n>7</n></r>");
     ctx = CSerializationContext();
     ctx.SetWriteTypeAttribute(false);
+    CBinaryData const binary = spObject->ToFastInfosetStream(FInfoDecl_None, ctx);
+    EXPECT_EQ(ctx.GetNamespaceAliases().GetAliasFromNamespace(u"urn:unknown"), u"");
+    EXPECT_TRUE(spObject->ToFastInfosetStream(FInfoDecl_None, ctx) == binary) << "what was looked up is not declared";
     EXPECT_EQ(XmlOf(*spObject, ctx), "<r id=\"first\" q=\"second\"><n>7</n></r>");
     CSmartPtr<CTableClass> const spNamed(new CTableClass(schema, u"baseType"));
     EXPECT_EQ(XmlOf(*spNamed), "<baseType q=\"second\"/>") << "a tag that equals the class name needs no xsi:type";
