@@ -333,11 +333,6 @@ CXmlName const & CXmlDocument::InternName(std::u16string_view namespaceURI, std:
     return m_pTree->Names().FromText(namespaceURI, localName);
 }
 
-CXmlElement * CXmlDocument::AddDocElement(std::u16string_view namespaceURI, std::u16string_view localName)
-{
-    return AddDocElement(InternName(namespaceURI, localName));
-}
-
 CXmlElement * CXmlDocument::AddDocElement(CXmlName const & name)
 {
     if (m_pDocumentElement != nullptr)
@@ -345,11 +340,6 @@ CXmlElement * CXmlDocument::AddDocElement(CXmlName const & name)
     m_pDocumentElement = m_pTree->CreateElement(name, nullptr);
     Push(m_pDocumentElement, nullptr);
     return m_pDocumentElement;
-}
-
-CXmlElement * CXmlDocument::AddChildElement(std::u16string_view namespaceURI, std::u16string_view localName)
-{
-    return AddChildElement(InternName(namespaceURI, localName));
 }
 
 CXmlElement * CXmlDocument::AddChildElement(CXmlName const & name)
@@ -383,12 +373,6 @@ void CXmlDocument::EndElement()
     CXmlElement & parent = *pElement->m_pParent;
     m_pTree->Release(parent.RemoveLastChildElement(m_pPreviousSiblings[m_pElementStack.size()]));
     m_pTree->EndPiece(parent);
-}
-
-void CXmlDocument::AddElementAttribute(
-    CXmlElement * pElement, std::u16string_view localName, std::u16string_view value, std::u16string_view namespaceURI)
-{
-    AddElementAttribute(pElement, pElement->GetDocument()->InternName(namespaceURI, localName), value);
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement * pElement, CXmlName const & name, std::u16string_view value)

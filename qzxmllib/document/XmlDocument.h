@@ -235,19 +235,10 @@ private:
     /// Leaves children and attributes alone: the tree destroys them one by one.
     ~CXmlElement() override;
 
-    void AppendText(char16_t const * pText);
     void AppendText(char16_t const * pText, std::size_t nUnits);
-    CXmlElement * CreateNewChildElement(CXmlName const & name);
-    CXmlAttribute * AddAttribute(
-        std::u16string_view localName, std::u16string_view value, std::u16string_view namespaceURI);
-    void SetElementName(std::u16string_view localName);
-    void SetNamespace(std::u16string_view namespaceURI);
     /// Takes the last child off the list and hands it to the caller, who gives it to the tree. Null without children.
-    CXmlElement * RemoveLastChildElement();
-    /// The same when the child before the last one is known; null if there is none.
+    /// pBefore is the child before it, or null if there is none.
     CXmlElement * RemoveLastChildElement(CXmlElement * pBefore);
-    std::u16string GetQName() const;
-    std::u16string GetNameWithPredicate() const;
     CXmlTree & GetTree() const;
 
     CXmlElement * m_pParent;
@@ -319,17 +310,13 @@ private:
     friend class CXmlElement;
     friend class CPathNames;
 
-    // What the readers build with. Forms that take a CXmlName save the search for the name.
+    // What the readers build with.
     CXmlName const & InternName(std::u16string_view namespaceURI, std::u16string_view localName);
-    CXmlElement * AddDocElement(std::u16string_view namespaceURI, std::u16string_view localName);
     CXmlElement * AddDocElement(CXmlName const & name);
-    CXmlElement * AddChildElement(std::u16string_view namespaceURI, std::u16string_view localName);
     CXmlElement * AddChildElement(CXmlName const & name);
     void Push(CXmlElement * pElement, CXmlElement * pBefore);
     /// Closes the innermost open element and lets the element-complete function judge it.
     void EndElement();
-    static void AddElementAttribute(CXmlElement * pElement, std::u16string_view localName, std::u16string_view value,
-        std::u16string_view namespaceURI);
     static void AddElementAttribute(CXmlElement * pElement, CXmlName const & name, std::u16string_view value);
     /// The value is valid UTF-8.
     static void AddElementAttributeUtf8(

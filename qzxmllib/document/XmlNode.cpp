@@ -204,11 +204,6 @@ std::u16string CXmlElement::GetXPath() const
     return CPathNames(*GetDocument()).PathOf(*this);
 }
 
-void CXmlElement::AppendText(char16_t const * pText)
-{
-    AppendText(pText, std::char_traits<char16_t>::length(pText));
-}
-
 void CXmlElement::AppendText(char16_t const * pText, std::size_t nUnits)
 {
     if (m_pLastChild != nullptr || m_text.m_bRuns)
@@ -224,52 +219,10 @@ void CXmlElement::AppendText(char16_t const * pText, std::size_t nUnits)
         });
 }
 
-CXmlElement * CXmlElement::CreateNewChildElement(CXmlName const & name)
-{
-    return GetTree().CreateElement(name, this);
-}
-
-CXmlAttribute * CXmlElement::AddAttribute(
-    std::u16string_view localName, std::u16string_view value, std::u16string_view namespaceURI)
-{
-    CXmlTree & tree = GetTree();
-    CXmlAttribute * const pAttribute = tree.CreateAttribute(*this, tree.Names().FromText(namespaceURI, localName));
-    tree.Append(pAttribute->m_value, value.size(), [value](char16_t * pOut) { return value.copy(pOut, value.size()); });
-    return pAttribute;
-}
-
-void CXmlElement::SetElementName(std::u16string_view localName)
-{
-    m_pName = &GetTree().Names().FromText(m_pName->strNamespaceURI, localName);
-}
-
-void CXmlElement::SetNamespace(std::u16string_view namespaceURI)
-{
-    m_pName = &GetTree().Names().FromText(namespaceURI, m_pName->strLocalName);
-}
-
-CXmlElement * CXmlElement::RemoveLastChildElement()
-{
-    CXmlElement * pBefore = nullptr;
-    for (CXmlElement * p = m_pFirstChild; p != m_pLastChild; p = p->m_pNextSibling)
-        pBefore = p;
-    return RemoveLastChildElement(pBefore);
-}
-
 CXmlElement * CXmlElement::RemoveLastChildElement(CXmlElement * pBefore)
 {
     (pBefore != nullptr ? pBefore->m_pNextSibling : m_pFirstChild) = nullptr;
     return std::exchange(m_pLastChild, pBefore);
-}
-
-std::u16string CXmlElement::GetQName() const
-{
-    return CPathNames(*GetDocument()).QNameOf(*m_pName);
-}
-
-std::u16string CXmlElement::GetNameWithPredicate() const
-{
-    return CPathNames(*GetDocument()).StepOf(*this);
 }
 
 } // namespace QzXmlLib16

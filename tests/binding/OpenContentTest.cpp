@@ -104,6 +104,29 @@ TEST(CElementTest, BuildsByHand)
     EXPECT_EQ(named.GetElementName(), u"c");
 }
 
+TEST(CElementTest, CollectionsInsertAndCopy)
+{
+    CSmartPtr<CElement> const spElement(new CElement(u"a"));
+    CElementCol & children = *spElement->GetChildElements();
+    CAttributeCol & attributes = *spElement->GetAttributes();
+    CSmartPtr<CElement> const spFirst = children.Add(u"first", u"");
+    children.AddAfter(spFirst, new CElement(u"third"));
+    children.AddAfter(spFirst, new CElement(u"second"));
+    CSmartPtr<CAttribute> const spAttribute = attributes.Add(u"b", u"1", u"");
+    CElement source(u"x");
+    attributes.AddAfter(spAttribute, source.GetAttributes()->Add(u"c", u"2", u"")->Clone());
+    attributes.AddBefore(spAttribute, source.GetAttributes()->Item(0)->Clone());
+    spAttribute->SetName(u"y");
+    spAttribute->SetNamespace(u"urn:y");
+    attributes.Item(0)->SetNamespace(nullptr);
+    EXPECT_EQ(XmlOf(*spElement),
+        "<a c=\"2\" xmlns:AA=\"urn:y\" AA:y=\"1\" c=\"2\"><first/><second/><third/></a>");
+    CSmartPtr<CElementCol> const spClone = children.Clone();
+    children.Clear();
+    ASSERT_EQ(spClone->GetCount(), 3);
+    EXPECT_EQ(spClone->Item(2)->GetName(), u"third");
+}
+
 TEST(CElementTest, LeavesAloneWhatItsRestrictionRefuses)
 {
     CSmartPtr<COpenElement> const spElement(new COpenElement(u"a", u"urn:x"));

@@ -77,6 +77,15 @@ TEST(SerializationContextTest, FormsAreCreatedOnceByManyThreads)
         EXPECT_EQ(pFound, found[0]);
 }
 
+TEST(ReadLimitsTest, OfStrangersAreNarrow)
+{
+    CReadLimits const limits = CReadLimits::Strict();
+    EXPECT_FALSE(limits.bAllowDocumentType);
+    EXPECT_EQ(limits.nMaxDepth, 256u);
+    EXPECT_EQ(limits.nMaxAmplification, 10u);
+    EXPECT_EQ(limits.nMaxInflatedOctets, 64u * 1024 * 1024);
+}
+
 TEST(NamespaceAliasMapTest, OneAliasForEachNamespace)
 {
     CNamespaceAliasMap map;

@@ -89,6 +89,21 @@ TEST(QzZipTest, CompressesInPlaceOrNotAtAll)
     EXPECT_EQ(Packed(std::string(23, 'x'), CompressionType_GZip).size(), 23u);
 }
 
+TEST(QzZipTest, CompressesABufferInPlace)
+{
+    for (CompressionType const eType : {CompressionType_None, CompressionType_GZip})
+    {
+        std::string const strText(1000, 'x');
+        unsigned long nOctets = static_cast<unsigned long>(strText.size());
+        auto * pOctets = new unsigned char[nOctets];
+        std::copy(strText.begin(), strText.end(), pOctets);
+        CQzZip::Compress(&pOctets, &nOctets, eType);
+        std::unique_ptr<unsigned char[]> const spOctets(pOctets);
+        CBinaryData const data(pOctets, static_cast<std::uint32_t>(nOctets));
+        EXPECT_EQ(TextOf(data), eType == CompressionType_None ? strText : Packed(strText, eType));
+    }
+}
+
 TEST(QzZipTest, ObeysTheLimit)
 {
     std::string const strXml = "<a>" + std::string(100000, 'x') + "</a>";
