@@ -20,7 +20,7 @@ ARGUMENTS = re.compile(r"(?<=\w\()(\w[\w.>-]*), (\w[\w.>-]*)(?=\))")
 def mutations(line):
     """All changes of a line, as pairs of a name and the new line."""
     code = line.split("//")[0]
-    if "template" in code or "#" in code or "assert" in code or "operator" in code:
+    if re.search(r"template|#|assert|operator|= (delete|default);", code):
         return
     for match in RELATION.finditer(code):
         if match[1] in "<>" and re.search(r"\b(cast|vector|array|map|pair|tuple)\b", code):

@@ -254,6 +254,7 @@ Case const kSequenceCases[] = {
     {"PseudoMust", kSeq, PseudoMnd<true>, "<r><p>1</p><z>2</z></r>", 0, "<r><p>1</p><z>2</z></r>"},
     {"PseudoMustAbsent", kSeq, PseudoMnd<true>, "<r><z>2</z></r>", 0, QZ_REQUIRED("g")},
     {"PseudoMustAtEnd", kSeq, PseudoMnd<true>, "<r/>", 0, QZ_REQUIRED("g")},
+    {"PseudoMay", kSeq, PseudoMnd<false>, "<r><p>1</p><z>2</z></r>", 0, "<r><p>1</p><z>2</z></r>"},
     {"PseudoMayAbsent", kSeq, PseudoMnd<false>, "<r><z>2</z></r>", 0, QZ_WRITE QZ_CHILD_NULL("", "p")},
     {"PseudoSkips", kSeq, PseudoMnd<false>, "<r><x/><p>1</p></r>", kSkip, "<r><p>1</p></r>"},
     {"ClsOptBoth", kSeq, kClsOpt, "<r><c><n>1</n></c><p>2</p></r>", 0, "<r><c><n>1</n></c><p>2</p></r>"},
@@ -292,6 +293,12 @@ Tables const kAllAbs = [](CTableSchema & s)
     s.Element<CElementInfoAllAbsClsOpt>(u"g", XmlElementType_Pseudo, CreatePseudo);
 };
 
+Tables const kAllPseudo = [](CTableSchema & s)
+{
+    s.Element<CElementInfoAllClsMnd>(u"g", XmlElementType_Pseudo, Create, kPseudo, true);
+    Prim<CElementInfoAllPrimOpt>(s, u"z");
+    s.OnInit(Holding(0, kPseudo, u""));
+};
 Case const kAllCases[] = {
     {"AnyOrder", kAll, kAllPrims, "<r><d>red</d><b>2</b><a>1</a></r>", 0, "<r><a>1</a><b>2</b><d>red</d></r>"},
     {"MandatoryMissing", kAll, kAllPrims, "<r><b>2</b></r>", 0, QZ_MANDATORY("a")},
@@ -300,6 +307,8 @@ Case const kAllCases[] = {
     {"StopsAtUnknown", kAll, kAllPrims, "<r><a>1</a><d>red</d><x/><b>2</b></r>", kSkip, "<r><a>1</a><d>red</d></r>"},
     {"Classes", kAll, AllCls<true>, "<r><p>3</p><k><n>2</n></k><c><n>1</n></c></r>", 0,
         "<r><c><n>1</n></c><k><n>2</n></k><p>3</p></r>"},
+    {"PseudoMust", kAll, kAllPseudo, "<r><z>2</z><p>1</p></r>", 0, "<r><p>1</p><z>2</z></r>"},
+    {"PseudoMustAbsent", kAll, kAllPseudo, "<r><z>2</z></r>", 0, QZ_MANDATORY("g")},
     {"ClassMustAppear", kAll, AllCls<true>, "<r/>", 0, QZ_MANDATORY("c")},
     {"ClassMayStayAway", kAll, AllCls<false>, "<r><p>3</p></r>", 0, QZ_WRITE QZ_CHILD_NULL("c", "n")},
     {"Substitutes", kAll, kAllAbs, "<r><p>3</p><c><n>1</n></c></r>", 0, "<r><c><n>1</n></c><p>3</p></r>"},

@@ -119,8 +119,10 @@ TEST(CElementTest, CollectionsInsertAndCopy)
     spAttribute->SetName(u"y");
     spAttribute->SetNamespace(u"urn:y");
     attributes.Item(0)->SetNamespace(nullptr);
-    EXPECT_EQ(XmlOf(*spElement),
-        "<a c=\"2\" xmlns:AA=\"urn:y\" AA:y=\"1\" c=\"2\"><first/><second/><third/></a>");
+    EXPECT_EQ(XmlOf(*spElement), "<a c=\"2\" xmlns:AA=\"urn:y\" AA:y=\"1\" c=\"2\"><first/><second/><third/></a>");
+    CSmartPtr<CAttributeCol> const spNarrow(new CAttributeCol(u"", u"urn:x", u""));
+    ExpectThrows<CQzInvalidNamespaceException>([&] { spNarrow->Clone()->Add(u"b", u"", u"urn:y"); },
+        u"Invalid namespace [urn:y]. The namespace must be one of [urn:x] where the target namespace is [].");
     CSmartPtr<CElementCol> const spClone = children.Clone();
     children.Clear();
     ASSERT_EQ(spClone->GetCount(), 3);
