@@ -280,11 +280,15 @@ TEST(TextWriterOctetsTest, AgreeWithTheWideText)
         struct WideStream : CTextStream
         {
             using CTextStream::CTextStream;
+            void Close() override { nInBuffer = m_buffer.GetLength(); }
+            std::size_t nInBuffer = 0;
         };
         WideStream wide(XmlEncoding_UTF8);
         write(wide);
+        wide.Close();
         std::u16string const strText = wide.GetText();
         ASSERT_EQ(octets.GetLength(), strText.size());
+        ASSERT_EQ(wide.nInBuffer, strText.size()) << "all code units lie in the buffer of such a class";
         std::string const strOctets = TextOf(octets.GetBinary());
         ASSERT_TRUE(strOctets == TextOf(EncodeUtf8(strText.c_str())));
         ASSERT_TRUE((nDocument % 2 != 0 ? octets.GetText() == strText : TextOf(octets.TakeBinary()) == strOctets));
