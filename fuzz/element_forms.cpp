@@ -27,13 +27,13 @@ bool IsPlainText(std::u16string const & strText)
 }
 
 /// What docs/losses.md names is left out of the comparison: characters that an attribute or a text does not keep, text
-/// that is written as a section, and references in a URI. So are names and text from Fast Infoset that XML text cannot
-/// hold.
+/// that is written as a section, and references in a URI. So are names, URIs and text from Fast Infoset that XML text
+/// cannot hold.
 bool IsKept(CElement & top)
 {
     std::vector<CElement *> open{&top};
     auto const isPlainUri = [](std::u16string const & strUri)
-    { return strUri.find_first_of(u"&\t\n\r") == std::u16string::npos; };
+    { return IsPlainText(strUri) && strUri.find_first_of(u"&\t\n\r") == std::u16string::npos; };
     while (!open.empty())
     {
         CElement & element = *open.back();
