@@ -8,9 +8,10 @@ build=$(realpath "${1:-$(dirname "$0")/../build/release}")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# The README shows the program as it is compiled here.
+# The README shows the class and the program as they are compiled here.
 awk '/^```cpp/ { on = 1; next } /^```/ { on = 0 } on' README.md > "$work/readme.cpp"
-diff -u tests/consumer/main.cpp "$work/readme.cpp" || { echo "consumer.sh: README.md differs from main.cpp" >&2; exit 1; }
+sed -n '/^\/\/\/ <person/,$p' tests/consumer/Person.h | cat - tests/consumer/main.cpp | diff -u - "$work/readme.cpp" ||
+    { echo "consumer.sh: README.md differs from Person.h and main.cpp" >&2; exit 1; }
 
 cmake --install "$build" --prefix "$work/prefix" > "$work/install.log"
 cp -r tests/consumer "$work/source"

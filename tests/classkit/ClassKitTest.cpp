@@ -332,6 +332,12 @@ public:
     static Description const & Describe();
 };
 
+Description const & CWrong::Describe()
+{
+    static auto const s = Sequence<CWrong>(u"W", kNs, {});
+    return s;
+}
+
 TEST(ClassKitTest, RefusesDescriptionsThatCannotHold)
 {
     auto const failure = [](Property const & property, auto const & make) { return Failure([&] { make(property); }); };

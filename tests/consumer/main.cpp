@@ -1,4 +1,4 @@
-#include "Person.h" // one class of a schema, see tests/consumer/Person.h
+#include "Person.h" // the class above, tests/consumer/Person.h
 
 int main()
 {

@@ -306,6 +306,7 @@ TEST(FileStreamTest, TheOldFileStandsUntilTheNewOneIsComplete)
     std::filesystem::create_symlink("file", strLink);
     CPlatformFileCalls const calls{&Staged::Read, &Staged::Write, &Staged::Close, &Staged::Rename};
     SetPlatformFileCalls(&calls);
+    constexpr uid_t kOwner = 12345;
     bool bAllGood = false;
     for (int nCall = 0; !bAllGood; ++nCall)
     {
@@ -313,6 +314,7 @@ TEST(FileStreamTest, TheOldFileStandsUntilTheNewOneIsComplete)
         for (int const nError : {0, EINTR, ENOSPC, EIO, EDQUOT})
         {
             std::ofstream(strFile) << "old";
+            ASSERT_TRUE(::geteuid() != 0 || ::chown(strFile.c_str(), kOwner, kOwner) == 0);
             ASSERT_EQ(::chmod(strFile.c_str(), 0640), 0);
             Staged::nError = nError;
             Staged::nLeft = nCall;
@@ -332,6 +334,7 @@ TEST(FileStreamTest, TheOldFileStandsUntilTheNewOneIsComplete)
             struct stat status = {};
             EXPECT_EQ(::stat(strFile.c_str(), &status), 0);
             EXPECT_EQ(status.st_mode & 0777u, 0640u);
+            EXPECT_TRUE(::geteuid() != 0 || (status.st_uid == kOwner && status.st_gid == kOwner)) << nCall;
             bAllGood = bAllGood && Staged::nLeft >= 0;
         }
         EXPECT_LT(nCall, 20);

@@ -165,6 +165,20 @@ TEST(BinaryDataTest, Base64OfEveryLengthComesBackWithoutLineBreaks)
     }
 }
 
+TEST(CBinaryDataTest, DerivedClassesDecodeIntoArrays)
+{
+    struct Hex : CBinaryData
+    {
+        using CBinaryData::ConvertToHexData;
+    };
+    unsigned char * pOctets = nullptr;
+    EXPECT_EQ(Hex::ConvertToHexData(nullptr, &pOctets), 0u);
+    EXPECT_EQ(pOctets, nullptr);
+    ASSERT_EQ(Hex::ConvertToHexData(u"0aFF", &pOctets), 2u);
+    std::unique_ptr<unsigned char[]> const spOctets(pOctets);
+    EXPECT_EQ(pOctets[0] << 8 | pOctets[1], 0x0AFF);
+}
+
 TEST(BinaryDataTest, Hexadecimal)
 {
     CBinaryData data;
