@@ -59,18 +59,23 @@ Tables::Tables(XmlElementGroupType eGroup, XmlElementType eElement, char16_t con
         property.m_bOwnNamespace = true;
         AddProperty(property);
     }
+    // A wildcard takes what the named entries in front of it leave.
+    std::stable_partition(m_attributes.begin(), m_attributes.end(),
+        [](CAttributeInfo const * pEntry) { return dynamic_cast<CAttributeInfoAny const *>(pEntry) == nullptr; });
     m_elements.push_back(nullptr);
     m_attributes.push_back(nullptr);
-    // Groups read the attributes of their owner's element, so neither may refuse what the other takes.
-    bool bGroups = eElement == XmlElementType_Pseudo;
+    // A group is offered the attributes of its owner's element, and refuses none.
+    bool const bGroup = eElement == XmlElementType_Pseudo;
     int nText = -1;
     for (std::size_t i = 0; i < m_properties.size(); ++i)
     {
-        bGroups = bGroups || m_properties[i]->m_member.bPseudo;
+        if (bGroup && m_properties[i]->m_eRole != Property::Role::Element &&
+            m_properties[i]->m_eRole != Property::Role::Wildcard)
+            Refuse(*m_properties[i], u"is no child, and a group has nothing else");
         if (m_properties[i]->m_eRole == Property::Role::Text)
             nText = static_cast<int>(i);
     }
-    m_spInfo = std::make_unique<CParentElementInfo>(eGroup, eElement, pszTypeName, pszNamespace, !bGroups,
+    m_spInfo = std::make_unique<CParentElementInfo>(eGroup, eElement, pszTypeName, pszNamespace, !bGroup,
         pBase != nullptr, nText,
         nText < 0 ? ItemType_Invalid : m_properties[static_cast<std::size_t>(nText)]->m_member.eType, u"", false);
 }
@@ -94,7 +99,9 @@ void Tables::AddProperty(Property const & property)
         m_slots.back().pfnAccess = &AccessText;
         return;
     }
-    if (kept.m_eRole == Property::Role::Attribute)
+    if (!kept.m_strFixed.empty())
+        m_slots.back().pfnAccess = &AccessFixed;
+    if (kept.m_eRole == Property::Role::Attribute || kept.m_eRole == Property::Role::AnyAttribute)
     {
         m_attributes.reserve(m_attributes.size() + 1);
         m_attributes.push_back(MakeAttribute(kept, nIndex));
@@ -141,12 +148,17 @@ CElementInfo * Tables::MakeElement(Property const & property, int nIndex) const
         return MakeEntry<CElementInfoSeqAbsClsMnd, CElementInfoSeqAbsClsOpt, CElementInfoAllAbsClsOpt,
             CElementInfoAllAbsClsOpt, CElementInfoChoiceAbsClsOpt>(
             m_eGroup, member.bOptional, pszName, pszUri, nIndex, eElement, property.m_pfnCreateFrom);
+    case Member::Kind::AnyAttributes:
+        break;
     case Member::Kind::Collection:
+    case Member::Kind::Values:
     case Member::Kind::Wildcard:
         if (m_eGroup != XmlElementGroupType_Sequence)
             Refuse(property, u"is a list, which only a sequence can hold; a group can hold the sequence");
         if (member.eKind == Member::Kind::Wildcard)
             return new CElementInfoSeqUntpdCol(u"AnyElement", pszUri, nIndex);
+        if (member.eKind == Member::Kind::Values)
+            return new CElementInfoSeqPrimCol(pszName, pszUri, nIndex);
         return new CElementInfoSeqClsCol(pszName, pszUri, nIndex, eElement);
     }
     Refuse(property, u"has no kind");
@@ -157,6 +169,9 @@ CAttributeInfo * Tables::MakeAttribute(Property const & property, int nIndex) co
     Member const & member = property.m_member;
     char16_t const * const pszName = property.m_strName.c_str();
     char16_t const * const pszUri = property.m_strNamespace.c_str();
+    if (property.m_eRole == Property::Role::AnyAttribute)
+        return new CAttributeInfoAny(
+            u"", u"", nIndex, true, property.m_strNamespaceList.c_str(), m_strNamespace.c_str(), u"");
     if (member.eKind == Member::Kind::Enumeration)
         return new CAttributeInfoEnum(pszName, pszUri, nIndex, member.bOptional, member.pfnToText, member.pfnFromText,
             property.m_strDefault.c_str());
@@ -164,6 +179,35 @@ CAttributeInfo * Tables::MakeAttribute(Property const & property, int nIndex) co
         Refuse(property, u"is no value, as an attribute is");
     return new CAttributeInfoPrimitive(pszName, pszUri, nIndex, member.bOptional, member.eType, u"", property.m_eRule,
         property.m_facets, property.m_strDefault.c_str());
+}
+
+void Tables::AccessFixed(Object & object, Property const & property, bool bRead, QzVariant & value)
+{
+    Member const & member = property.m_member;
+    if (bRead)
+        member.pfnAccess(object, property, bRead, value);
+    if (value.IsValid() && !value.IsNil())
+    {
+        std::u16string strGiven;
+        std::u16string strFixed = property.m_strFixed;
+        if (member.eKind == Member::Kind::Enumeration)
+        {
+            char16_t const * const pszText = member.pfnToText(value.GetI4());
+            strGiven = pszText != nullptr ? pszText : u"";
+        }
+        else
+        {
+            strGiven = value.ToString(u"");
+            QzVariant fixed;
+            fixed.FromString(strFixed, member.eType, property.m_eRule);
+            strFixed = fixed.ToString(u"");
+        }
+        if (strGiven != strFixed)
+            throw CQzInvalidValueException(FormatString(
+                u"The value [%s] of [%s] is not the fixed one, which is [%s]", strGiven, property.m_strName, strFixed));
+    }
+    if (!bRead)
+        member.pfnAccess(object, property, bRead, value);
 }
 
 /// The engine hands over the text of an element as it stands, and checks no facets.
@@ -178,17 +222,30 @@ void Tables::AccessText(Object & object, Property const & property, bool bRead, 
         check.CheckRestriction(value);
 }
 
-bool Tables::IsFollower(Property const & wildcard, std::u16string_view name, std::u16string_view uri) const noexcept
+bool Tables::HasElement(std::size_t nFirst, std::u16string_view name, std::u16string_view uri, unsigned nDepth) const
 {
-    bool bBehind = false;
-    for (auto const & spProperty : m_properties)
+    // Groups may hold each other.
+    constexpr unsigned kMostNestedGroups = 16;
+    for (std::size_t i = nFirst; i < m_properties.size(); ++i)
     {
-        if (bBehind && spProperty->m_eRole == Property::Role::Element && spProperty->m_strName == name &&
-            spProperty->m_strNamespace == uri)
+        Property const & property = *m_properties[i];
+        if (property.m_eRole != Property::Role::Element)
+            continue;
+        if (property.m_member.bPseudo
+                ? nDepth < kMostNestedGroups &&
+                      property.m_member.pfnDescribe().GetTables().HasElement(0, name, uri, nDepth + 1)
+                : property.m_strName == name && property.m_strNamespace == uri)
             return true;
-        bBehind = bBehind || spProperty.get() == &wildcard;
     }
     return false;
+}
+
+bool Tables::IsFollower(Property const & wildcard, std::u16string_view name, std::u16string_view uri) const
+{
+    auto const it = std::find_if(m_properties.begin(), m_properties.end(),
+        [&wildcard](auto const & spProperty) { return spProperty.get() == &wildcard; });
+    return it != m_properties.end() &&
+           HasElement(static_cast<std::size_t>(it - m_properties.begin()) + 1, name, uri, 0);
 }
 
 } // namespace QzXmlLib16::ClassKit

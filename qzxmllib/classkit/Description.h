@@ -38,12 +38,15 @@ public:
     QzXmlLib16Data::CElementInfo ** GetElements() const noexcept { return m_elements.data(); }
     QzXmlLib16Data::CAttributeInfo ** GetAttributes() const noexcept { return m_attributes.data(); }
     /// Whether an element of the name and namespace belongs to an entry behind that of the wildcard.
-    bool IsFollower(Property const & wildcard, std::u16string_view name, std::u16string_view uri) const noexcept;
+    bool IsFollower(Property const & wildcard, std::u16string_view name, std::u16string_view uri) const;
 
 private:
     void AddProperty(Property const & property);
     QzXmlLib16Data::CElementInfo * MakeElement(Property const & property, int nIndex) const;
     QzXmlLib16Data::CAttributeInfo * MakeAttribute(Property const & property, int nIndex) const;
+    /// Whether an element belongs to an entry from one on, or to one of the groups there.
+    bool HasElement(std::size_t nFirst, std::u16string_view name, std::u16string_view uri, unsigned nDepth) const;
+    static void AccessFixed(Object & object, Property const & property, bool bRead, QzVariant & value);
     static void AccessText(Object & object, Property const & property, bool bRead, QzVariant & value);
 
     QzXmlLib16Data::XmlElementGroupType m_eGroup;

@@ -1,7 +1,12 @@
 #include "qzxmllib/classkit/Members.h"
 
+#include "qzxmllib/binding/AttributeInfo.h"
+#include "qzxmllib/binding/SerializationContext.h"
+#include "qzxmllib/document/NamespacesInternal.h"
 #include "qzxmllib/document/XmlDocument.h"
+#include "qzxmllib/document/XmlWriter.h"
 #include "qzxmllib/support/QzException.h"
+#include "qzxmllib/values/QzVariantInternal.h"
 #include "qzxmllib/values/WhitespaceUtils.h"
 
 #include <algorithm>
@@ -104,6 +109,119 @@ CXmlElement * ListBase::FromXml_Int(
         pChild = pNext;
     }
     return pChild;
+}
+
+void ValuesBase::Describe(Property const & property)
+{
+    m_pProperty = &property;
+    m_strElementName = property.GetName();
+    m_strNamespace = property.GetNamespace();
+    SetOccurs(property.GetMinOccurs(), property.GetMaxOccurs());
+}
+
+void ValuesBase::Check(QzVariant const & value) const
+{
+    if (m_pProperty->GetMember().pfnToText == nullptr && !value.IsNil())
+        QzXmlLib16Data::CAttributeInfoPrimitive(m_strElementName.c_str(), u"", 0, true, m_pProperty->GetMember().eType,
+            u"", m_pProperty->GetWhiteSpace(), m_pProperty->GetFacets(), u"")
+            .CheckRestriction(value);
+}
+
+void ValuesBase::ToXml_Int(CXmlWriter * pWriter, bool, char16_t const *, CSerializationContext const & ctx, bool) const
+{
+    ValidateCount(ctx);
+    Member const & member = m_pProperty->GetMember();
+    std::u16string strScratch;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(GetCount()); ++i)
+    {
+        QzVariant value;
+        GetItem(i, value);
+        Check(value);
+        if (value.IsNil())
+        {
+            pWriter->WriteStartElement(m_strElementName, m_strNamespace);
+            pWriter->WriteXsiNil();
+            pWriter->WriteEndElement();
+        }
+        else if (member.pfnToText != nullptr)
+        {
+            char16_t const * const pszText = member.pfnToText(value.GetI4());
+            if (pszText == nullptr)
+                throw CQzInvalidValueException(
+                    FormatString(u"The number [%d] is none of the enumeration [%s]", value.GetI4(), m_strElementName));
+            pWriter->WriteElementView(m_strElementName, m_strNamespace, pszText, ItemType_string);
+        }
+        else
+        {
+            pWriter->WriteElementView(m_strElementName, m_strNamespace,
+                CVariantText::View(value, u"", ctx.GetExactValues(), strScratch), member.eType);
+        }
+    }
+}
+
+CXmlElement * ValuesBase::FromXml_Int(CXmlElement *, CXmlElement * pChild, CSerializationContext const & ctx, bool)
+{
+    Member const & member = m_pProperty->GetMember();
+    for (; pChild != nullptr && DoesElementNameMatch(ctx, pChild, m_strElementName.c_str(), m_strNamespace.c_str());
+         pChild = pChild->GetNextSiblingElement())
+    {
+        QzVariant value;
+        std::u16string const & strNil = pChild->GetAttribute(u"nil", kXsiNamespace);
+        if (strNil == u"true" || strNil == u"1")
+        {
+            if (!member.bNillable)
+                throw CQzValidationException(
+                    u"Invalid use of 'nil' attribute in non-nillable element.", pChild->GetXPath());
+            value.SetNil();
+        }
+        else
+        {
+            try
+            {
+                if (member.pfnFromText != nullptr)
+                    value.SetI4(member.pfnFromText(pChild->GetText().c_str()));
+                else
+                    value.FromString(pChild->GetTextView(), member.eType, m_pProperty->GetWhiteSpace());
+                Check(value);
+            }
+            catch (CQzException const & inner)
+            {
+                throw CQzValidationException(inner.GetMessageW(), pChild->GetXPath());
+            }
+        }
+        AddItem(value);
+    }
+    return pChild;
+}
+
+AnyAttributes::AnyAttributes() : CAttributeCol(u"", u"##any", u"")
+{
+    AddRef();
+}
+
+AnyAttributes::AnyAttributes(AnyAttributes const & other) : AnyAttributes()
+{
+    *this = other;
+}
+
+AnyAttributes & AnyAttributes::operator=(AnyAttributes const & other)
+{
+    if (this == &other)
+        return *this;
+    Clear();
+    for (CAttribute const & attribute : other)
+        Add(attribute.Clone());
+    return *this;
+}
+
+bool operator==(AnyAttributes const & a, AnyAttributes const & b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+        [](CAttribute & left, CAttribute & right)
+        {
+            return left.GetName() == right.GetName() && left.GetValue() == right.GetValue() &&
+                   left.GetNamespace() == right.GetNamespace();
+        });
 }
 
 Wildcards::Wildcards() : CElementCol(u"", u"##any", u"", 0, -1)

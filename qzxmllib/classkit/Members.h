@@ -1,17 +1,21 @@
 #pragma once
 
+#include "qzxmllib/binding/Attribute.h"
 #include "qzxmllib/binding/Element.h"
 #include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/classkit/Object.h"
 #include "qzxmllib/support/Export.h"
+#include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/QzVariant.h"
 
 #include <cstddef>
+#include <initializer_list>
 #include <iterator>
 #include <optional>
 #include <type_traits>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace QzXmlLib16::ClassKit
 {
@@ -165,6 +169,116 @@ public:
 private:
     template <ItemType, class M>
     friend struct MemberOf;
+};
+
+/// What lists of all values share.
+class QZXMLLIB_API ValuesBase : public CXmlCollectionBase
+{
+protected:
+    /// An item as the engine sees it: into the variant, or one more out of it.
+    virtual void GetItem(std::size_t nIndex, QzVariant & value) const = 0;
+    virtual void AddItem(QzVariant & value) = 0;
+    void Describe(Property const & property);
+
+    void ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t const * namespaceUri, CSerializationContext const & ctx,
+        bool emptyChoiceAllowed) const override;
+    CXmlElement * FromXml_Int(CXmlElement * pElement, CXmlElement * pChild, CSerializationContext const & ctx,
+        bool emptyChoiceAllowed) override;
+
+private:
+    void Check(QzVariant const & value) const;
+
+    Property const * m_pProperty = nullptr;
+};
+
+template <class V>
+inline constexpr bool kIsNillable = false;
+template <class V>
+inline constexpr bool kIsNillable<Nillable<V>> = true;
+
+/// Elements that hold a value each: a value of one of the kinds, an enumeration, or Nillable of such. It lies in its
+/// owner. Facets of the property count for each item. It has no events.
+template <class V>
+class Values : public ValuesBase
+{
+public:
+    Values() { this->AddRef(); }
+    Values(Values const & other) : Values() { m_items = other.m_items; }
+    Values(std::initializer_list<V> items) : Values() { m_items = items; }
+    Values & operator=(Values const & other)
+    {
+        m_items = other.m_items;
+        return *this;
+    }
+    Values & operator=(std::vector<V> items)
+    {
+        m_items = std::move(items);
+        return *this;
+    }
+
+    /// The items, which may be changed as any vector.
+    std::vector<V> & operator*() noexcept { return m_items; }
+    std::vector<V> const & operator*() const noexcept { return m_items; }
+    std::vector<V> * operator->() noexcept { return &m_items; }
+    auto begin() const noexcept { return m_items.begin(); }
+    auto end() const noexcept { return m_items.end(); }
+    std::size_t size() const noexcept { return m_items.size(); }
+    bool empty() const noexcept { return m_items.empty(); }
+    typename std::vector<V>::const_reference operator[](std::size_t nIndex) const { return m_items[nIndex]; }
+
+    int GetCount() const override { return static_cast<int>(m_items.size()); }
+    void Clear() override { m_items.clear(); }
+    void Remove(int nIndex) override
+    {
+        if (nIndex < 0 || nIndex >= GetCount())
+            throw CQzInvalidParamException(u"Index out of range");
+        m_items.erase(m_items.begin() + nIndex);
+    }
+
+    friend bool operator==(Values const & a, Values const & b) { return a.m_items == b.m_items; }
+    friend bool operator!=(Values const & a, Values const & b) { return !(a == b); }
+
+private:
+    template <ItemType, class M>
+    friend struct MemberOf;
+
+    void GetItem(std::size_t nIndex, QzVariant & value) const override
+    {
+        V const item = m_items[nIndex];
+        if constexpr (!kIsNillable<V>)
+            m_pfnPut(value, &item);
+        else if (item.IsNil() || item.IsAbsent())
+            value.SetNil();
+        else
+            m_pfnPut(value, &*item);
+    }
+    void AddItem(QzVariant & value) override
+    {
+        if constexpr (kIsNillable<V>)
+        {
+            if (value.IsNil())
+            {
+                m_items.emplace_back().SetNil();
+                return;
+            }
+        }
+        m_pfnAdd(m_items, value);
+    }
+
+    std::vector<V> m_items;
+    void (*m_pfnPut)(QzVariant & value, void const * pItem) = nullptr;
+    void (*m_pfnAdd)(std::vector<V> & items, QzVariant & value) = nullptr;
+};
+
+/// Attributes of other names, in the namespaces of the property. It lies in its owner.
+class QZXMLLIB_API AnyAttributes : public CAttributeCol
+{
+public:
+    AnyAttributes();
+    AnyAttributes(AnyAttributes const & other);
+    AnyAttributes & operator=(AnyAttributes const & other);
+
+    friend QZXMLLIB_API bool operator==(AnyAttributes const & a, AnyAttributes const & b);
 };
 
 /// Elements of other names, which nobody has described. They must lie in the namespaces of the property, and elements
@@ -333,6 +447,27 @@ private:
     }
 };
 
+/// The value within a plain, optional or nillable member, or the member itself.
+template <class M>
+struct Inner
+{
+    using Type = M;
+};
+template <class V>
+struct Inner<std::optional<V>>
+{
+    using Type = V;
+};
+template <class V>
+struct Inner<Nillable<V>>
+{
+    using Type = V;
+};
+template <class V>
+struct Inner<Values<V>> : Inner<V>
+{
+};
+
 /// What the tables do with a member of type M.
 template <ItemType eType, class M>
 struct MemberOf
@@ -405,6 +540,7 @@ struct MemberOf<eType, Part<T>>
     {
         member.eKind = Member::Kind::Object;
         member.bPseudo = T::kElementType == QzXmlLib16Data::XmlElementType_Pseudo;
+        member.pfnDescribe = &T::Describe;
         member.pfnCreate = &Create<T>;
     }
     static void Access(Object &, Property const & property, Part<T> & member, bool bRead, QzVariant & value)
@@ -426,6 +562,7 @@ struct MemberOf<eType, CSmartPtr<T>>
         member.eKind = Member::Kind::Pointer;
         member.bOptional = true;
         member.bPseudo = T::kElementType == QzXmlLib16Data::XmlElementType_Pseudo;
+        member.pfnDescribe = &T::Describe;
         member.pfnCreate = &Create<T>;
     }
     static void Access(Object &, Property const & property, CSmartPtr<T> & spMember, bool bRead, QzVariant & value)
@@ -457,6 +594,7 @@ struct MemberOf<eType, List<T>>
     {
         member.eKind = Member::Kind::Collection;
         member.bPseudo = T::kElementType == QzXmlLib16Data::XmlElementType_Pseudo;
+        member.pfnDescribe = &T::Describe;
     }
     static void Access(Object &, Property const & property, List<T> & member, bool bRead, QzVariant & value)
     {
@@ -467,6 +605,44 @@ struct MemberOf<eType, List<T>>
     }
     static void Copy(List<T> & to, List<T> const & from) { to.AssignItems(from); }
     static bool Equal(List<T> const & a, List<T> const & b) { return a.HasEqualItems(b); }
+};
+
+template <ItemType eType, class V>
+struct MemberOf<eType, Values<V>>
+{
+    using Value = ValueOf<eType, typename Inner<V>::Type>;
+    static void Fill(Member & member)
+    {
+        Value::Fill(member);
+        member.eKind = Member::Kind::Values;
+        member.bNillable = kIsNillable<V>;
+    }
+    static void Access(Object &, Property const & property, Values<V> & member, bool bRead, QzVariant & value)
+    {
+        if (!bRead)
+            return;
+        using Plain = typename Inner<V>::Type;
+        member.m_pfnPut = [](QzVariant & to, void const * pItem)
+        { Value::Put(to, *static_cast<Plain const *>(pItem)); };
+        member.m_pfnAdd = [](std::vector<V> & items, QzVariant & from) { items.push_back(V(Value::Take(from))); };
+        member.Describe(property);
+        value.SetXmlCollection(&member);
+    }
+    static void Copy(Values<V> & to, Values<V> const & from) { to = from; }
+    static bool Equal(Values<V> const & a, Values<V> const & b) { return a == b; }
+};
+
+template <ItemType eType>
+struct MemberOf<eType, AnyAttributes>
+{
+    static void Fill(Member & member) { member.eKind = Member::Kind::AnyAttributes; }
+    static void Access(Object &, Property const &, AnyAttributes & member, bool bRead, QzVariant & value)
+    {
+        if (bRead)
+            value.SetXmlCollection(&member);
+    }
+    static void Copy(AnyAttributes & to, AnyAttributes const & from) { to = from; }
+    static bool Equal(AnyAttributes const & a, AnyAttributes const & b) { return a == b; }
 };
 
 template <ItemType eType>
@@ -520,23 +696,6 @@ struct Reach
     }
 };
 
-/// The value within a plain, optional or nillable member, or the member itself.
-template <class M>
-struct Inner
-{
-    using Type = M;
-};
-template <class V>
-struct Inner<std::optional<V>>
-{
-    using Type = V;
-};
-template <class V>
-struct Inner<Nillable<V>>
-{
-    using Type = V;
-};
-
 template <ItemType eType, class M>
 inline constexpr ItemType kKindOfMember = eType != ItemType_Invalid ? eType : DefaultKind<typename Inner<M>::Type>();
 
@@ -568,6 +727,15 @@ template <class C>
 Property Any(char16_t const * pszNamespaceList, Wildcards C::*pMember)
 {
     Property property = Reach<ItemType_Invalid, C, Wildcards>::Make(Property::Role::Wildcard, u"", pMember);
+    property.m_strNamespaceList = pszNamespaceList;
+    return property;
+}
+
+/// Attributes of other names, of the namespaces of a list as a wildcard of XML Schema has it.
+template <class C>
+Property AnyAttribute(char16_t const * pszNamespaceList, AnyAttributes C::*pMember)
+{
+    Property property = Reach<ItemType_Invalid, C, AnyAttributes>::Make(Property::Role::AnyAttribute, u"", pMember);
     property.m_strNamespaceList = pszNamespaceList;
     return property;
 }

@@ -1,6 +1,7 @@
 #include "qzxmllib/classkit/Object.h"
 
 #include "qzxmllib/binding/SerializationContext.h"
+#include "qzxmllib/binding/XmlCollectionBase.h"
 #include "qzxmllib/document/XmlDocument.h"
 #include "qzxmllib/support/QzException.h"
 #include "qzxmllib/values/QzVariant.h"
@@ -35,6 +36,30 @@ void Object::Init()
     if (std::exchange(m_bFresh, false))
         return;
     Assign(GetInitial());
+    ForEachList([](CXmlCollectionBase & list) { list.Clear(); });
+}
+
+template <class F>
+void Object::ForEachList(F && call) const
+{
+    std::vector<Tables::Slot> const & slots = GetTables().GetSlots();
+    for (std::size_t i = 0; i < slots.size(); ++i)
+    {
+        Member::Kind const eKind = slots[i].pProperty->GetMember().eKind;
+        if (eKind != Member::Kind::Collection && eKind != Member::Kind::Values && eKind != Member::Kind::Wildcard &&
+            eKind != Member::Kind::AnyAttributes)
+            continue;
+        QzVariant value;
+        ReadProperty(static_cast<int>(i), value);
+        call(*value.GetXmlCollection());
+    }
+}
+
+bool Object::HasItems() const
+{
+    bool bItems = false;
+    ForEachList([&bItems](CXmlCollectionBase const & list) { bItems = bItems || list.GetCount() != 0; });
+    return bItems;
 }
 
 void Object::Assign(Object const & other)

@@ -34,8 +34,10 @@ public:
     bool Equals(Object const & other) const;
     /// Makes all properties copies of their own of those of an object of the same class.
     void Assign(Object const & other);
-    /// Called for an object that nobody has touched: the next Init has nothing to do.
+    /// Called for an object that nobody has touched and whose lists are empty: the next Init has nothing to do.
     void MarkFresh() noexcept { m_bFresh = true; }
+    /// Whether a list of the object has items.
+    bool HasItems() const;
 
 protected:
     explicit Object(char16_t const * pszName);
@@ -51,6 +53,8 @@ protected:
 
 private:
     bool IsEmptyChoice() const;
+    template <class F>
+    void ForEachList(F && call) const;
 
     bool m_bFresh = false;
 };
@@ -146,7 +150,9 @@ CSmartPtr<CXmlObjectBase> Create(int, char16_t const * pszName)
 {
     CSmartPtr<T> spObject(new T);
     spObject->SetTag(pszName);
-    spObject->MarkFresh();
+    static bool const s_bEmptyAtFirst = !spObject->HasItems();
+    if (s_bEmptyAtFirst)
+        spObject->MarkFresh();
     return CSmartPtr<CXmlObjectBase>(spObject.Get());
 }
 

@@ -53,6 +53,11 @@ Property Property::Default(char16_t const * pszText) const
     return With([&](Property & p) { p.m_strDefault = OrEmpty(pszText); });
 }
 
+Property Property::Fixed(char16_t const * pszText) const
+{
+    return With([&](Property & p) { p.m_strDefault = p.m_strFixed = OrEmpty(pszText); });
+}
+
 Property Property::Optional() const
 {
     return With([](Property & p) { p.m_member.bOptional = true; });

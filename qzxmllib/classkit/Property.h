@@ -13,6 +13,7 @@
 namespace QzXmlLib16::ClassKit
 {
 
+class Description;
 class Object;
 class Property;
 
@@ -22,12 +23,14 @@ struct Member
 {
     enum class Kind
     {
-        Value,       ///< one of the 26 kinds
-        Enumeration, ///< an enum class
-        Object,      ///< a child that the owner always has
-        Pointer,     ///< a child that may be missing
-        Collection,  ///< a list of children
-        Wildcard     ///< a list of elements of open content
+        Value,         ///< one of the 26 kinds
+        Enumeration,   ///< an enum class
+        Object,        ///< a child that the owner always has
+        Pointer,       ///< a child that may be missing
+        Collection,    ///< a list of children
+        Values,        ///< a list of values or enumerations
+        Wildcard,      ///< a list of elements of open content
+        AnyAttributes, ///< a list of attributes of open content
     };
 
     /// Moves the member into the variant when bRead, else out of it.
@@ -43,6 +46,7 @@ struct Member
     QzXmlLib16Data::CreateObjectFunction pfnCreate = nullptr;
     QzXmlLib16Data::EnumToStringFunction pfnToText = nullptr;
     QzXmlLib16Data::EnumFromStringFunction pfnFromText = nullptr;
+    Description const & (*pfnDescribe)() = nullptr; ///< the description of a group
 };
 
 /// One entry of a description: a member of a class with the name under which it stands in documents. Made by Element,
@@ -57,6 +61,7 @@ public:
         Attribute,
         Text,     ///< the text of the element itself
         Wildcard, ///< elements of other names
+        AnyAttribute,
     };
 
     /// pMember points to a pointer to a member of nOctets.
@@ -67,6 +72,8 @@ public:
     /// The text that an empty element stands for, and of an attribute the text that may be left out of documents. An
     /// attribute that is missing leaves the member as the constructor of the class makes it.
     Property Default(char16_t const * pszText) const;
+    /// The one value that documents may have. An empty element stands for it.
+    Property Fixed(char16_t const * pszText) const;
     /// A value that always has one may be missing in documents, and is then as the constructor of the class makes it.
     Property Optional() const;
     /// A pointer or an optional value must be there.
@@ -102,6 +109,8 @@ public:
     std::u16string const & GetName() const noexcept { return m_strName; }
     std::u16string const & GetNamespace() const noexcept { return m_strNamespace; }
     std::u16string const & GetNamespaceList() const noexcept { return m_strNamespaceList; }
+    CWhitespaceUtils::WhitespaceRule GetWhiteSpace() const noexcept { return m_eRule; }
+    CPrimitiveRestrictions const & GetFacets() const noexcept { return m_facets; }
     int GetMinOccurs() const noexcept { return m_nMinOccurs; }
     int GetMaxOccurs() const noexcept { return m_nMaxOccurs; }
     QzXmlLib16Data::CreateFromElementFunction GetCreateFromElement() const noexcept { return m_pfnCreateFrom; }
@@ -119,6 +128,8 @@ private:
     friend class Tables;
     template <class C>
     friend Property Any(char16_t const * pszNamespaceList, class Wildcards C::*pMember);
+    template <class C>
+    friend Property AnyAttribute(char16_t const * pszNamespaceList, class AnyAttributes C::*pMember);
 
     template <class F>
     Property With(F && change) const;
@@ -132,6 +143,7 @@ private:
     std::u16string m_strNamespace;
     std::u16string m_strNamespaceList;
     std::u16string m_strDefault;
+    std::u16string m_strFixed;
     bool m_bOwnNamespace = false;
     int m_nMinOccurs = 0;
     int m_nMaxOccurs = -1;

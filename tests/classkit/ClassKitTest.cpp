@@ -321,6 +321,77 @@ TEST(ClassKitTest, AllTakesAnyOrder)
     EXPECT_NE(Failure([&] { spObject->FromXml("<u xmlns='urn:kit'><b>1</b></u>", Context()); }), "");
 }
 
+/// Lists of values, a group behind a wildcard, fixed values and attributes of other names.
+class CLists : public Class<CLists>
+{
+public:
+    explicit CLists(char16_t const * name = u"l") : Class(name) {}
+    std::u16string m_schema = u"2.0";
+    std::int32_t m_one = 1;
+    Values<std::int32_t> m_numbers{1, 2};
+    Values<CDateTime> m_days;
+    Values<Colour> m_colours;
+    Values<Nillable<CDecimal>> m_gaps;
+    Wildcards m_others;
+    CSmartPtr<CPair> m_pair;
+    AnyAttributes m_more;
+    static Description const & Describe();
+};
+
+Description const & CLists::Describe()
+{
+    using C = CLists;
+    static auto const s = Sequence<C>(u"ListsType", kNs,
+        {AnyAttribute(u"##other", &C::m_more), Attribute(u"schema", &C::m_schema).Optional().Fixed(u"2.0"),
+            Element(u"one", &C::m_one).Optional().Fixed(u"01"),
+            Element(u"number", &C::m_numbers).Occurs(1, 3).MaxInclusive(u"9"),
+            ClassKit::Element<ItemType_date>(u"day", &C::m_days), Element(u"colour", &C::m_colours),
+            Element(u"gap", &C::m_gaps), Any(u"##targetNamespace", &C::m_others), Element(u"", &C::m_pair)});
+    return s;
+}
+
+std::string PassLists(char const * pszContent, char const * pszAttributes = "")
+{
+    CSmartPtr<CLists> const spObject(new CLists);
+    CSmartPtr<CLists> const spCopy(new CLists);
+    return Failure(
+        [&]
+        {
+            std::string const strXml = std::string("<l xmlns='urn:kit' xmlns:xsi='") +
+                                       "http://www.w3.org/2001/XMLSchema-instance' xmlns:o='urn:o' " + pszAttributes +
+                                       ">" + pszContent + "</l>";
+            CSerializationContext ctx = Context();
+            ctx.SetDefaultNamespaceURI(kNs);
+            spObject->FromXml(strXml.c_str(), ctx);
+            CSmartPtr<CLists> const spClone = spObject->Clone();
+            spCopy->FromXmlStream(spClone->ToFastInfosetStream(FInfoDecl_None, ctx), ctx);
+            EXPECT_TRUE(*spCopy == *spObject);
+            std::string strText = Utf8(spCopy->ToXml(false, false, EOLType_LF, ctx));
+            throw CQzException(Wide(strText.substr(strText.find(" schema"))));
+        });
+}
+
+TEST(ClassKitTest, ListsOfValuesAndWhatIsFixed)
+{
+    EXPECT_EQ(PassLists("<one/><number> 7 </number><number>8</number><day>2024-02-29Z</day><colour>red</colour>"
+                        "<colour>dark  green</colour><gap>1.50</gap><gap xsi:nil='true'/><x/><y/><key>k</key>",
+                  "o:a='1'"),
+        " schema=\"2.0\" xmlns:AA=\"urn:o\" AA:a=\"1\"><one>1</one><number>7</number><number>8</number>"
+        "<day>2024-02-29Z</day><colour>red</colour><colour>dark green</colour><gap>1.5</gap><gap xsi:nil=\"true\"/><x/>"
+        "<y/><key>k</key></l>");
+    EXPECT_EQ(PassLists("<one>2</one><number>7</number>"),
+        "Failed to set the property value.\nPath: /l/one\nThe value [2] of [one] is not the fixed one, which is [1]");
+    EXPECT_NE(PassLists("<number>1</number>", "schema='2'").find("not the fixed one"), std::string::npos);
+    EXPECT_NE(PassLists("<number>1</number>", "own='2'").find("own"), std::string::npos);
+    EXPECT_EQ(PassLists("<number>10</number>"), "Invalid Value for number [10]\nPath: /l/number");
+    EXPECT_NE(PassLists("").find("[number]"), std::string::npos);
+    EXPECT_NE(PassLists("<number>1</number><number>1</number><number>1</number><number>1</number>").find("[number]"),
+        std::string::npos);
+    EXPECT_NE(PassLists("<number xsi:nil='true'/>").find("'nil'"), std::string::npos);
+    EXPECT_EQ(PassLists("<number>1</number><colour>blue</colour>"),
+        "The value [blue] is none of the enumeration\nPath: /l/colour");
+}
+
 /// A part as a branch, and a list in a choice, of which neither can be.
 class CWrong : public Class<CWrong>
 {
