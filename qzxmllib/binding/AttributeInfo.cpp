@@ -202,7 +202,7 @@ bool CAttributeInfoEnum::AttributeFromXml(
     if (!IsThisAttribute(ctx, pAttribute))
         return false;
     QzVariant value;
-    value.SetI4(m_pfnEnumFromString(std::u16string(pAttribute->GetValueView()).c_str()));
+    value.SetI4(EnumNumber(m_pfnEnumFromString, pAttribute->GetValueView(), m_strAttributeName));
     InvokePropertySet(pClass, value, *pAttribute);
     return true;
 }

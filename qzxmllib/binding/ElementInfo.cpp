@@ -46,10 +46,19 @@ std::uint64_t CEntryId::Next() noexcept
 
 char16_t const * EnumText(EnumToStringFunction pfnToString, int nValue, std::u16string const & strName)
 {
+    if (pfnToString == nullptr)
+        throw CQzInvalidStateException(FormatString(u"The entry [%s] has no texts of its enumeration", strName));
     char16_t const * const pText = pfnToString(nValue);
     if (pText == nullptr)
         throw CQzInvalidValueException(FormatString(u"The value [%d] is not valid for [%s]", nValue, strName));
     return pText;
+}
+
+int EnumNumber(EnumFromStringFunction pfnFromString, std::u16string_view text, std::u16string const & strName)
+{
+    if (pfnFromString == nullptr)
+        throw CQzInvalidStateException(FormatString(u"The entry [%s] has no numbers of its enumeration", strName));
+    return pfnFromString(std::u16string(text).c_str());
 }
 
 CElementInfo::CElementInfo(char16_t const * name, char16_t const * namespaceUri, int propertyIndex, bool takesNamespace)
@@ -361,7 +370,7 @@ void CElementInfo::ElementFromXmlEnum(
 {
     ReadValue(ctx, pClass, ppCurrent, ItemType_i4,
         [this](QzVariant & value, std::u16string_view text)
-        { value.SetI4(m_pfnEnumFromString(std::u16string(text).c_str())); });
+        { value.SetI4(EnumNumber(m_pfnEnumFromString, text, m_strElementName)); });
 }
 
 // These two are where most of the time of a document goes: all their steps are in one function each.

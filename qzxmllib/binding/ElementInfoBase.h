@@ -36,6 +36,9 @@ struct AbsEntry
 {
     XmlElementType m_eElementType;
     CreateFromElementFunction m_pfnCreateFromElement;
+
+    /// A new object for the element, or null if no class fits.
+    CSmartPtr<CXmlObjectBase> Create(CXmlElement * pElement) const;
 };
 
 /// What an entry for untyped content knows of the namespaces that it takes. Null counts as empty.

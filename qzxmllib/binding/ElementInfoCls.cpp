@@ -21,11 +21,25 @@ namespace
         FormatString(u"Failed to find a suitable substitution element for [%s].", strElementName), pParent->GetXPath());
 }
 
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowNoFactory(std::u16string const & strElementName)
+{
+    throw CQzInvalidStateException(FormatString(u"The entry of the element [%s] has no factory", strElementName));
+}
+
 } // namespace
 
 CSmartPtr<CXmlObjectBase> ClassEntry::Create(std::u16string const & strElementName) const
 {
+    if (m_pfnCreateObject == nullptr)
+        ThrowNoFactory(strElementName);
     return m_pfnCreateObject(m_nClassId, strElementName.c_str());
+}
+
+CSmartPtr<CXmlObjectBase> AbsEntry::Create(CXmlElement * pElement) const
+{
+    if (m_pfnCreateFromElement == nullptr)
+        ThrowNoFactory(pElement->GetLocalName());
+    return m_pfnCreateFromElement(pElement);
 }
 
 // Classes whose object the property already holds.
@@ -181,7 +195,7 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(CSerializationContext const & ctx,
 {
     CSmartPtr<CXmlObjectBase> spObject;
     if (IsThisElement(ctx, *ppCurrent))
-        spObject = m_entry.m_pfnCreateFromElement(*ppCurrent);
+        spObject = m_entry.Create(*ppCurrent);
     if (spObject == nullptr)
     {
         if (parentType == XmlElementType_Element)
@@ -198,7 +212,7 @@ bool CElementInfoSeqAbsClsOpt::ElementFromXml(CSerializationContext const & ctx,
 {
     if (!IsThisElement(ctx, *ppCurrent))
         return true;
-    CSmartPtr<CXmlObjectBase> const spObject = m_entry.m_pfnCreateFromElement(*ppCurrent);
+    CSmartPtr<CXmlObjectBase> const spObject = m_entry.Create(*ppCurrent);
     if (spObject == nullptr)
         return true;
     FillAsElement(spObject, ppCurrent, ctx, false);
@@ -213,7 +227,7 @@ bool CElementInfo::ReadSubstitute(CSerializationContext const & ctx, CXmlGenerat
     // In pseudo position no name is compared.
     if (bElement ? !IsThisElement(ctx, *ppCurrent) : *ppCurrent == nullptr)
         return false;
-    CSmartPtr<CXmlObjectBase> const spObject = entry.m_pfnCreateFromElement(*ppCurrent);
+    CSmartPtr<CXmlObjectBase> const spObject = entry.Create(*ppCurrent);
     if (spObject == nullptr)
         return false;
     if (!bElement)
@@ -234,7 +248,7 @@ bool CElementInfoChoiceAbsClsOpt::ElementFromXml(CSerializationContext const & c
 {
     if (!IsThisElement(ctx, *ppCurrent))
         return false;
-    CSmartPtr<CXmlObjectBase> const spObject = m_entry.m_pfnCreateFromElement(*ppCurrent);
+    CSmartPtr<CXmlObjectBase> const spObject = m_entry.Create(*ppCurrent);
     SetObject(pClass, spObject, *pParent);
     if (spObject == nullptr)
         return false;

@@ -68,6 +68,29 @@ namespace
         std::u16string());
 }
 
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowNoTable(CXmlGeneratedClass const & object, char16_t const * pszKind)
+{
+    QzXmlLib16Data::CParentElementInfo const * const pInfo = object.GetClassInfo();
+    throw CQzInvalidStateException(FormatString(u"The class [%s] has no table of its %s",
+        pInfo != nullptr ? pInfo->GetElementName() : std::u16string(), pszKind));
+}
+
+QzXmlLib16Data::CElementInfo ** ElementsOf(CXmlGeneratedClass const & object)
+{
+    QzXmlLib16Data::CElementInfo ** const ppElements = object.GetClassElementInfo();
+    if (ppElements == nullptr)
+        ThrowNoTable(object, u"elements");
+    return ppElements;
+}
+
+QzXmlLib16Data::CAttributeInfo ** AttributesOf(CXmlGeneratedClass const & object)
+{
+    QzXmlLib16Data::CAttributeInfo ** const ppAttributes = object.GetClassAttributeInfo();
+    if (ppAttributes == nullptr)
+        ThrowNoTable(object, u"attributes");
+    return ppAttributes;
+}
+
 /// Whether a class has but one base at each level up to CXmlGeneratedClass, so that INillable is none of them.
 bool HasOnlySingleBases(std::type_info const & type)
 {
@@ -173,12 +196,12 @@ void CXmlGeneratedClass::ReadProperty(int index, QzVariant & value) const
 
 int CXmlGeneratedClass::GetClassElementInfoCount() const
 {
-    return static_cast<int>(CountEntries(GetClassElementInfo()));
+    return static_cast<int>(CountEntries(ElementsOf(*this)));
 }
 
 bool CXmlGeneratedClass::IsElementInList(CSerializationContext const & ctx, CXmlElement * pElement) const
 {
-    CElementInfo ** const ppElements = GetClassElementInfo();
+    CElementInfo ** const ppElements = ElementsOf(*this);
     int const nCount = GetClassElementInfoCount();
     for (int i = 0; i < nCount; ++i)
         if (ppElements[i]->IsThisElement(ctx, pElement))
@@ -188,7 +211,7 @@ bool CXmlGeneratedClass::IsElementInList(CSerializationContext const & ctx, CXml
 
 bool CXmlGeneratedClass::DoesElementContainOptionalElements() const
 {
-    for (CElementInfo ** ppElements = GetClassElementInfo(); *ppElements != nullptr; ++ppElements)
+    for (CElementInfo ** ppElements = ElementsOf(*this); *ppElements != nullptr; ++ppElements)
     {
         CElementInfo const * const pEntry = *ppElements;
         if (IsOneOf<CElementInfoChoicePrimCol, CElementInfoChoiceClsCol, CElementInfoChoiceAbsClsCol,
@@ -238,7 +261,7 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter * pWriter, CSerializatio
         if (ctx.GetWriteTypeAttribute() && info.GetHasBaseClasses() &&
             info.GetElementType() == XmlElementType_Element && info.GetElementName() != m_strElementName)
             pWriter->WriteXsiType(info.GetElementNamespace(), info.GetElementName(), ItemType_string);
-        ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), pWriter);
+        ProcessAttributesToXml(ctx, ElementsOf(*this), AttributesOf(*this), pWriter);
     }
     catch (CQzException & inner)
     {
@@ -329,13 +352,13 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter * pWriter, bool isRoot, char16_t c
             switch (info.GetElementGroupType())
             {
             case XmlElementGroupType_Sequence:
-                ProcessElementSeqToXml(ctx, GetClassElementInfo(), pWriter);
+                ProcessElementSeqToXml(ctx, ElementsOf(*this), pWriter);
                 break;
             case XmlElementGroupType_Choice:
-                ProcessElementChoiceToXml(ctx, GetClassElementInfo(), pWriter, emptyChoiceAllowed);
+                ProcessElementChoiceToXml(ctx, ElementsOf(*this), pWriter, emptyChoiceAllowed);
                 break;
             case XmlElementGroupType_All:
-                ProcessElementAllToXml(ctx, GetClassElementInfo(), pWriter);
+                ProcessElementAllToXml(ctx, ElementsOf(*this), pWriter);
                 break;
             default:
                 throw CQzException(u"Unknown XML Group Type");
@@ -454,7 +477,7 @@ bool CXmlGeneratedClass::OfferAttribute(
 void CXmlGeneratedClass::ProcessAttributesFromXml(
     CSerializationContext const & ctx, CXmlElement * pElement, bool failIfUnknown)
 {
-    CAttributeInfo ** const ppAttributes = GetClassAttributeInfo();
+    CAttributeInfo ** const ppAttributes = AttributesOf(*this);
     std::size_t const nEntries = CountEntries(ppAttributes);
     CFlagList found(nEntries);
     for (CXmlAttribute * pAttribute = pElement->GetFirstAttribute(); pAttribute != nullptr;
@@ -475,7 +498,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(
 CXmlElement * CXmlGeneratedClass::ProcessElementSeqFromXml(
     CSerializationContext const & ctx, CXmlElement * pElement, CXmlElement * pChild, XmlElementType eType)
 {
-    CElementInfo ** const ppElements = GetClassElementInfo();
+    CElementInfo ** const ppElements = ElementsOf(*this);
     CClassNamespace classNamespace(*this);
     bool const bSkip = ctx.GetIgnoreUnknownElements();
     CXmlElement * pCurrent = pChild;
@@ -509,7 +532,7 @@ CXmlElement * CXmlGeneratedClass::ProcessElementSeqFromXml(
 CXmlElement * CXmlGeneratedClass::ProcessElementAllFromXml(
     CSerializationContext const & ctx, CXmlElement * pElement, CXmlElement * pChild, XmlElementType eType)
 {
-    CElementInfo ** const ppElements = GetClassElementInfo();
+    CElementInfo ** const ppElements = ElementsOf(*this);
     std::size_t const nEntries = CountEntries(ppElements);
     CClassNamespace classNamespace(*this);
     CFlagList found(nEntries);
@@ -535,7 +558,7 @@ CXmlElement * CXmlGeneratedClass::ProcessElementAllFromXml(
 CXmlElement * CXmlGeneratedClass::ProcessElementChoiceFromXml(CSerializationContext const & ctx, CXmlElement * pElement,
     CXmlElement * pChild, XmlElementType eType, bool emptyChoiceAllowed)
 {
-    CElementInfo ** const ppElements = GetClassElementInfo();
+    CElementInfo ** const ppElements = ElementsOf(*this);
     CClassNamespace classNamespace(*this);
     bool const bElement = eType == XmlElementType_Element;
     bool const bSkip = ctx.GetIgnoreUnknownElements();

@@ -25,6 +25,21 @@ CParentElementInfo Info(XmlElementGroupType eGroup, XmlElementType eType, char16
     return CParentElementInfo(eGroup, eType, name, u"urn:t", true, hasBaseClasses, textIndex, eText, u"", asText);
 }
 
+/// The innermost failure of a call has the words.
+template <class F>
+void ExpectFails(F && call, char16_t const * pszWords)
+{
+    try
+    {
+        call();
+        ADD_FAILURE() << "nothing thrown for " << Utf8(pszWords);
+    }
+    catch (CQzException const & e)
+    {
+        EXPECT_NE(e.GetFullMessage().find(pszWords), std::u16string::npos) << Utf8(e.GetFullMessage());
+    }
+}
+
 TEST(XmlGeneratedClassTest, RootIsWrittenInItsOrder)
 {
     // A pseudo class has no tag, so that its base classes show nowhere.
@@ -63,6 +78,46 @@ TEST(XmlGeneratedClassTest, RootIsWrittenInItsOrder)
     EXPECT_EQ(XmlOf(*spObject, ctx), "<r id=\"first\" q=\"second\"><n>7</n></r>");
     CSmartPtr<CTableClass> const spNamed(new CTableClass(schema, u"baseType"));
     EXPECT_EQ(XmlOf(*spNamed), "<baseType q=\"second\"/>") << "a tag that equals the class name needs no xsi:type";
+}
+
+/// A class whose tables are forgotten, in whole or in part.
+TEST(XmlGeneratedClassTest, WhatTablesLackIsNamed)
+{
+    struct Bare : CTableClass
+    {
+        using CTableClass::CTableClass;
+        CElementInfo ** GetClassElementInfo() const override
+        {
+            return m_bElements ? CTableClass::GetClassElementInfo() : nullptr;
+        }
+        CAttributeInfo ** GetClassAttributeInfo() const override
+        {
+            return m_bElements ? nullptr : CTableClass::GetClassAttributeInfo();
+        }
+        bool m_bElements = false;
+    };
+    CTableSchema empty(Info(XmlElementGroupType_Sequence, XmlElementType_Element, u"bareType", false));
+    CSmartPtr<Bare> const spBare(new Bare(empty));
+    auto const read = [&] { spBare->FromXml("<r/>"); };
+    auto const write = [&] { spBare->ToXml(); };
+    ExpectFails(read, u"The class [bareType] has no table of its elements");
+    ExpectFails(write, u"The class [bareType] has no table of its elements");
+    spBare->m_bElements = true;
+    ExpectFails(read, u"The class [bareType] has no table of its attributes");
+    ExpectFails(write, u"The class [bareType] has no table of its attributes");
+
+    CTableSchema schema;
+    schema.Element<CElementInfoSeqClsOpt>(u"a", XmlElementType_Element, nullptr, 0)
+        .Element<CElementInfoSeqAbsClsOpt>(u"b", XmlElementType_Element, nullptr)
+        .Element<CElementInfoSeqEnumOpt>(u"c", false, nullptr, nullptr, u"")
+        .Attribute<CAttributeInfoEnum>(u"d", true, nullptr, nullptr, u"");
+    CSmartPtr<CTableClass> const spObject(new CTableClass(schema));
+    ExpectFails([&] { spObject->FromXml("<r><a/></r>"); }, u"The entry of the element [a] has no factory");
+    ExpectFails([&] { spObject->FromXml("<r><b/></r>"); }, u"The entry of the element [b] has no factory");
+    ExpectFails([&] { spObject->FromXml("<r><c>x</c></r>"); }, u"The entry [c] has no numbers of its enumeration");
+    ExpectFails([&] { spObject->FromXml("<r d='x'/>"); }, u"The entry [d] has no numbers of its enumeration");
+    (*spObject)[2].SetI4(0);
+    ExpectFails([&] { spObject->ToXml(); }, u"The entry [c] has no texts of its enumeration");
 }
 
 TEST(XmlGeneratedClassTest, NilObject)
